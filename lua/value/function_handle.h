@@ -1,0 +1,58 @@
+#pragma once
+
+#include <tarvel/lua/lua_vm.h>
+
+#include <cstdint>
+#include <functional>
+
+#include "lua/value/multi_value.h"
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+struct FunctionExpr;
+class Heap;
+
+// A function of the library or the host. `line` is the line of the call, 1-based. The arguments are
+// borrowed; the results are owned by the caller. Failure is an exception, never a result.
+using NativeFunction = std::function<MultiValue(LuaVM&, ValueSpan arguments, unsigned line)>;
+
+// What function values share: a script's syntax tree, or one native function.
+struct FunctionCode {
+  std::uint64_t count = 1;
+  virtual ~FunctionCode() = default;
+
+  void addReference() noexcept { ++count; }
+  void removeReference() noexcept {
+    if (--count == 0) delete this;
+  }
+};
+
+struct NativeCode final : FunctionCode {
+  explicit NativeCode(NativeFunction nativeFunction) : function(std::move(nativeFunction)) {}
+
+  NativeFunction function;  // may be empty; calling it is then a script error
+};
+
+// A function value: a script closure or a native function.
+struct FunctionObject : Object {
+  const FunctionExpr* body;  // null for a native function
+  Environment*
+      environment;     // owned; what the closure captured, null where nothing around it has one
+  FunctionCode* code;  // owned
+  StringObject* name;  // owned
+  LuaFunctionHandle* exported =
+      nullptr;  // the handle by which the host knows it, while there is one
+
+  // Return an owned reference. A closure shares all that it is given; a native function takes over
+  // `nativeName`.
+  static FunctionObject* createClosure(Heap& heap, const FunctionExpr* functionBody,
+                                       FunctionCode* chunk, StringObject* declaredName,
+                                       Environment* enclosing);
+  static FunctionObject* createNative(Heap& heap, StringObject* nativeName,
+                                      NativeFunction function);
+
+  bool isNative() const noexcept { return body == nullptr; }
+};
+
+}  // namespace tarvel::lua::internal

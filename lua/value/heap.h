@@ -1,0 +1,104 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace tarvel::lua::internal {
+
+// The memory of one interpreter: size-class free lists over aligned slabs for small blocks, the
+// system's allocator for large ones. Every block belongs to exactly one heap and can find it again
+// from its own address, so a value can be dropped by whoever holds it last, also when that is a
+// host after the interpreter is gone.
+//
+// Not thread-safe, like the interpreter it serves. A heap lives as long as it has owners (the
+// interpreter and every function handle that crossed to the host); with the last owner it returns
+// all its memory, cyclic garbage included.
+//
+// Free lists hide leaks and use after release from the sanitizers. With TARVELLUA_CHECKED_HEAP
+// every block is a block of the system's allocator instead, and liveBlocks() counts them.
+class Heap {
+ public:
+  static constexpr std::size_t kGranularity = 16;  // bytes; also the alignment of every block
+  static constexpr std::size_t kSmallLimit =
+      512;  // bytes; larger blocks come from the system's allocator
+  static constexpr std::size_t kSlabBytes = 1 << 16;  // a slab's size and alignment
+
+  // A new heap with one owner.
+  static Heap* create();
+  void addOwner() noexcept { ++owners_; }
+  void removeOwner() noexcept;
+
+  // The heap that a small block (at most kSmallLimit bytes) belongs to.
+  static Heap& of(const void* smallBlock) noexcept;
+
+  // Throws std::bad_alloc when the system refuses or the interpreter's share of the machine's
+  // memory is used up.
+  void* allocate(std::size_t bytes) {
+#ifndef TARVELLUA_CHECKED_HEAP
+    if (bytes <= kSmallLimit) {
+      const std::size_t sizeClass = (bytes + kGranularity - 1) / kGranularity;
+      if (FreeBlock* block = free_[sizeClass]) {
+        free_[sizeClass] = block->next;
+        return block;
+      }
+      return carve(sizeClass);
+    }
+#endif
+    return allocateLarge(bytes);
+  }
+
+  // `bytes` is the size that the block was allocated with.
+  static void release(void* block, std::size_t bytes) noexcept {
+#ifndef TARVELLUA_CHECKED_HEAP
+    if (bytes <= kSmallLimit) {
+      const std::size_t sizeClass = (bytes + kGranularity - 1) / kGranularity;
+      Heap& heap = of(block);
+      heap.free_[sizeClass] = new (block) FreeBlock{heap.free_[sizeClass]};
+      return;
+    }
+#endif
+    releaseLarge(block, bytes);
+  }
+
+  // Moves a block to a larger or smaller size, keeping its bytes. On failure the old block stays
+  // valid.
+  void* reallocate(void* block, std::size_t oldBytes, std::size_t newBytes);
+
+  // Blocks that are allocated and not released, in all heaps of the process. Counted in checked
+  // builds only; 0 otherwise.
+  static std::size_t liveBlocks() noexcept;
+
+  Heap(const Heap&) = delete;
+  Heap& operator=(const Heap&) = delete;
+
+ private:
+  struct FreeBlock {
+    FreeBlock* next;
+  };
+  struct SlabHeader;
+  struct Region;
+  struct LargeBlock;
+
+  Heap() = default;
+  ~Heap();
+
+  void* carve(std::size_t sizeClass);
+  void startSlab();
+  void addRegion();
+  void* allocateLarge(std::size_t bytes);
+  static void releaseLarge(void* block, std::size_t bytes) noexcept;
+  void charge(std::size_t bytes);
+
+  std::array<FreeBlock*, kSmallLimit / kGranularity + 1> free_{};
+  std::byte* bump_ = nullptr;  // the unused rest of the current slab
+  std::byte* slabEnd_ = nullptr;
+  std::byte* regionNext_ = nullptr;  // the unused rest of the current region, in whole slabs
+  std::byte* regionEnd_ = nullptr;
+  Region* regions_ = nullptr;
+  LargeBlock* large_ = nullptr;
+  std::size_t systemBytes_ = 0;  // taken from the system and not returned
+  std::size_t owners_ = 1;
+};
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "lua/value/heap.h"
+#include "lua/value/table.h"
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+// What a generic `for` steps through. Made by pairs, ipairs and string.gmatch; shared by reference,
+// so that a second loop over the same iterator goes on where the first stopped.
+struct IteratorState : Object {
+  enum class Kind : std::uint8_t { Pairs = 0, Gmatch = 1, Ipairs = 2 };
+
+  Kind kind;
+  // Pairs, Gmatch: all items as they were when the iterator was made, `itemSize` owned values each.
+  std::vector<Value> values;
+  std::uint32_t itemSize = 2;
+  // The next item's first value in `values`; Ipairs: the last index delivered.
+  std::uint64_t position = 0;
+  // Ipairs: the table, owned and read live, and its length when the iterator was made.
+  Table* table = nullptr;
+  std::uint64_t limit = 0;
+
+  explicit IteratorState(Kind iteratorKind) : kind(iteratorKind) {}
+  ~IteratorState();
+
+  // All return an owned reference.
+  static IteratorState* createPairs(Heap& heap, Table& table);
+  static IteratorState* createIpairs(Heap& heap, Table& table);
+  static IteratorState* createGmatch(Heap& heap, std::vector<Value>&& ownedValues,
+                                     std::uint32_t valuesPerMatch);
+};
+
+}  // namespace tarvel::lua::internal

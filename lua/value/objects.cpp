@@ -1,0 +1,93 @@
+// How the objects that scripts share are made. How they end: destroyObject.
+
+#include <new>
+#include <utility>
+
+#include "lua/value/environment.h"
+#include "lua/value/function_handle.h"
+#include "lua/value/iterator_state.h"
+#include "lua/value/native_object.h"
+#include "lua/value/string_object.h"
+
+namespace tarvel::lua::internal {
+
+Environment* Environment::create(Heap& heap, std::uint32_t slotCount, Environment* enclosing) {
+  auto* const environment = new (heap.allocate(blockBytes(slotCount))) Environment;
+  if (enclosing != nullptr) ++enclosing->count;
+  environment->parent = enclosing;
+  environment->slotCount = slotCount;
+  for (std::uint32_t i = 0; i < slotCount; ++i) new (&environment->slots()[i]) Value();
+  return environment;
+}
+
+FunctionObject* FunctionObject::createClosure(Heap& heap, const FunctionExpr* functionBody,
+                                              FunctionCode* chunk, StringObject* declaredName,
+                                              Environment* enclosing) {
+  auto* const function = new (heap.allocate(sizeof(FunctionObject))) FunctionObject;
+  if (enclosing != nullptr) ++enclosing->count;
+  ++declaredName->count;
+  chunk->addReference();
+  function->body = functionBody;
+  function->environment = enclosing;
+  function->code = chunk;
+  function->name = declaredName;
+  return function;
+}
+
+FunctionObject* FunctionObject::createNative(Heap& heap, StringObject* nativeName,
+                                             NativeFunction callable) {
+  OwnedValue name{Value(nativeName)};
+  auto code = std::make_unique<NativeCode>(std::move(callable));
+  auto* const function = new (heap.allocate(sizeof(FunctionObject))) FunctionObject;
+  function->body = nullptr;
+  function->environment = nullptr;
+  function->code = code.release();
+  function->name = name.take().string;
+  return function;
+}
+
+NativeObject* NativeObject::create(Heap& heap, Kind kind, std::unique_ptr<NativeHandle> handle) {
+  return new (heap.allocate(sizeof(NativeObject))) NativeObject(kind, std::move(handle));
+}
+
+IteratorState::~IteratorState() {
+  for (const Value& value : values) drop(value);
+  if (table != nullptr) drop(Value(table));
+}
+
+IteratorState* IteratorState::createPairs(Heap& heap, Table& table) {
+  std::vector<Value> items;
+  items.reserve(2 * (std::size_t{table.arraySize()} + table.liveEntries()));
+  for (std::uint32_t i = 0; i < table.arraySize(); ++i) {
+    if (table.element(i).isNil()) continue;
+    items.push_back(Value(static_cast<std::int64_t>(i) + 1));
+    items.push_back(table.element(i));
+  }
+  for (std::uint32_t i = 0; i < table.entryCount(); ++i) {
+    if (table.entryValue(i).isNil()) continue;
+    items.push_back(table.entryKey(i).toValue());
+    items.push_back(table.entryValue(i));
+  }
+  auto* const iterator = new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Pairs);
+  for (const Value& value : items) retain(value);
+  iterator->values = std::move(items);
+  return iterator;
+}
+
+IteratorState* IteratorState::createIpairs(Heap& heap, Table& table) {
+  auto* const iterator = new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Ipairs);
+  ++table.count;
+  iterator->table = &table;
+  iterator->limit = static_cast<std::uint64_t>(table.length());
+  return iterator;
+}
+
+IteratorState* IteratorState::createGmatch(Heap& heap, std::vector<Value>&& ownedValues,
+                                           std::uint32_t valuesPerMatch) {
+  auto* const iterator = new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Gmatch);
+  iterator->values = std::move(ownedValues);
+  iterator->itemSize = valuesPerMatch;
+  return iterator;
+}
+
+}  // namespace tarvel::lua::internal

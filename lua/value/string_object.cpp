@@ -1,0 +1,137 @@
+#include "lua/value/string_object.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+std::uint32_t unitsFor(std::size_t length) {
+  if (length > StringObject::kMaximumLength) throw std::bad_alloc();
+  const std::size_t bytes = sizeof(StringObject) + length + 1;
+  const std::size_t units = (bytes + Heap::kGranularity - 1) / Heap::kGranularity;
+  if (units > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+  return static_cast<std::uint32_t>(units);
+}
+
+}  // namespace
+
+StringObject* StringObject::createUninitialized(Heap& heap, std::size_t length) {
+  const std::uint32_t units = unitsFor(length);
+  auto* const text = new (heap.allocate(units * Heap::kGranularity)) StringObject;
+  text->length = length;
+  text->cachedHash = 0;
+  text->capacityUnits = units;
+  text->data()[length] = '\0';
+  return text;
+}
+
+StringObject* StringObject::create(Heap& heap, std::string_view bytes) {
+  StringObject* const text = createUninitialized(heap, bytes.size());
+  std::copy_n(bytes.data(), bytes.size(), text->data());
+  return text;
+}
+
+StringObject* StringObject::appendInPlace(Heap& heap, StringObject* text, std::string_view more) {
+  const std::size_t length = text->length + more.size();
+  const std::uint32_t needed = unitsFor(length);
+  if (needed > text->capacityUnits) {
+    const std::uint32_t units = std::max(needed, unitsFor(text->length + text->length / 2));
+    text = static_cast<StringObject*>(
+        heap.reallocate(text, text->blockBytes(), units * Heap::kGranularity));
+    text->capacityUnits = units;
+  }
+  std::copy_n(more.data(), more.size(), text->data() + text->length);
+  text->length = length;
+  text->data()[length] = '\0';
+  text->cachedHash = 0;
+  return text;
+}
+
+// Eight bytes at a time, multiplied and folded; the tail is read as one padded word.
+std::uint32_t StringObject::hashOf(std::string_view bytes) noexcept {
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
+  std::uint64_t state = bytes.size() * kMultiplier;
+  const char* next = bytes.data();
+  std::size_t left = bytes.size();
+  std::uint64_t word = 0;
+  for (; left >= sizeof word; left -= sizeof word, next += sizeof word) {
+    std::memcpy(&word, next, sizeof word);
+    state = (state ^ word) * kMultiplier;
+    state ^= state >> 32;
+  }
+  word = 0;
+  if (left > 0) std::memcpy(&word, next, left);
+  state = (state ^ word) * kMultiplier;
+  state ^= state >> 29;
+  state *= kMultiplier;
+  const auto hash = static_cast<std::uint32_t>(state >> 32);
+  return hash != 0 ? hash : 1;
+}
+
+std::uint32_t StringObject::computeHash() noexcept { return cachedHash = hashOf(view()); }
+
+bool stringsEqual(StringObject* a, StringObject* b) noexcept {
+  if (a == b) return true;
+  if (a->length != b->length) return false;
+  if (a->cachedHash != 0 && b->cachedHash != 0 && a->cachedHash != b->cachedHash) return false;
+  return std::memcmp(a->data(), b->data(), a->length) == 0;
+}
+
+int compareStrings(const StringObject* a, const StringObject* b) noexcept {
+  const std::size_t common = std::min(a->length, b->length);
+  if (const int order = std::memcmp(a->data(), b->data(), common); order != 0) return order;
+  return a->length < b->length ? -1 : a->length > b->length ? 1 : 0;
+}
+
+StringInterner::~StringInterner() {
+  for (StringObject* text : slots_) {
+    if (text != nullptr) drop(Value(text));
+  }
+}
+
+StringObject* StringInterner::intern(std::string_view bytes) {
+  if ((used_ + 1) * 2 > slots_.size()) rebuild();
+  const std::size_t mask = slots_.size() - 1;
+  const std::uint32_t hash = StringObject::hashOf(bytes);
+  std::size_t slot = hash & mask;
+  for (; slots_[slot] != nullptr; slot = (slot + 1) & mask) {
+    StringObject* const text = slots_[slot];
+    if (text->cachedHash == hash && text->view() == bytes) {
+      ++text->count;
+      return text;
+    }
+  }
+  StringObject* const text = StringObject::create(heap_, bytes);
+  text->cachedHash = hash;
+  text->count = 2;  // ours and the caller's
+  slots_[slot] = text;
+  ++used_;
+  return text;
+}
+
+void StringInterner::rebuild() {
+  std::vector<StringObject*> kept;
+  kept.reserve(used_);
+  for (StringObject* text : slots_) {
+    if (text != nullptr && text->count > 1) kept.push_back(text);
+  }
+  std::size_t size = 256;
+  while (size < kept.size() * 4) size *= 2;
+  std::vector<StringObject*> slots(size);
+  for (StringObject* text : kept) {
+    std::size_t slot = text->hash() & (size - 1);
+    while (slots[slot] != nullptr) slot = (slot + 1) & (size - 1);
+    slots[slot] = text;
+  }
+  for (StringObject* text : slots_) {
+    if (text != nullptr && text->count == 1) drop(Value(text));
+  }
+  slots_ = std::move(slots);
+  used_ = kept.size();
+}
+
+}  // namespace tarvel::lua::internal

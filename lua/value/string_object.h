@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "lua/value/heap.h"
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+// An immutable byte string; the bytes follow the header and end with a zero byte that is not part
+// of the length. The one exception to "immutable": whoever holds the only reference may append in
+// place (appendInPlace).
+struct StringObject : Object {
+  static constexpr std::size_t kMaximumLength = static_cast<std::size_t>(1) << 40;  // bytes
+
+  std::uint64_t length;
+  std::uint32_t cachedHash;     // 0: not computed yet
+  std::uint32_t capacityUnits;  // room for bytes, in units of Heap::kGranularity, header included
+
+  // All return an owned reference and throw std::bad_alloc when there is no room.
+  static StringObject* create(Heap& heap, std::string_view bytes);
+  static StringObject* createUninitialized(Heap& heap, std::size_t length);
+
+  char* data() noexcept { return reinterpret_cast<char*>(this + 1); }
+  const char* data() const noexcept { return reinterpret_cast<const char*>(this + 1); }
+  std::string_view view() const noexcept { return {data(), length}; }
+  std::uint32_t hash() noexcept { return cachedHash != 0 ? cachedHash : computeHash(); }
+
+  static std::uint32_t hashOf(std::string_view bytes) noexcept;  // never 0
+
+  // Appends to a string that the caller holds the only reference to. Returns the string's new
+  // place; on failure the old one stays as it was. Room grows by half, so that appending n bytes
+  // one by one costs O(n).
+  static StringObject* appendInPlace(Heap& heap, StringObject* text, std::string_view more);
+
+  std::size_t blockBytes() const noexcept {
+    return static_cast<std::size_t>(capacityUnits) * Heap::kGranularity;
+  }
+
+ private:
+  std::uint32_t computeHash() noexcept;
+};
+
+bool stringsEqual(StringObject* a, StringObject* b) noexcept;
+
+// Orders by unsigned bytes, then the shorter string first: negative, zero or positive.
+int compareStrings(const StringObject* a, const StringObject* b) noexcept;
+
+// One copy of each name and literal of an interpreter's scripts, so that looking up a field by name
+// is usually a comparison of addresses. Holds a reference to each string; those that nobody else
+// holds are dropped when it grows.
+class StringInterner {
+ public:
+  explicit StringInterner(Heap& heap) : heap_(heap) {}
+  ~StringInterner();
+  StringInterner(const StringInterner&) = delete;
+  StringInterner& operator=(const StringInterner&) = delete;
+
+  // Returns an owned reference.
+  StringObject* intern(std::string_view bytes);
+
+ private:
+  void rebuild();
+
+  Heap& heap_;
+  std::vector<StringObject*> slots_;  // open addressing, a power of two; null: free
+  std::size_t used_ = 0;
+};
+
+}  // namespace tarvel::lua::internal

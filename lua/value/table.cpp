@@ -1,0 +1,313 @@
+#include "lua/value/table.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+#include "lua/value/number_rules.h"
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// Small keys are always dense, so a list filled back to front is still one array. Further keys are
+// dense only near the array's end; a lone t[1000000] costs one entry instead of a million nils.
+constexpr std::int64_t kFirstSparseKey = 65;
+constexpr std::int64_t kDenseReach = 8;  // elements past the array's end
+
+constexpr std::uint32_t kSmallestCapacity = 4;  // elements or entries
+constexpr std::uint32_t kIndexedCapacity = 16;  // fewer entries are found by looking at each
+constexpr std::uint32_t kFreeIndexSlot = 0xFFFFFFFF;
+constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
+constexpr std::uint32_t kLargestCapacity = std::uint32_t{1} << 30;
+
+std::uint64_t keyWord(std::uint64_t tag, std::uint32_t hash) {
+  return tag | static_cast<std::uint64_t>(hash) << 32;
+}
+
+bool sameKey(TableKey a, TableKey b) noexcept {
+  if (a.word != b.word) return false;
+  if (a.integer == b.integer) return true;
+  return a.tag() == kString && stringsEqual(a.string, b.string);
+}
+
+std::uint32_t grownCapacity(std::uint32_t current, std::uint32_t needed) {
+  if (needed > kLargestCapacity) throw std::bad_alloc();
+  return std::max({needed, std::min(current * 2, kLargestCapacity), kSmallestCapacity});
+}
+
+}  // namespace
+
+TableKey TableKey::ofInteger(std::int64_t key) noexcept {
+  const std::uint64_t mixed = static_cast<std::uint64_t>(key) * 0x9E3779B97F4A7C15;
+  TableKey result;
+  result.word = keyWord(kInteger, static_cast<std::uint32_t>(mixed >> 32));
+  result.integer = key;
+  return result;
+}
+
+TableKey TableKey::ofBoolean(bool key) noexcept {
+  TableKey result;
+  result.word = keyWord(key ? kTrue : kFalse, key ? 1 : 2);
+  result.integer = 0;
+  return result;
+}
+
+TableKey TableKey::ofString(StringObject* key) noexcept {
+  TableKey result;
+  result.word = keyWord(kString, key->hash());
+  result.string = key;
+  return result;
+}
+
+Value TableKey::toValue() const noexcept {
+  Value value = Value::ofTag(tag());
+  value.integer = integer;
+  return value;
+}
+
+bool tryMakeKeyFromValue(const Value& value, TableKey& out) noexcept {
+  switch (value.tag) {
+    case kInteger:
+      out = TableKey::ofInteger(value.integer);
+      return true;
+    case kString:
+      out = TableKey::ofString(value.string);
+      return true;
+    case kFloat: {
+      std::int64_t whole = 0;
+      if (!wholeNumber(value.number, whole)) return false;
+      out = TableKey::ofInteger(whole);
+      return true;
+    }
+    case kFalse:
+    case kTrue:
+      out = TableKey::ofBoolean(value.tag == kTrue);
+      return true;
+    default:
+      return false;
+  }
+}
+
+Table* Table::create(Heap& heap, std::uint32_t arrayHint, std::uint32_t entryHint) {
+  auto* const table = new (heap.allocate(sizeof(Table))) Table;
+  try {
+    if (arrayHint > 0) table->reserveArray(arrayHint);
+    if (entryHint > 0) table->rebuildEntries(entryHint);
+  } catch (...) {
+    destroy(table);
+    throw;
+  }
+  return table;
+}
+
+void Table::destroy(Table* table) noexcept {
+  for (std::uint32_t i = 0; i < table->arraySize_; ++i) drop(table->array_[i]);
+  for (std::uint32_t i = 0; i < table->entryCount_; ++i) {
+    drop(table->entries_[i].key.toValue());
+    drop(table->entries_[i].value);
+  }
+  if (table->array_ != nullptr) Heap::release(table->array_, table->arrayCapacity_ * sizeof(Value));
+  if (table->entries_ != nullptr) Heap::release(table->entries_, entryBytes(table->entryCapacity_));
+  Heap::release(table, sizeof(Table));
+}
+
+// ---- Reading
+// --------------------------------------------------------------------------------------------------------
+
+Value Table::get(TableKey key) const noexcept {
+  return key.tag() == kInteger ? getInteger(key.integer) : getEntry(key);
+}
+
+Value Table::getEntry(TableKey key) const noexcept {
+  const std::uint32_t number = findEntry(key);
+  return number == kNoEntry ? Value() : entries_[number].value;
+}
+
+Value Table::findWithHint(StringObject* key, std::uint32_t& hint) const noexcept {
+  const std::uint32_t number = findEntry(TableKey::ofString(key));
+  if (number == kNoEntry) return Value();
+  hint = number;
+  return entries_[number].value;
+}
+
+std::uint32_t Table::findEntry(TableKey key) const noexcept {
+  if (entryCapacity_ < kIndexedCapacity) {
+    for (std::uint32_t i = 0; i < entryCount_; ++i) {
+      if (sameKey(entries_[i].key, key)) return i;
+    }
+    return kNoEntry;
+  }
+  const std::uint32_t* const slots = index();
+  const std::uint32_t mask = entryCapacity_ * 2 - 1;
+  for (std::uint32_t slot = key.hash() & mask; slots[slot] != kFreeIndexSlot;
+       slot = (slot + 1) & mask) {
+    if (sameKey(entries_[slots[slot]].key, key)) return slots[slot];
+  }
+  return kNoEntry;
+}
+
+// ---- Storing
+// --------------------------------------------------------------------------------------------------------
+
+void Table::set(TableKey key, Value owned) {
+  if (key.tag() == kInteger) {
+    setInteger(key.integer, owned);
+  } else {
+    setEntry(key, owned);
+  }
+}
+
+void Table::setBeyondArray(std::int64_t key, Value owned) {
+  const std::int64_t size = arraySize_;
+  if (key < 1 || (key >= kFirstSparseKey && key > size + kDenseReach)) {
+    setEntry(TableKey::ofInteger(key), owned);
+    return;
+  }
+  OwnedValue guard(owned);
+  growArray(static_cast<std::uint32_t>(key));
+  setElement(static_cast<std::uint32_t>(key - 1), guard.take());
+}
+
+void Table::setStringWithHint(StringObject* key, Value owned, std::uint32_t& hint) {
+  const std::uint32_t number = setEntry(TableKey::ofString(key), owned);
+  if (number != kNoEntry) hint = number;
+}
+
+// Returns the number of the entry that holds the value, kNoEntry when a nil needed none.
+std::uint32_t Table::setEntry(TableKey key, Value owned) {
+  const std::uint32_t number = findEntry(key);
+  if (number == kNoEntry) return owned.isNil() ? kNoEntry : appendEntry(key, owned);
+  Entry& entry = entries_[number];
+  if (entry.value.isNil() && !owned.isNil() && number + 1 != entryCount_) {
+    const std::uint32_t appended = appendEntry(key, owned);
+    return appended;
+  }
+  if (entry.value.isNil() != owned.isNil()) {
+    if (owned.isNil()) {
+      --liveEntries_;
+    } else {
+      ++liveEntries_;
+    }
+  }
+  replaceSlot(entry.value, owned);
+  return number;
+}
+
+std::uint32_t Table::appendEntry(TableKey key, Value owned) {
+  const OwnedValue keyGuard = OwnedValue::share(key.toValue());
+  OwnedValue guard(owned);
+  // A key that was nil for a while leaves its old place in the order.
+  if (const std::uint32_t old = findEntry(key); old != kNoEntry) forgetEntry(old);
+  if (entryCount_ == entryCapacity_) {
+    // With many dead entries the same room serves again.
+    const bool mostlyLive = liveEntries_ >= entryCapacity_ / 4 * 3;
+    rebuildEntries(mostlyLive ? grownCapacity(entryCapacity_, liveEntries_ + 1) : entryCapacity_);
+  }
+  const std::uint32_t number = entryCount_++;
+  retain(key.toValue());
+  new (&entries_[number]) Entry{key, guard.take()};
+  ++liveEntries_;
+  if (key.tag() == kInteger) ++integerEntries_;
+  indexEntry(number);
+  return number;
+}
+
+// Makes an entry unfindable; the value must be nil or moved away. Its index slot stays used until
+// the next rebuild.
+void Table::forgetEntry(std::uint32_t number) noexcept {
+  Entry& entry = entries_[number];
+  const Value key = entry.key.toValue();
+  if (key.tag == kInteger) --integerEntries_;
+  entry.key.word = kNil;
+  entry.key.integer = 0;
+  drop(key);
+}
+
+// ---- The array part
+// -------------------------------------------------------------------------------------------------
+
+void Table::reserveArray(std::uint32_t capacity) {
+  if (capacity <= arrayCapacity_) return;
+  void* const block = array_ == nullptr ? heap().allocate(capacity * sizeof(Value))
+                                        : heap().reallocate(array_, arrayCapacity_ * sizeof(Value),
+                                                            capacity * sizeof(Value));
+  array_ = static_cast<Value*>(block);
+  arrayCapacity_ = capacity;
+}
+
+void Table::growArray(std::uint32_t newSize) {
+  if (newSize > arrayCapacity_) reserveArray(grownCapacity(arrayCapacity_, newSize));
+  const std::uint32_t oldSize = arraySize_;
+  for (std::uint32_t i = oldSize; i < newSize; ++i) new (&array_[i]) Value();
+  arraySize_ = newSize;
+  if (integerEntries_ > 0) migrateEntries(oldSize);
+}
+
+// Moves the keys that the array has grown over, and those that directly follow its end, from the
+// hash part.
+void Table::migrateEntries(std::uint32_t oldSize) {
+  for (std::uint32_t i = oldSize;; ++i) {
+    const std::uint32_t number = findEntry(TableKey::ofInteger(static_cast<std::int64_t>(i) + 1));
+    if (i >= arraySize_) {
+      if (number == kNoEntry || entries_[number].value.isNil()) return;
+      if (i == arrayCapacity_) reserveArray(grownCapacity(arrayCapacity_, i + 1));
+      new (&array_[i]) Value();
+      ++arraySize_;
+    }
+    if (number == kNoEntry) continue;
+    if (!entries_[number].value.isNil()) --liveEntries_;
+    array_[i] = entries_[number].value;
+    entries_[number].value = Value();
+    forgetEntry(number);
+  }
+}
+
+// ---- The hash part
+// --------------------------------------------------------------------------------------------------
+
+std::size_t Table::entryBytes(std::uint32_t capacity) noexcept {
+  const std::size_t indexBytes =
+      capacity < kIndexedCapacity ? 0 : capacity * 2 * sizeof(std::uint32_t);
+  return capacity * sizeof(Entry) + indexBytes;
+}
+
+std::uint32_t* Table::index() const noexcept {
+  return reinterpret_cast<std::uint32_t*>(entries_ + entryCapacity_);
+}
+
+void Table::indexEntry(std::uint32_t number) noexcept {
+  if (entryCapacity_ < kIndexedCapacity) return;
+  std::uint32_t* const slots = index();
+  const std::uint32_t mask = entryCapacity_ * 2 - 1;
+  std::uint32_t slot = entries_[number].key.hash() & mask;
+  while (slots[slot] != kFreeIndexSlot) slot = (slot + 1) & mask;
+  slots[slot] = number;
+}
+
+// Moves the live entries, in order, to a block with room for at least `capacity`.
+void Table::rebuildEntries(std::uint32_t capacity) {
+  if (capacity >= kIndexedCapacity / 2 + 1) {
+    std::uint32_t powerOfTwo = kIndexedCapacity;
+    while (powerOfTwo < capacity) powerOfTwo *= 2;
+    capacity = powerOfTwo;
+  }
+  auto* const moved = static_cast<Entry*>(heap().allocate(entryBytes(capacity)));
+  std::uint32_t used = 0;
+  for (std::uint32_t i = 0; i < entryCount_; ++i) {
+    if (entries_[i].value.isNil()) {
+      forgetEntry(i);
+    } else {
+      new (&moved[used++]) Entry(entries_[i]);
+    }
+  }
+  if (entries_ != nullptr) Heap::release(entries_, entryBytes(entryCapacity_));
+  entries_ = moved;
+  entryCapacity_ = capacity;
+  entryCount_ = used;
+  if (capacity < kIndexedCapacity) return;
+  std::fill_n(index(), capacity * 2, kFreeIndexSlot);
+  for (std::uint32_t i = 0; i < used; ++i) indexEntry(i);
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,157 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "lua/value/heap.h"
+#include "lua/value/string_object.h"
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+// A table key in the form in which tables compare it: the value's tag with the key's hash in the
+// upper half, and the payload. Two integers or booleans are the same key exactly when both words
+// are equal; two strings also when only their bytes are. A key borrows its string.
+struct TableKey {
+  std::uint64_t word;  // tag | hash << 32
+  union {
+    std::int64_t integer;
+    StringObject* string;
+  };
+
+  static TableKey ofInteger(std::int64_t key) noexcept;
+  static TableKey ofBoolean(bool key) noexcept;
+  static TableKey ofString(StringObject* key) noexcept;
+
+  std::uint32_t tag() const noexcept { return static_cast<std::uint32_t>(word); }
+  std::uint32_t hash() const noexcept { return static_cast<std::uint32_t>(word >> 32); }
+  Value toValue() const noexcept;  // borrowed
+};
+
+// The only aggregate: integer keys from 1 upward stand in a dense array part, every other key in a
+// hash part that keeps the order of insertion.
+//
+// Invariants:
+// - A key has one home: when the array part grows over keys of the hash part, they move into it.
+// The hash part never
+//   holds the key that follows the array part's end.
+// - The elements 1 to `border_` are not nil.
+// - An entry whose value is nil is absent for every reader. Its place in the order is given up: a
+// key that is stored
+//   again after it was nil stands at the end.
+class Table : public Object {
+ public:
+  // Returns an owned reference. `arrayHint` and `entryHint` say how many keys are about to be
+  // stored.
+  static Table* create(Heap& heap, std::uint32_t arrayHint = 0, std::uint32_t entryHint = 0);
+  // Frees the table; its contents are dropped.
+  static void destroy(Table* table) noexcept;
+
+  // The value under a key, borrowed; nil when absent.
+  Value get(TableKey key) const noexcept;
+  Value getInteger(std::int64_t key) const noexcept {
+    const std::uint64_t index = static_cast<std::uint64_t>(key) - 1;
+    if (index < arraySize_) return array_[index];
+    return liveEntries_ == 0 ? Value() : getEntry(TableKey::ofInteger(key));
+  }
+  Value getString(StringObject* key) const noexcept { return getEntry(TableKey::ofString(key)); }
+
+  // As getString, remembering the entry's number in `hint` so that the next look-up by the same
+  // code is two comparisons.
+  Value getString(StringObject* key, std::uint32_t& hint) const noexcept {
+    if (hint < entryCount_ && entries_[hint].key.string == key &&
+        static_cast<std::uint32_t>(entries_[hint].key.word) == kString) {
+      return entries_[hint].value;
+    }
+    return findWithHint(key, hint);
+  }
+
+  // Store an owned value. On failure (std::bad_alloc) the value is dropped and the table unchanged.
+  void set(TableKey key, Value owned);
+  void setInteger(std::int64_t key, Value owned) {
+    const std::uint64_t index = static_cast<std::uint64_t>(key) - 1;
+    if (index < arraySize_) {
+      setElement(static_cast<std::uint32_t>(index), owned);
+      return;
+    }
+    setBeyondArray(key, owned);
+  }
+  void setString(StringObject* key, Value owned, std::uint32_t& hint) {
+    if (hint < entryCount_ && entries_[hint].key.string == key &&
+        static_cast<std::uint32_t>(entries_[hint].key.word) == kString &&
+        !entries_[hint].value.isNil() && !owned.isNil()) {
+      replaceSlot(entries_[hint].value, owned);
+      return;
+    }
+    setStringWithHint(key, owned, hint);
+  }
+
+  // The value of `#`: the number of leading elements that are not nil. Amortised constant time.
+  std::int64_t length() noexcept {
+    while (border_ < arraySize_ && !array_[border_].isNil()) ++border_;
+    return border_;
+  }
+
+  // The parts, for `pairs`, conversion and sorting. Nil elements and nil values are not items.
+  std::uint32_t arraySize() const noexcept { return arraySize_; }
+  const Value& element(std::uint32_t index) const noexcept { return array_[index]; }
+  Value& element(std::uint32_t index) noexcept { return array_[index]; }
+  std::uint32_t entryCount() const noexcept { return entryCount_; }
+  TableKey entryKey(std::uint32_t number) const noexcept { return entries_[number].key; }
+  const Value& entryValue(std::uint32_t number) const noexcept { return entries_[number].value; }
+  std::uint32_t liveEntries() const noexcept { return liveEntries_; }
+
+ private:
+  struct Entry {
+    TableKey key;
+    Value value;
+  };
+
+  Value getEntry(TableKey key) const noexcept;
+  Value findWithHint(StringObject* key, std::uint32_t& hint) const noexcept;
+  std::uint32_t findEntry(TableKey key) const noexcept;
+  void setElement(std::uint32_t index, Value owned) noexcept {
+    if (owned.isNil() && index < border_) border_ = index;
+    replaceSlot(array_[index], owned);
+  }
+  void setBeyondArray(std::int64_t key, Value owned);
+  void setStringWithHint(StringObject* key, Value owned, std::uint32_t& hint);
+  std::uint32_t setEntry(TableKey key, Value owned);
+  std::uint32_t appendEntry(TableKey key, Value owned);
+  void forgetEntry(std::uint32_t number) noexcept;
+  void growArray(std::uint32_t newSize);
+  void reserveArray(std::uint32_t capacity);
+  void migrateEntries(std::uint32_t oldSize);
+  void rebuildEntries(std::uint32_t capacity);
+  void indexEntry(std::uint32_t number) noexcept;
+  std::uint32_t* index() const noexcept;
+  static std::size_t entryBytes(std::uint32_t capacity) noexcept;
+  Heap& heap() const noexcept { return Heap::of(this); }
+
+  Value* array_ = nullptr;
+  std::uint32_t arraySize_ = 0;  // keys 1 to arraySize_ live here; elements may be nil
+  std::uint32_t arrayCapacity_ = 0;
+  std::uint32_t border_ = 0;
+  std::uint32_t entryCount_ = 0;  // used entries, dead ones included
+  Entry* entries_ = nullptr;      // behind them, from kIndexedCapacity on, the hash index
+  std::uint32_t entryCapacity_ = 0;
+  std::uint32_t liveEntries_ = 0;     // entries whose value is not nil
+  std::uint32_t integerEntries_ = 0;  // entries with an integer key, dead ones included
+};
+
+// A usable key for `value`, which is borrowed; false for nil, tables, functions, userdata,
+// iterators, and floats that are not whole within the epsilon or out of the 64-bit range. A whole
+// float is the integer key.
+bool tryMakeKeyFromValue(const Value& value, TableKey& out) noexcept;
+
+// The operations under the names that the rest of the system knows them by. A null table reads as
+// empty.
+inline Value tableGetByKey(const Table* table, TableKey key) noexcept {
+  return table == nullptr ? Value() : table->get(key);
+}
+inline void tableSetByKey(Table& table, TableKey key, Value owned) { table.set(key, owned); }
+inline std::int64_t tableSequenceLength(Table* table) noexcept {
+  return table == nullptr ? 0 : table->length();
+}
+
+}  // namespace tarvel::lua::internal

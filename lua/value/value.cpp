@@ -1,0 +1,203 @@
+#include "lua/value/value.h"
+
+#include <array>
+#include <charconv>
+#include <stdexcept>
+
+#include "lua/value/environment.h"
+#include "lua/value/function_handle.h"
+#include "lua/value/heap.h"
+#include "lua/value/iterator_state.h"
+#include "lua/value/native_object.h"
+#include "lua/value/number_rules.h"
+#include "lua/value/string_object.h"
+#include "lua/value/table.h"
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+constexpr int kFloatDigits = 6;  // significant digits of a printed float
+
+void appendAddress(std::string& out, const char* kind, const void* object) {
+  std::array<char, 2 + 2 * sizeof object> digits;
+  const auto address = reinterpret_cast<std::uintptr_t>(object);
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), address, 16).ptr;
+  out.append(kind).append(": 0x").append(digits.data(), end);
+}
+
+template <class T>
+void destroyIn(T* object) noexcept {
+  object->~T();
+  Heap::release(object, sizeof(T));
+}
+
+// Gives up what an object holds, then its memory. What it held may go as well, through
+// destroyObject.
+void dismantle(Value value) noexcept {
+  switch (value.tag) {
+    case kTable:
+      Table::destroy(value.table);
+      return;
+    case kFunction: {
+      FunctionObject* const function = value.function;
+      if (function->environment != nullptr) drop(Value(function->environment));
+      drop(Value(function->name));
+      function->code->removeReference();
+      destroyIn(function);
+      return;
+    }
+    case kUserData:
+      destroyIn(value.native);
+      return;
+    case kIterator:
+      destroyIn(value.iterator);
+      return;
+    case kEnvironment: {
+      Environment* const environment = value.environment;
+      for (std::uint64_t i = 0; i < environment->slotCount; ++i) drop(environment->slots()[i]);
+      if (environment->parent != nullptr) drop(Value(environment->parent));
+      Heap::release(environment, Environment::blockBytes(environment->slotCount));
+      return;
+    }
+    default:
+      return;
+  }
+}
+
+// Objects that wait for dismantle, newest first: linked through their counts, which are no longer
+// needed. The low bits of a link are the tag of the object it points to.
+thread_local std::uint64_t waiting = 0;
+thread_local bool dismantling = false;
+constexpr std::uint64_t kLinkTagMask = Heap::kGranularity - 1;
+
+}  // namespace
+
+void destroyObject(Value value) noexcept {
+  if (value.tag == kString) {
+    Heap::release(value.string, value.string->blockBytes());
+    return;
+  }
+  if (dismantling) {
+    value.object->count = waiting;
+    waiting = reinterpret_cast<std::uintptr_t>(value.object) | value.tag;
+    return;
+  }
+  dismantling = true;
+  dismantle(value);
+  while (waiting != 0) {
+    Value next = Value::ofTag(waiting & kLinkTagMask);
+    next.object = reinterpret_cast<Object*>(waiting & ~kLinkTagMask);
+    waiting = next.object->count;
+    dismantle(next);
+  }
+  dismantling = false;
+}
+
+ValueKind Value::kind() const noexcept {
+  switch (tag) {
+    case kFalse:
+    case kTrue:
+      return ValueKind::Boolean;
+    case kInteger:
+      return ValueKind::Integer;
+    case kFloat:
+      return ValueKind::Float;
+    case kString:
+      return ValueKind::String;
+    case kTable:
+      return ValueKind::Table;
+    case kFunction:
+      return ValueKind::Function;
+    case kUserData:
+      return ValueKind::UserData;
+    case kIterator:
+      return ValueKind::Iterator;
+    default:
+      return ValueKind::Nil;
+  }
+}
+
+void Value::appendTo(std::string& out) const {
+  switch (kind()) {
+    case ValueKind::Nil:
+      out.append("nil");
+      return;
+    case ValueKind::Integer: {
+      std::array<char, 24> digits;
+      out.append(digits.data(),
+                 std::to_chars(digits.data(), digits.data() + digits.size(), integer).ptr);
+      return;
+    }
+    case ValueKind::Float: {
+      std::array<char, 32> digits;
+      out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                                              std::chars_format::general, kFloatDigits)
+                                    .ptr);
+      return;
+    }
+    case ValueKind::Boolean:
+      out.append(tag == kTrue ? "true" : "false");
+      return;
+    case ValueKind::String:
+      out.append(string->view());
+      return;
+    case ValueKind::Table:
+      appendAddress(out, "table", table);
+      return;
+    case ValueKind::Function:
+      // A function prints by its name, not by its address.
+      out.append("function: ")
+          .append(function->name->length == 0 ? "anonymous" : function->name->view());
+      return;
+    case ValueKind::UserData:
+      appendAddress(out, "userdata", native);
+      return;
+    case ValueKind::Iterator:
+      appendAddress(out, "iterator", iterator);
+      return;
+  }
+}
+
+std::string Value::toString() const {
+  std::string text;
+  appendTo(text);
+  return text;
+}
+
+std::int64_t Value::asInteger() const {
+  if (tag == kInteger) return integer;
+  if (tag == kFloat) return saturatingInteger(number);
+  throw std::runtime_error("value is not numeric");
+}
+
+double Value::asFloat() const {
+  if (tag == kFloat) return number;
+  if (tag == kInteger) return static_cast<double>(integer);
+  throw std::runtime_error("value is not numeric");
+}
+
+const char* describeValueType(const Value& value) noexcept {
+  switch (value.kind()) {
+    case ValueKind::Nil:
+      return "nil";
+    case ValueKind::Integer:
+    case ValueKind::Float:
+      return "number";
+    case ValueKind::Boolean:
+      return "boolean";
+    case ValueKind::String:
+      return "string";
+    case ValueKind::Table:
+      return "table";
+    case ValueKind::Function:
+      return "function";
+    case ValueKind::UserData:
+      return "userdata";
+    case ValueKind::Iterator:
+      return "iterator";
+  }
+  return "unknown";
+}
+
+}  // namespace tarvel::lua::internal

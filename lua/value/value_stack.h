@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+// The stack pointer of the host's stack; it grows downward.
+inline std::uintptr_t hostStackPointer() noexcept {
+#if defined(__x86_64__)
+  std::uintptr_t pointer;
+  asm("mov %%rsp, %0" : "=r"(pointer));
+  return pointer;
+#elif defined(__aarch64__)
+  std::uintptr_t pointer;
+  asm("mov %0, sp" : "=r"(pointer));
+  return pointer;
+#else
+  return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+#endif
+}
+
+// The lowest stack pointer that code of this thread may reach and still have room for library calls
+// and for raising an exception. Derived from the real bounds of the thread's stack.
+std::uintptr_t hostStackFloor() noexcept;
+
+// Bytes of the host's stack that are left above the floor.
+std::size_t hostStackRoom() noexcept;
+
+// The frames of one interpreter: one reservation of address space that never moves, so pointers
+// into it stay valid. Memory is used only as far as the frames have reached.
+//
+// Invariants:
+// - A slot at or above the live frames never owns anything. What empties a slot makes it nil first.
+// - No slot at or above the soft limit has ever been used since the limit was last lowered. The
+// limit rises in steps as
+//   frames need room, so after an error the sweep up to it finds everything that the abandoned
+//   frames owned.
+class ValueStack {
+ public:
+  // Throws std::bad_alloc when not even a small reservation can be had.
+  ValueStack();
+  ~ValueStack();
+  ValueStack(const ValueStack&) = delete;
+  ValueStack& operator=(const ValueStack&) = delete;
+
+  // True when slots up to `end` may be used and the host's stack has `hostBytes` left.
+  bool hasRoom(const Value* end, std::uint32_t hostBytes) const noexcept {
+    return end <= softLimit_ && hostStackPointer() - hostBytes >= hostFloor_;
+  }
+  // As hasRoom, raising the soft limit as needed; false when the stack is exhausted.
+  bool makeRoom(const Value* end, std::uint32_t hostBytes) noexcept;
+
+  // Every frame has at most as many slots as the largest one announced here.
+  void announceFrame(std::uint32_t slots) noexcept {
+    if (slots > largestFrame_) largestFrame_ = slots;
+  }
+
+  // The first slot that a native function may use for calls of its own.
+  Value* top() const noexcept { return top_; }
+  void setTop(Value* top) noexcept { top_ = top; }
+
+  // What a caller that survives errors (the start of a run, pcall) restores afterwards.
+  struct Mark {
+    Value* top;
+    std::uintptr_t hostFloor;
+  };
+  Mark mark() const noexcept { return {top_, hostFloor_}; }
+  // Takes the limits of the calling thread's stack.
+  void enterThread() noexcept { hostFloor_ = hostStackFloor(); }
+  // Releases everything from the mark on.
+  void unwindTo(const Mark& mark) noexcept;
+  // Back to the mark's limits when nothing was abandoned.
+  void leaveTo(const Mark& mark) noexcept {
+    top_ = mark.top;
+    hostFloor_ = mark.hostFloor;
+  }
+
+ private:
+  Value* base_ = nullptr;
+  Value* end_ = nullptr;
+  Value* softLimit_ = nullptr;
+  Value* top_ = nullptr;
+  std::uintptr_t hostFloor_ = 0;
+  std::uint32_t largestFrame_ = 0;
+};
+
+}  // namespace tarvel::lua::internal
