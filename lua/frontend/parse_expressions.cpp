@@ -1,0 +1,346 @@
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "lua/frontend/parser.h"
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+double decimalNumber(std::string_view text) {
+  double value = 0;
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, value, std::chars_format::fixed);
+  if (result.ec != std::errc::result_out_of_range) return value;
+  // There are no exponents, so what does not fit is too large if its whole part is not zero, else
+  // too small.
+  const bool isLarge = text.find_first_not_of('0') < text.find('.');
+  return isLarge ? std::numeric_limits<double>::infinity() : 0.0;
+}
+
+std::int64_t hexadecimalInteger(std::string_view digits) {
+  std::uint64_t value = 0;  // wraps
+  for (const char digit : digits) {
+    const int base = digit <= '9' ? '0' : (digit <= 'F' ? 'A' : 'a') - 10;
+    value = value << 4 | static_cast<std::uint64_t>(digit - base);
+  }
+  return static_cast<std::int64_t>(value);
+}
+
+// A decimal integer that 64 bits cannot hold becomes the nearest float.
+Value integerOrFloat(std::string_view text) {
+  if (text.starts_with("0x") || text.starts_with("0X")) {
+    return Value(hexadecimalInteger(text.substr(2)));
+  }
+  std::int64_t value = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+  return result.ec == std::errc() ? Value(value) : Value(decimalNumber(text));
+}
+
+bool isComparison(TokenKind kind) {
+  return kind >= TokenKind::Equal && kind <= TokenKind::GreaterEqual;
+}
+
+bool isFactorOperator(TokenKind kind) {
+  return kind >= TokenKind::Star && kind <= TokenKind::Percent;
+}
+
+bool isUnaryOperator(TokenKind kind) {
+  return kind == TokenKind::Minus || kind == TokenKind::Hash || kind == TokenKind::Not;
+}
+
+}  // namespace
+
+// ---- Operators ----
+
+Expr* Parser::parseExpression() {
+  Expr* left = parseAnd();
+  while (at(TokenKind::Or)) {
+    const Token& op = take();
+    left = makeBinary(left, op, parseAnd());
+  }
+  return left;
+}
+
+Expr* Parser::parseAnd() {
+  Expr* left = parseComparison();
+  while (at(TokenKind::And)) {
+    const Token& op = take();
+    left = makeBinary(left, op, parseComparison());
+  }
+  return left;
+}
+
+Expr* Parser::parseComparison() {
+  Expr* left = parseConcat();
+  while (isComparison(current().kind)) {
+    const Token& op = take();
+    left = makeBinary(left, op, parseConcat());
+  }
+  return left;
+}
+
+// `..` shares its level with `+` and `-`, and its right operand takes in everything that follows on
+// the level; this is meant. So `a + b .. c + d` is `(a + b) .. (c + d)`.
+Expr* Parser::parseConcat() {
+  Expr* first = parseSum();
+  return at(TokenKind::DotDot) ? parseConcatChain(first) : first;
+}
+
+Expr* Parser::parseConcatChain(Expr* first) {
+  const std::uint32_t line = current().line;
+  std::vector<Expr*> operands{first};
+  while (skip(TokenKind::DotDot)) operands.push_back(parseSum());
+  auto* chain = make<ConcatExpr>(chunk_.arena.list(operands), line);
+  for (const Expr* operand : chain->operands) adopt(chain, operand);
+  return complete(chain);
+}
+
+Expr* Parser::parseSum() {
+  Expr* left = parseFactor();
+  while (at(TokenKind::Plus) || at(TokenKind::Minus)) {
+    const Token& op = take();
+    left = makeBinary(left, op, parseFactor());
+  }
+  return left;
+}
+
+Expr* Parser::parseFactor() {
+  Expr* left = parseUnary();
+  while (isFactorOperator(current().kind)) {
+    const Token& op = take();
+    left = makeBinary(left, op, parseUnary());
+  }
+  return left;
+}
+
+Expr* Parser::parseUnary() {
+  if (!isUnaryOperator(current().kind)) return parsePrefixExpression();
+  const Token& op = take();
+  Expr* operand = parseOperand();
+  return complete(make<UnaryExpr>(op.kind, operand, op.line), operand);
+}
+
+Expr* Parser::parseOperand() {
+  const Level level(*this);
+  return parseUnary();
+}
+
+// ---- Primaries and what may follow them ----
+
+Expr* Parser::parsePrefixExpression() {
+  const std::uint32_t line = current().line;
+  Expr* chain = parsePrimary();
+  while (Expr* longer = parseSuffix(chain, line)) chain = longer;
+  return chain;
+}
+
+Expr* Parser::parsePrimary() {
+  const Token& token = current();
+  switch (token.kind) {
+    case TokenKind::Integer:
+      return takeLiteral(integerOrFloat(token.text));
+    case TokenKind::Number:
+      return takeLiteral(Value(decimalNumber(token.text)));
+    case TokenKind::String:
+      return takeLiteral(Value(intern(token.text)));
+    case TokenKind::Nil:
+      return takeLiteral(Value());
+    case TokenKind::True:
+      return takeLiteral(Value(true));
+    case TokenKind::False:
+      return takeLiteral(Value(false));
+    case TokenKind::Function:
+      return parseFunctionBody(take().line, intern("<anonymous>"), false);
+    case TokenKind::LeftBrace:
+      return parseTableConstructor();
+    case TokenKind::LeftParen:
+      return parseParenthesised();
+    case TokenKind::Identifier:
+      return makeVariable(intern(token.text), take().line);
+    default:
+      errorAt(token, "expected expression");
+  }
+}
+
+// No node is made for the parentheses, so `(f())` is the call itself.
+Expr* Parser::parseParenthesised() {
+  take();
+  Expr* inner = parseInnerExpression();
+  expect(TokenKind::RightParen, "expected ')' after expression");
+  return inner;
+}
+
+Expr* Parser::parseInnerExpression() {
+  const Level level(*this);
+  return parseExpression();
+}
+
+Expr* Parser::parseSuffix(Expr* object, std::uint32_t line) {
+  switch (current().kind) {
+    case TokenKind::Dot:
+      return parseField(object, line);
+    case TokenKind::LeftBracket:
+      return parseIndex(object, line);
+    case TokenKind::Colon:
+      return parseMethodCall(object, line);
+    case TokenKind::LeftParen:
+      return parseCall(object, line);
+    default:
+      return nullptr;
+  }
+}
+
+Expr* Parser::parseField(Expr* object, std::uint32_t line) {
+  take();
+  StringObject* name = expectName("expected field name after '.'");
+  return complete(make<FieldExpr>(object, name, line), object);
+}
+
+Expr* Parser::parseIndex(Expr* object, std::uint32_t line) {
+  take();
+  Expr* key = parseInnerExpression();
+  expect(TokenKind::RightBracket, "expected ']' after index expression");
+  return complete(make<IndexExpr>(object, key, line), object, key);
+}
+
+Expr* Parser::parseCall(Expr* callee, std::uint32_t line) {
+  const ArenaList<Expr*> arguments = parseArguments();
+  return completeCall(make<CallExpr>(callee, arguments, line), callee);
+}
+
+Expr* Parser::parseMethodCall(Expr* object, std::uint32_t line) {
+  take();
+  StringObject* method = expectName("expected method name after ':'");
+  const ArenaList<Expr*> arguments = parseArguments();
+  return completeCall(make<CallExpr>(object, method, arguments, line), object);
+}
+
+ArenaList<Expr*> Parser::parseArguments() {
+  const Level level(*this);
+  expect(TokenKind::LeftParen, "expected '(' before arguments");
+  if (skip(TokenKind::RightParen)) return {};
+  const ArenaList<Expr*> arguments = parseExpressionList();
+  expect(TokenKind::RightParen, "expected ')' after arguments");
+  return arguments;
+}
+
+ArenaList<Expr*> Parser::parseExpressionList() {
+  std::vector<Expr*> expressions;
+  do {
+    expressions.push_back(parseExpression());
+  } while (skip(TokenKind::Comma));
+  return chunk_.arena.list(expressions);
+}
+
+// ---- Tables ----
+
+Expr* Parser::parseTableConstructor() {
+  const std::uint32_t line = take().line;
+  const ArenaList<TableExpr::Field> fields = parseTableFields();
+  expect(TokenKind::RightBrace, "expected '}' after table constructor");
+  auto* table = make<TableExpr>(fields, line);
+  for (const TableExpr::Field& field : table->fields) {
+    table->positionalCount += field.kind == TableExpr::FieldKind::Positional;
+    if (field.key != nullptr) adopt(table, field.key);
+    adopt(table, field.value);
+  }
+  return complete(table);
+}
+
+ArenaList<TableExpr::Field> Parser::parseTableFields() {
+  const Level level(*this);
+  std::vector<TableExpr::Field> fields;
+  while (!at(TokenKind::RightBrace) && !at(TokenKind::EndOfFile)) {
+    fields.push_back(parseTableField());
+    if (!skip(TokenKind::Comma) && !skip(TokenKind::Semicolon)) break;
+  }
+  return chunk_.arena.list(fields);
+}
+
+TableExpr::Field Parser::parseTableField() {
+  if (at(TokenKind::LeftBracket)) return parseKeyedField();
+  const std::uint32_t line = current().line;
+  if (at(TokenKind::Identifier) && tokens_[index_ + 1].kind == TokenKind::Assign) {
+    StringObject* name = intern(take().text);
+    expect(TokenKind::Assign, "expected '=' after table field name");
+    return {TableExpr::FieldKind::Named, name, nullptr, parseExpression(), line};
+  }
+  return {TableExpr::FieldKind::Positional, nullptr, nullptr, parseExpression(), line};
+}
+
+TableExpr::Field Parser::parseKeyedField() {
+  const std::uint32_t line = take().line;
+  Expr* key = parseExpression();
+  expect(TokenKind::RightBracket, "expected ']' after table key");
+  expect(TokenKind::Assign, "expected '=' after table key");
+  return {TableExpr::FieldKind::Keyed, nullptr, key, parseExpression(), line};
+}
+
+// ---- Functions ----
+
+FunctionExpr* Parser::parseFunctionBody(std::uint32_t line, StringObject* name, bool isMethod) {
+  FunctionExpr* function = makeFunction(name, line);
+  expect(TokenKind::LeftParen, "expected '(' after function name");
+  function->parameters = parseParameters(isMethod);
+  parseBodyOf(function, {TokenKind::End});
+  expect(TokenKind::End, "expected 'end' after function body");
+  return complete(function);
+}
+
+// Reads the parameters and the closing parenthesis.
+ArenaList<StringObject*> Parser::parseParameters(bool isMethod) {
+  std::vector<StringObject*> parameters;
+  if (isMethod) parameters.push_back(intern("self"));
+  if (!at(TokenKind::RightParen)) {
+    do {
+      parameters.push_back(expectName("expected parameter name"));
+    } while (skip(TokenKind::Comma));
+  }
+  expect(TokenKind::RightParen, "expected ')' after parameter list");
+  return chunk_.arena.list(parameters);
+}
+
+void Parser::parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind> terminators) {
+  functions_.push_back({function, depth_});
+  function->body = parseBlock(terminators);
+  const std::uint64_t levels = std::uint64_t{function->nesting} + functions_.back().innerLevels;
+  if (levels > nestingLimit_) failTooDeep();
+  functions_.pop_back();
+  if (functions_.empty()) return;
+  OpenFunction& outer = functions_.back();
+  outer.innerLevels = std::max(outer.innerLevels, static_cast<std::uint32_t>(levels));
+}
+
+// ---- Nodes ----
+
+Expr* Parser::takeLiteral(Value value) { return complete(make<LiteralExpr>(value, take().line)); }
+
+VariableExpr* Parser::makeVariable(StringObject* name, std::uint32_t line) {
+  return complete(make<VariableExpr>(name, line));
+}
+
+Expr* Parser::makeBinary(Expr* left, const Token& op, Expr* right) {
+  return complete(make<BinaryExpr>(left, op.kind, right, op.line), left, right);
+}
+
+Expr* Parser::completeCall(CallExpr* call, const Expr* calleeOrObject) {
+  call->containsCall = true;
+  for (const Expr* argument : call->arguments) adopt(call, argument);
+  return complete(call, calleeOrObject);
+}
+
+FunctionExpr* Parser::makeFunction(StringObject* name, std::uint32_t line) {
+  auto* function = make<FunctionExpr>(line);
+  function->name = name;
+  function->chunk = &chunk_;
+  function->parent = functions_.empty() ? nullptr : functions_.back().function;
+  return function;
+}
+
+}  // namespace tarvel::lua::internal

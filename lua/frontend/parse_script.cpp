@@ -1,0 +1,75 @@
+#include <algorithm>
+#include <string>
+
+#include "lua/frontend/lexer.h"
+#include "lua/frontend/parser.h"
+#include "lua/frontend/resolver.h"
+#include "lua/frontend/syntax_tree.h"
+#include "lua/lua_vm_impl.h"
+
+// The front end on one page: text to a tree that the evaluator can run.
+
+namespace tarvel::lua {
+
+namespace internal {
+
+namespace {
+
+// The host's stack that one level of nesting takes at most in the parser, and in the passes over
+// the tree after it.
+#if defined(TARVELLUA_CHECKED_HEAP) || !defined(__OPTIMIZE__)
+constexpr std::size_t kParserBytesPerLevel = 6144;
+#else
+constexpr std::size_t kParserBytesPerLevel = 2048;
+#endif
+
+// Far beyond what people write, and small enough that a tree of this height can be walked.
+constexpr std::size_t kDeepestNesting = 10000;
+
+std::uint32_t nestingLimit() {
+  return static_cast<std::uint32_t>(
+      std::min(kDeepestNesting, hostStackRoom() / kParserBytesPerLevel));
+}
+
+}  // namespace
+
+ResolvedChunk::~ResolvedChunk() {
+  for (StringObject* text : strings) drop(Value(text));
+}
+
+StringObject* ResolvedChunk::own(StringObject* text) {
+  OwnedValue guard{Value(text)};
+  strings.push_back(text);
+  guard.take();
+  return text;
+}
+
+ChunkReference::~ChunkReference() {
+  if (chunk_ != nullptr) chunk_->removeReference();
+}
+
+}  // namespace internal
+
+internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
+                                                  const std::string& chunkName) {
+  internal::ChunkReference chunk(new internal::ResolvedChunk);
+  std::vector<internal::Token> tokens = internal::Lexer(source, chunkName).tokenise();
+  internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
+      .parseChunk();
+  internal::Resolver resolver(*chunk);
+  resolver.resolveChunk();
+  bindGlobalSlots(resolver.unboundNames());
+  planFrames(*chunk);
+  selectNodeFunctions(*chunk);
+  return chunk;
+}
+
+void LuaVM::Impl::bindGlobalSlots(const std::vector<internal::VariableExpr*>& names) {
+  for (internal::VariableExpr* variable : names) {
+    variable->isGlobal = true;
+    variable->globalSlot = static_cast<std::uint32_t>(resolveGlobalSlot(variable->name->view()));
+    variable->cell = &globals[variable->globalSlot];
+  }
+}
+
+}  // namespace tarvel::lua

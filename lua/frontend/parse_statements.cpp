@@ -1,0 +1,277 @@
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "lua/frontend/lexer.h"
+#include "lua/frontend/parser.h"
+
+namespace tarvel::lua::internal {
+
+Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
+               StringInterner& strings, std::uint32_t nestingLimit)
+    : tokens_(std::move(tokens)),
+      chunkName_(std::move(chunkName)),
+      chunk_(chunk),
+      strings_(strings),
+      nestingLimit_(nestingLimit) {}
+
+ArenaList<Stmt*> Parser::parseChunk() {
+  chunk_.main = makeFunction(intern("main chunk"), current().line);
+  parseBodyOf(chunk_.main, {});
+  return chunk_.main->body->statements;
+}
+
+// ---- Blocks ----
+
+// Without terminators, the block is the rest of the text. Its end is for the caller to check and to
+// consume. `return` need not be the last statement; this is meant.
+Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
+  const Level blockLevel(*this);
+  const Level statementLevel(*this);
+  noteHeight(0);
+  const std::uint32_t line = current().line;
+  std::vector<Stmt*> statements;
+  for (;;) {
+    while (skip(TokenKind::Semicolon)) continue;
+    const TokenKind kind = current().kind;
+    if (kind == TokenKind::EndOfFile || std::ranges::find(terminators, kind) != terminators.end()) {
+      break;
+    }
+    statements.push_back(parseStatement());
+  }
+  return make<Block>(chunk_.arena.list(statements), line);
+}
+
+Stmt* Parser::parseStatement() {
+  switch (current().kind) {
+    case TokenKind::Return:
+      return parseReturn();
+    case TokenKind::While:
+      return parseWhile();
+    case TokenKind::If:
+      return parseIf();
+    case TokenKind::Local:
+      return parseLocal();
+    case TokenKind::Break:
+      return parseBreak();
+    case TokenKind::For:
+      return parseFor();
+    case TokenKind::Function:
+      return parseFunctionDeclaration(take(), false);
+    default:
+      return parseAssignmentOrCall();
+  }
+}
+
+// ---- Branches, loops, jumps ----
+
+Stmt* Parser::parseReturn() {
+  const std::uint32_t line = take().line;
+  switch (current().kind) {
+    case TokenKind::Semicolon:
+    case TokenKind::Else:
+    case TokenKind::Elseif:
+    case TokenKind::End:
+    case TokenKind::EndOfFile:
+      return make<ReturnStmt>(ArenaList<Expr*>(), line);
+    default:
+      return make<ReturnStmt>(parseExpressionList(), line);
+  }
+}
+
+Stmt* Parser::parseBreak() {
+  if (functions_.back().loops == 0) errorAt(current(), "break outside a loop");
+  return make<BreakStmt>(take().line);
+}
+
+Stmt* Parser::parseIf() {
+  const std::uint32_t line = take().line;
+  std::vector<IfStmt::Branch> branches{parseBranch("expected 'then' after if condition")};
+  while (skip(TokenKind::Elseif)) {
+    branches.push_back(parseBranch("expected 'then' after elseif condition"));
+  }
+  Block* otherwise = skip(TokenKind::Else) ? parseBlock({TokenKind::End}) : nullptr;
+  expect(TokenKind::End, "expected 'end' after if statement");
+  return make<IfStmt>(chunk_.arena.list(branches), otherwise, line);
+}
+
+IfStmt::Branch Parser::parseBranch(const char* missingThen) {
+  Expr* condition = parseExpression();
+  expect(TokenKind::Then, missingThen);
+  return {condition, parseBlock({TokenKind::Elseif, TokenKind::Else, TokenKind::End})};
+}
+
+Stmt* Parser::parseWhile() {
+  const std::uint32_t line = take().line;
+  Expr* condition = parseExpression();
+  expect(TokenKind::Do, "expected 'do' after while condition");
+  Block* body = parseLoopBody("expected 'end' after while loop");
+  return make<WhileStmt>(condition, body, line);
+}
+
+Stmt* Parser::parseFor() {
+  const std::uint32_t line = take().line;
+  StringObject* name = expectName("expected loop variable name");
+  return skip(TokenKind::Assign) ? parseNumericFor(name, line) : parseGenericFor(name, line);
+}
+
+Stmt* Parser::parseNumericFor(StringObject* variable, std::uint32_t line) {
+  Expr* start = parseExpression();
+  expect(TokenKind::Comma, "expected ',' after numeric for start value");
+  Expr* limit = parseExpression();
+  Expr* step = skip(TokenKind::Comma) ? parseExpression() : nullptr;
+  expect(TokenKind::Do, "expected 'do' after numeric for range");
+  Block* body = parseLoopBody("expected 'end' after numeric for loop");
+  return make<NumericForStmt>(variable, start, limit, step, body, line);
+}
+
+Stmt* Parser::parseGenericFor(StringObject* firstName, std::uint32_t line) {
+  const ArenaList<StringObject*> names = parseLoopNames(firstName);
+  expect(TokenKind::In, "expected 'in' in generic for loop");
+  const ArenaList<Expr*> iterators = parseExpressionList();
+  expect(TokenKind::Do, "expected 'do' after generic for iterator");
+  Block* body = parseLoopBody("expected 'end' after generic for loop");
+  return make<GenericForStmt>(names, iterators, body, line);
+}
+
+ArenaList<StringObject*> Parser::parseLoopNames(StringObject* first) {
+  std::vector<StringObject*> names{first};
+  while (skip(TokenKind::Comma)) names.push_back(expectName("expected loop variable name"));
+  return chunk_.arena.list(names);
+}
+
+Block* Parser::parseLoopBody(const char* missingEnd) {
+  ++functions_.back().loops;
+  Block* body = parseBlock({TokenKind::End});
+  --functions_.back().loops;
+  expect(TokenKind::End, missingEnd);
+  return body;
+}
+
+// ---- Declarations ----
+
+Stmt* Parser::parseLocal() {
+  const std::uint32_t line = take().line;
+  if (at(TokenKind::Function)) return parseFunctionDeclaration(take(), true);
+  const ArenaList<AssignTarget> names = parseLocalNames();
+  const ArenaList<Expr*> values =
+      skip(TokenKind::Assign) ? parseExpressionList() : ArenaList<Expr*>();
+  return make<AssignmentStmt>(true, names, values, line);
+}
+
+ArenaList<AssignTarget> Parser::parseLocalNames() {
+  std::vector<AssignTarget> names;
+  do {
+    const std::uint32_t line = current().line;
+    names.push_back({makeVariable(expectName("expected local variable name"), line)});
+  } while (skip(TokenKind::Comma));
+  return chunk_.arena.list(names);
+}
+
+Stmt* Parser::parseFunctionDeclaration(const Token& keyword, bool isLocal) {
+  if (isLocal) return parseLocalFunction(keyword);
+  const DeclaredName name = parseDeclaredName();
+  FunctionExpr* function = parseFunctionBody(keyword.line, name.text, name.isMethod);
+  return make<FunctionDeclarationStmt>(false, name.isMethod, name.target, function, keyword.line);
+}
+
+Stmt* Parser::parseLocalFunction(const Token& keyword) {
+  const std::uint32_t nameLine = current().line;
+  VariableExpr* target = makeVariable(expectName("expected local function name"), nameLine);
+  FunctionExpr* function = parseFunctionBody(keyword.line, target->name, false);
+  return make<FunctionDeclarationStmt>(true, false, AssignTarget{target}, function, keyword.line);
+}
+
+Parser::DeclaredName Parser::parseDeclaredName() {
+  const std::uint32_t line = current().line;
+  StringObject* name = expectName("expected function name");
+  std::string text(name->view());
+  Expr* target = makeVariable(name, line);
+  while (skip(TokenKind::Dot)) {
+    name = expectName("expected field name after '.'");
+    text.append(".").append(name->view());
+    target = complete(make<FieldExpr>(target, name, line), target);
+  }
+  const bool isMethod = skip(TokenKind::Colon);
+  if (isMethod) {
+    name = expectName("expected method name after ':'");
+    text.append(":").append(name->view());
+    target = complete(make<FieldExpr>(target, name, line), target);
+  }
+  return {asFunctionTarget(target), intern(text), isMethod};
+}
+
+AssignTarget Parser::asFunctionTarget(Expr* expression) {
+  if (expression->kind != ExprKind::Variable && expression->kind != ExprKind::Field) {
+    errorAt(current(), "invalid function target");
+  }
+  return {expression};
+}
+
+// ---- Assignments and calls ----
+
+Stmt* Parser::parseAssignmentOrCall() {
+  const std::uint32_t line = current().line;
+  Expr* expression = parsePrefixExpression();
+  if (at(TokenKind::Assign) || at(TokenKind::Comma)) return parseAssignment(expression, line);
+  if (expression->kind != ExprKind::Call) errorAt(current(), "expected function call");
+  return make<ExpressionStmt>(static_cast<CallExpr*>(expression), line);
+}
+
+Stmt* Parser::parseAssignment(Expr* firstTarget, std::uint32_t line) {
+  const ArenaList<AssignTarget> targets = parseTargets(firstTarget);
+  expect(TokenKind::Assign, "expected '=' in assignment");
+  const ArenaList<Expr*> values = parseExpressionList();
+  return make<AssignmentStmt>(false, targets, values, line);
+}
+
+ArenaList<AssignTarget> Parser::parseTargets(Expr* first) {
+  std::vector<AssignTarget> targets{asAssignTarget(first)};
+  while (skip(TokenKind::Comma)) targets.push_back(asAssignTarget(parsePrefixExpression()));
+  return chunk_.arena.list(targets);
+}
+
+AssignTarget Parser::asAssignTarget(Expr* expression) {
+  switch (expression->kind) {
+    case ExprKind::Variable:
+    case ExprKind::Field:
+    case ExprKind::Index:
+      return {expression};
+    default:
+      errorAt(current(), "invalid assignment target");
+  }
+}
+
+// ---- The cursor, nesting and errors ----
+
+bool Parser::skip(TokenKind kind) {
+  if (!at(kind)) return false;
+  ++index_;
+  return true;
+}
+
+const Token& Parser::expect(TokenKind kind, const char* message) {
+  if (!at(kind)) errorAt(current(), message);
+  return take();
+}
+
+StringObject* Parser::expectName(const char* message) {
+  return intern(expect(TokenKind::Identifier, message).text);
+}
+
+void Parser::noteHeight(std::uint32_t height) {
+  if (height > nestingLimit_ - depth_) failTooDeep();
+  const OpenFunction& open = functions_.back();
+  const std::uint32_t levels = depth_ - open.outerDepth + height;
+  open.function->nesting = std::max(open.function->nesting, levels);
+}
+
+void Parser::errorAt(const Token& token, const char* message) const {
+  failParse(chunkName_, token.line, token.column, message);
+}
+
+void Parser::failTooDeep() const { errorAt(current(), "source is nested too deeply"); }
+
+}  // namespace tarvel::lua::internal

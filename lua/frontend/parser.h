@@ -1,0 +1,178 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "lua/frontend/syntax_tree.h"
+#include "lua/frontend/token.h"
+#include "lua/value/string_object.h"
+
+namespace tarvel::lua::internal {
+
+// Builds the tree of one chunk: recursive descent, one function per grammar rule. Everything it
+// makes belongs to the chunk, so a failure leaves nothing behind that the chunk does not release.
+//
+// Depth. Open at a time are one level per parenthesis, index, unary operator, table constructor and
+// argument list, and two per block: the block and its current statement. These levels plus the
+// height of the expression that is complete at that point never exceed the nesting limit; so it
+// bounds the parser's own recursion as well as chains such as `a + b + c`, which are read in a loop
+// but are deep as trees. The limit also holds for a walk of the whole tree that enters functions
+// where they are written. In an optimised build, one level uses less than 1 KB of the host's stack:
+// the frames of the recursive functions hold no strings and no tokens.
+class Parser {
+ public:
+  // `tokens` ends with its only EndOfFile. `strings` supplies the chunk's names and literals.
+  Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
+         StringInterner& strings, std::uint32_t nestingLimit);
+
+  // Parses all tokens: makes `chunk.main` and returns the statements of its body. Throws
+  // std::runtime_error "chunkName:line:column: message" (failParse) at the first token that does
+  // not fit and where the nesting limit is exceeded ("source is nested too deeply"), and
+  // std::bad_alloc. To be called once.
+  ArenaList<Stmt*> parseChunk();
+
+ private:
+  // What is known of a function while its body is read.
+  struct OpenFunction {
+    FunctionExpr* function;
+    std::uint32_t outerDepth;       // levels that were open around its body
+    std::uint32_t loops = 0;        // of its own that are open; without one, `break` is an error
+    std::uint32_t innerLevels = 0;  // of the deepest function in it, that one's functions included
+  };
+
+  // One level of nesting, open during its lifetime.
+  class Level {
+   public:
+    explicit Level(Parser& parser) : parser_(parser) {
+      if (parser.depth_ == parser.nestingLimit_) parser.failTooDeep();
+      ++parser.depth_;
+    }
+    ~Level() { --parser_.depth_; }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+
+   private:
+    Parser& parser_;
+  };
+
+  // Statements (parse_statements.cpp).
+  Block* parseBlock(std::initializer_list<TokenKind> terminators);
+  Stmt* parseStatement();
+  Stmt* parseReturn();
+  Stmt* parseWhile();
+  Stmt* parseIf();
+  IfStmt::Branch parseBranch(const char* missingThen);
+  Stmt* parseLocal();
+  Stmt* parseBreak();
+  Stmt* parseFor();
+  Stmt* parseNumericFor(StringObject* variable, std::uint32_t line);
+  Stmt* parseGenericFor(StringObject* firstName, std::uint32_t line);
+  Block* parseLoopBody(const char* missingEnd);
+  Stmt* parseFunctionDeclaration(const Token& keyword, bool isLocal);
+  Stmt* parseLocalFunction(const Token& keyword);
+  Stmt* parseAssignmentOrCall();
+  Stmt* parseAssignment(Expr* firstTarget, std::uint32_t line);
+  AssignTarget asAssignTarget(Expr* expression);
+  ArenaList<AssignTarget> parseLocalNames();
+  ArenaList<AssignTarget> parseTargets(Expr* first);
+  ArenaList<StringObject*> parseLoopNames(StringObject* first);
+
+  // What stands between `function` and the parameters.
+  struct DeclaredName {
+    AssignTarget target;
+    StringObject* text;  // as written
+    bool isMethod;
+  };
+  DeclaredName parseDeclaredName();
+  AssignTarget asFunctionTarget(Expr* expression);
+
+  // Expressions (parse_expressions.cpp), from the lowest precedence to the highest.
+  Expr* parseExpression();
+  Expr* parseAnd();
+  Expr* parseComparison();
+  Expr* parseConcat();
+  Expr* parseConcatChain(Expr* first);
+  Expr* parseSum();
+  Expr* parseFactor();
+  Expr* parseUnary();
+  Expr* parseOperand();
+  Expr* parsePrefixExpression();
+  Expr* parsePrimary();
+  // Reads what may follow an expression in a chain that starts on `line`; null when the chain is at
+  // its end.
+  Expr* parseSuffix(Expr* object, std::uint32_t line);
+  Expr* parseField(Expr* object, std::uint32_t line);
+  Expr* parseIndex(Expr* object, std::uint32_t line);
+  Expr* parseCall(Expr* callee, std::uint32_t line);
+  Expr* parseMethodCall(Expr* object, std::uint32_t line);
+  Expr* parseParenthesised();
+  Expr* parseInnerExpression();
+  Expr* parseTableConstructor();
+  ArenaList<TableExpr::Field> parseTableFields();
+  TableExpr::Field parseTableField();
+  TableExpr::Field parseKeyedField();
+  ArenaList<Expr*> parseExpressionList();
+  ArenaList<Expr*> parseArguments();
+  FunctionExpr* parseFunctionBody(std::uint32_t line, StringObject* name, bool isMethod);
+  ArenaList<StringObject*> parseParameters(bool isMethod);
+  void parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind> terminators);
+
+  // Nodes.
+  Expr* takeLiteral(Value value);
+  VariableExpr* makeVariable(StringObject* name, std::uint32_t line);
+  Expr* makeBinary(Expr* left, const Token& op, Expr* right);
+  Expr* completeCall(CallExpr* call, const Expr* calleeOrObject);
+  FunctionExpr* makeFunction(StringObject* name, std::uint32_t line);
+
+  template <class T, class... Arguments>
+  T* make(Arguments&&... arguments) {
+    return chunk_.arena.make<T>(std::forward<Arguments>(arguments)...);
+  }
+
+  static void adopt(Expr* parent, const Expr* child) {
+    if (child->height >= parent->height) parent->height = child->height + 1;
+    parent->containsCall |= child->containsCall;
+  }
+
+  // Finishes a node whose remaining children are `children`.
+  template <class T, class... Children>
+  T* complete(T* node, const Children*... children) {
+    (adopt(node, children), ...);
+    noteHeight(node->height);
+    return node;
+  }
+
+  // Accounts for an expression of `height` levels, or for a statement without one (0), at the
+  // current depth.
+  void noteHeight(std::uint32_t height);
+
+  // The tokens.
+  const Token& current() const { return tokens_[index_]; }
+  bool at(TokenKind kind) const { return current().kind == kind; }
+  const Token& take() { return tokens_[index_++]; }  // never EndOfFile
+  bool skip(TokenKind kind);
+  // These fail with `message` at the current token.
+  const Token& expect(TokenKind kind, const char* message);
+  StringObject* expectName(const char* message);
+
+  StringObject* intern(std::string_view text) { return chunk_.own(strings_.intern(text)); }
+
+  [[noreturn, gnu::noinline]] void errorAt(const Token& token, const char* message) const;
+  [[noreturn, gnu::noinline]] void failTooDeep() const;
+
+  const std::vector<Token> tokens_;
+  const std::string chunkName_;
+  ResolvedChunk& chunk_;
+  StringInterner& strings_;
+  const std::uint32_t nestingLimit_;
+  std::size_t index_ = 0;
+  std::uint32_t depth_ = 0;              // levels that are open
+  std::vector<OpenFunction> functions_;  // innermost last; the chunk itself first
+};
+
+}  // namespace tarvel::lua::internal

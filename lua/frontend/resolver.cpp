@@ -1,0 +1,267 @@
+#include "lua/frontend/resolver.h"
+
+#include <stdexcept>
+
+namespace tarvel::lua::internal {
+
+bool blockContainsFunction(const Block& block) noexcept { return block.scope->containsFunction; }
+
+void Resolver::resolveChunk() {
+  function_ = chunk_.main;
+  resolveBlock(*chunk_.main->body, {}, false);
+  chunk_.slotCount = chunk_.main->body->slotCount;
+  findScalars();
+}
+
+// ---- Scopes
+// ---------------------------------------------------------------------------------------------------------
+
+void Resolver::beginScope(Block& block) {
+  block.scope = chunk_.arena.make<Scope>();
+  block.scope->function = function_;
+  std::int32_t depth = 0;
+  if (!scopes_.empty()) {
+    block.scope->parent = scopes_.back().scope;
+    depth = scopes_.back().depth + 1;
+  }
+  depths_[block.scope] = depth;
+  scopes_.push_back({block.scope, depth, {}, {}});
+}
+
+void Resolver::endScope(Block& block) {
+  OpenScope& open = scopes_.back();
+  for (auto it = open.shadowed.rbegin(); it != open.shadowed.rend(); ++it)
+    bindings_[it->first] = it->second;
+  block.scope->variables = chunk_.arena.list(open.variables);
+  block.slotCount = block.scope->variables.size;
+  block.reuseEnvironment = !blockContainsFunction(block);
+  depths_.erase(block.scope);
+  scopes_.pop_back();
+}
+
+LocalVariable* Resolver::declare(StringObject* name) {
+  OpenScope& open = scopes_.back();
+  auto* const variable = chunk_.arena.make<LocalVariable>();
+  variable->name = name;
+  variable->scope = open.scope;
+  variable->slot = static_cast<std::uint32_t>(open.variables.size());
+  open.variables.push_back(variable);
+  LocalVariable*& binding = bindings_[name];
+  open.shadowed.emplace_back(name, binding);
+  binding = variable;
+  return variable;
+}
+
+void Resolver::bind(VariableExpr& expression) {
+  const auto found = bindings_.find(expression.name);
+  if (found == bindings_.end() || found->second == nullptr) {
+    unboundNames_.push_back(&expression);
+    return;
+  }
+  LocalVariable* const variable = found->second;
+  expression.variable = variable;
+  expression.depth = scopes_.back().depth - depths_.at(variable->scope);
+  expression.slot = variable->slot;
+  if (variable->scope->function != function_) variable->captured = true;
+}
+
+void Resolver::resolveBlock(Block& block, const ArenaList<StringObject*>& arriving,
+                            bool arrivingScalar) {
+  beginScope(block);
+  for (StringObject* name : arriving) declare(name)->scalar = arrivingScalar;
+  block.scope->arriving = arriving.size;
+  resolveStatements(block.statements);
+  endScope(block);
+}
+
+// ---- Statements
+// -----------------------------------------------------------------------------------------------------
+
+void Resolver::resolveStatements(const ArenaList<Stmt*>& statements) {
+  for (Stmt* statement : statements) resolveStatement(*statement);
+}
+
+void Resolver::resolveStatement(Stmt& statement) {
+  switch (statement.kind) {
+    case StmtKind::Expression:
+      return resolveExpression(static_cast<ExpressionStmt&>(statement).expression);
+    case StmtKind::Assignment:
+      return resolveAssignment(static_cast<AssignmentStmt&>(statement));
+    case StmtKind::FunctionDeclaration:
+      return resolveFunctionDeclaration(static_cast<FunctionDeclarationStmt&>(statement));
+    case StmtKind::If:
+      return resolveIf(static_cast<IfStmt&>(statement));
+    case StmtKind::While: {
+      auto& loop = static_cast<WhileStmt&>(statement);
+      resolveExpression(loop.condition);
+      return resolveBlock(*loop.body, {}, false);
+    }
+    case StmtKind::NumericFor: {
+      auto& loop = static_cast<NumericForStmt&>(statement);
+      resolveExpression(loop.start);
+      resolveExpression(loop.limit);
+      resolveExpression(loop.step);
+      return resolveBlock(*loop.body, {&loop.variable, 1}, true);
+    }
+    case StmtKind::GenericFor: {
+      auto& loop = static_cast<GenericForStmt&>(statement);
+      resolveExpressions(loop.iterators);
+      return resolveBlock(*loop.body, loop.names, false);
+    }
+    case StmtKind::Return:
+      return resolveExpressions(static_cast<ReturnStmt&>(statement).values);
+    case StmtKind::Break:
+      return;
+  }
+  throw std::runtime_error("unable to resolve statement");
+}
+
+// The values are resolved before the names are declared, so in `local x = x` the right one is the
+// outer x.
+void Resolver::resolveAssignment(AssignmentStmt& statement) {
+  resolveExpressions(statement.values);
+  for (AssignTarget& target : statement.targets) {
+    if (!statement.isLocal) {
+      resolveTarget(target);
+      continue;
+    }
+    auto* const name = static_cast<VariableExpr*>(target.expression);
+    declare(name->name);
+    bind(*name);
+  }
+  for (std::size_t i = 0; i < statement.targets.size; ++i)
+    noteSource(statement.targets[i], statement.values, i);
+}
+
+// A local function's name is declared before its body, which can therefore call itself.
+void Resolver::resolveFunctionDeclaration(FunctionDeclarationStmt& statement) {
+  if (statement.isLocal) declare(static_cast<VariableExpr*>(statement.target.expression)->name);
+  resolveTarget(statement.target);
+  if (statement.target.expression->kind == ExprKind::Variable) {
+    LocalVariable* const variable =
+        static_cast<VariableExpr*>(statement.target.expression)->variable;
+    if (variable != nullptr) variable->scalar = false;
+  }
+  resolveFunction(*statement.function);
+}
+
+void Resolver::resolveIf(IfStmt& statement) {
+  for (IfStmt::Branch& branch : statement.branches) {
+    resolveExpression(branch.condition);
+    resolveBlock(*branch.body, {}, false);
+  }
+  if (statement.elseBody != nullptr) resolveBlock(*statement.elseBody, {}, false);
+}
+
+void Resolver::resolveTarget(AssignTarget& target) { resolveExpression(target.expression); }
+
+// ---- Expressions
+// ----------------------------------------------------------------------------------------------------
+
+void Resolver::resolveExpressions(const ArenaList<Expr*>& expressions) {
+  for (Expr* expression : expressions) resolveExpression(expression);
+}
+
+void Resolver::resolveExpression(Expr* expression) {
+  if (expression == nullptr) return;
+  switch (expression->kind) {
+    case ExprKind::Literal:
+      return;
+    case ExprKind::Variable:
+      return bind(static_cast<VariableExpr&>(*expression));
+    case ExprKind::Unary:
+      return resolveExpression(static_cast<UnaryExpr*>(expression)->operand);
+    case ExprKind::Binary: {
+      auto& binary = static_cast<BinaryExpr&>(*expression);
+      resolveExpression(binary.left);
+      return resolveExpression(binary.right);
+    }
+    case ExprKind::Concat:
+      return resolveExpressions(static_cast<ConcatExpr*>(expression)->operands);
+    case ExprKind::Table:
+      for (TableExpr::Field& field : static_cast<TableExpr*>(expression)->fields) {
+        resolveExpression(field.key);
+        resolveExpression(field.value);
+      }
+      return;
+    case ExprKind::Field:
+      return resolveExpression(static_cast<FieldExpr*>(expression)->object);
+    case ExprKind::Index: {
+      auto& index = static_cast<IndexExpr&>(*expression);
+      resolveExpression(index.object);
+      return resolveExpression(index.key);
+    }
+    case ExprKind::Call: {
+      auto& call = static_cast<CallExpr&>(*expression);
+      resolveExpression(call.object != nullptr ? call.object : call.callee);
+      return resolveExpressions(call.arguments);
+    }
+    case ExprKind::Function:
+      return resolveFunction(static_cast<FunctionExpr&>(*expression));
+  }
+}
+
+void Resolver::resolveFunction(FunctionExpr& function) {
+  for (Scope* scope = scopes_.back().scope; scope != nullptr && !scope->containsFunction;
+       scope = scope->parent) {
+    scope->containsFunction = true;
+  }
+  FunctionExpr* const enclosing = function_;
+  function_ = &function;
+  resolveBlock(*function.body, function.parameters, false);
+  function_ = enclosing;
+}
+
+// ---- Scalars
+// --------------------------------------------------------------------------------------------------------
+
+// Records what the target at `index` may receive from an expression list.
+void Resolver::noteSource(const AssignTarget& target, const ArenaList<Expr*>& values,
+                          std::size_t index) {
+  if (target.expression->kind != ExprKind::Variable) return;
+  LocalVariable* const variable = static_cast<VariableExpr*>(target.expression)->variable;
+  if (variable == nullptr) return;
+  if (index < values.size) {
+    sources_.push_back({variable, values[index]});
+  } else if (!values.empty() && values[values.size - 1]->kind == ExprKind::Call) {
+    variable->scalar = false;
+  }
+}
+
+// Whether the value is certainly nil, a boolean or a number, as far as the locals in it still count
+// as scalar.
+bool Resolver::yieldsScalar(const Expr& expression) {
+  switch (expression.kind) {
+    case ExprKind::Literal:
+      return !static_cast<const LiteralExpr&>(expression).value.isCounted();
+    case ExprKind::Variable: {
+      const auto& variable = static_cast<const VariableExpr&>(expression);
+      return variable.variable != nullptr && variable.variable->scalar;
+    }
+    case ExprKind::Unary:
+      return true;
+    case ExprKind::Binary: {
+      const auto& binary = static_cast<const BinaryExpr&>(expression);
+      if (binary.op == TokenKind::And)
+        return yieldsScalar(*binary.right);  // a false left operand is nil or false
+      if (binary.op == TokenKind::Or)
+        return yieldsScalar(*binary.left) && yieldsScalar(*binary.right);
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+void Resolver::findScalars() {
+  for (bool changed = true; changed;) {
+    changed = false;
+    for (const Source& source : sources_) {
+      if (!source.variable->scalar || yieldsScalar(*source.value)) continue;
+      source.variable->scalar = false;
+      changed = true;
+    }
+  }
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,422 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "lua/frontend/arena.h"
+#include "lua/frontend/token.h"
+#include "lua/value/function_handle.h"
+#include "lua/value/value.h"
+
+// The tree that the parser builds, the resolver binds, the frame planner lays out and the evaluator
+// walks. A chunk's nodes live in the chunk's arena and are plain data; closures keep the chunk
+// alive. The tree belongs to one interpreter (its literals are that interpreter's strings) and is
+// immutable once it runs, but for the lookup hints.
+
+namespace tarvel::lua::internal {
+
+struct Block;
+struct Expr;
+struct FunctionExpr;
+struct Node;
+struct ResolvedChunk;
+struct Scope;
+struct Stmt;
+struct VariableExpr;
+
+// Executes a node in the frame that starts at `base`. An expression returns an owned value; a
+// statement returns a completion (completion.h), which for `return e` is the returned value itself.
+using NodeFunction = Value (*)(const Node* node, Value* base);
+// Evaluates an expression as a condition.
+using ConditionFunction = bool (*)(const Node* node, Value* base);
+
+// A distance from a frame's base in bytes, so that generated code needs no multiplication.
+using SlotOffset = std::uint32_t;
+
+inline Value& slotAt(Value* base, SlotOffset offset) noexcept {
+  return *reinterpret_cast<Value*>(reinterpret_cast<char*>(base) + offset);
+}
+
+struct Node {
+  explicit Node(std::uint32_t nodeLine) : line(nodeLine) {}
+
+  NodeFunction execute = nullptr;      // chosen by LuaVM::Impl::selectNodeFunctions
+  LuaVM::Impl* interpreter = nullptr;  // whose tree this is; set along with `execute`
+  std::uint32_t line;                  // 1-based; which token's line it is differs per node kind
+};
+
+// ---- Names
+// ----------------------------------------------------------------------------------------------------------
+
+// One declared local name: a parameter, a loop variable, or a name of a local declaration.
+struct LocalVariable {
+  StringObject* name;
+  Scope* scope;
+  std::uint32_t slot;          // position among the scope's names, in order of declaration
+  bool captured = false;       // a function nested in the declaring one refers to it
+  bool scalar = true;          // only ever holds nil, booleans and numbers, so it needs no release
+  bool inEnvironment = false;  // lives in the scope's Environment instead of the frame
+  SlotOffset offset = 0;       // in the frame; for a parameter or loop variable that lives in the
+                          // environment, where it arrives before it is moved there
+  std::uint32_t environmentIndex = 0;  // in the environment
+};
+
+// One block's names and where they live while it runs.
+struct Scope {
+  Scope* parent = nullptr;
+  FunctionExpr* function = nullptr;
+  ArenaList<LocalVariable*> variables;
+  std::uint32_t arriving =
+      0;  // the first so many variables arrive in frame slots: parameters, loop variables
+  bool containsFunction = false;  // a closure made in here can capture the scope
+  // Frame layout.
+  bool hasEnvironment = false;
+  std::uint32_t environmentSize = 0;
+  SlotOffset environmentOffset = 0;  // the frame slot that owns the environment
+};
+
+// ---- Expressions
+// ----------------------------------------------------------------------------------------------------
+
+enum class ExprKind : std::uint32_t {
+  Literal = 0,
+  Variable = 1,
+  Unary = 2,
+  Binary = 3,
+  Table = 4,
+  Field = 5,
+  Index = 6,
+  Call = 7,
+  Function = 8,
+  Concat = 9,
+};
+
+struct Expr : Node {
+  Expr(ExprKind exprKind, std::uint32_t nodeLine) : Node(nodeLine), kind(exprKind) {}
+
+  ExprKind kind;
+  ConditionFunction test = nullptr;  // the value's truthiness
+  NodeFunction peek = nullptr;       // the value, borrowed; only where `peekable` allows it
+  std::uint32_t height = 1;          // levels of the tree from here down
+  bool containsCall = false;         // evaluating it may run a function of the script or the host
+  bool peekable = false;             // a variable, or a call-free access path that starts at one
+};
+
+struct LiteralExpr : Expr {
+  LiteralExpr(Value literal, std::uint32_t nodeLine)
+      : Expr(ExprKind::Literal, nodeLine), value(literal) {}
+
+  Value value;  // a string is kept alive by the chunk
+};
+
+// Where a variable is found at run time.
+enum class VariableHome : std::uint8_t {
+  Frame,           // a slot of the running frame
+  OwnEnvironment,  // an environment of a scope of the running function, held by a slot of its frame
+  Captured,        // an environment that the running closure captured, or a parent of it
+  Global,
+};
+
+struct VariableExpr : Expr {
+  VariableExpr(StringObject* variableName, std::uint32_t nodeLine)
+      : Expr(ExprKind::Variable, nodeLine), name(variableName) {}
+
+  StringObject* name;
+  std::int32_t depth = -1;  // scopes outward from the innermost; -1: not a local
+  std::uint32_t slot = 0;   // within that scope
+  bool isGlobal = false;
+  VariableHome home = VariableHome::Frame;
+  std::uint32_t globalSlot = 0;
+  LocalVariable* variable = nullptr;  // the local that the name is bound to
+  SlotOffset offset = 0;   // Frame: the variable's slot; OwnEnvironment: the environment's slot
+  std::uint32_t hops = 0;  // Captured: parents to follow from the closure's environment
+  std::uint32_t environmentIndex = 0;
+  Value* cell = nullptr;  // Global
+};
+
+struct UnaryExpr : Expr {
+  UnaryExpr(TokenKind unaryOp, Expr* unaryOperand, std::uint32_t nodeLine)
+      : Expr(ExprKind::Unary, nodeLine), op(unaryOp), operand(unaryOperand) {}
+
+  TokenKind op;  // Minus, Hash or Not
+  Expr* operand;
+};
+
+// Every binary operator but `..`.
+struct BinaryExpr : Expr {
+  BinaryExpr(Expr* leftOperand, TokenKind binaryOp, Expr* rightOperand, std::uint32_t nodeLine)
+      : Expr(ExprKind::Binary, nodeLine), left(leftOperand), op(binaryOp), right(rightOperand) {}
+
+  Expr* left;
+  TokenKind op;
+  Expr* right;
+  SlotOffset leftOffset = 0;   // of a left operand that is a frame variable
+  SlotOffset rightOffset = 0;  // likewise
+  Value constant;              // of the operand that is a literal
+};
+
+// A whole chain `a .. b .. c`. The operator is right-associative, but its operands are evaluated
+// left to right and turning them into text has no effects, so the chain is one node that builds its
+// text once.
+struct ConcatExpr : Expr {
+  ConcatExpr(ArenaList<Expr*> concatOperands, std::uint32_t nodeLine)
+      : Expr(ExprKind::Concat, nodeLine), operands(concatOperands) {}
+
+  ArenaList<Expr*> operands;         // two or more
+  SlotOffset temporariesOffset = 0;  // one slot an operand
+};
+
+struct TableExpr : Expr {
+  enum class FieldKind : std::uint32_t { Positional = 0, Named = 1, Keyed = 2 };
+  struct Field {
+    FieldKind kind;
+    StringObject* name;  // Named
+    Expr* key;           // Keyed
+    Expr* value;
+    std::uint32_t line;  // of the field's first token
+  };
+
+  TableExpr(ArenaList<Field> tableFields, std::uint32_t nodeLine)
+      : Expr(ExprKind::Table, nodeLine), fields(tableFields) {}
+
+  ArenaList<Field> fields;
+  std::uint32_t positionalCount = 0;
+  SlotOffset temporariesOffset = 0;  // the table under construction, then a computed key
+};
+
+struct FieldExpr : Expr {
+  FieldExpr(Expr* fieldObject, StringObject* fieldName, std::uint32_t nodeLine)
+      : Expr(ExprKind::Field, nodeLine), object(fieldObject), name(fieldName) {}
+
+  Expr* object;
+  StringObject* name;
+  mutable std::uint32_t hint = 0;    // the table entry where the name was found last
+  SlotOffset objectOffset = 0;       // of an object that is a frame variable
+  SlotOffset temporariesOffset = 0;  // as a target: the value, then the object
+};
+
+struct IndexExpr : Expr {
+  IndexExpr(Expr* indexObject, Expr* indexKey, std::uint32_t nodeLine)
+      : Expr(ExprKind::Index, nodeLine), object(indexObject), key(indexKey) {}
+
+  Expr* object;
+  Expr* key;
+  SlotOffset objectOffset = 0;       // of an object that is a frame variable
+  SlotOffset keyOffset = 0;          // of a key that is a frame variable
+  SlotOffset temporariesOffset = 0;  // the object; as a target: the value, then the object
+};
+
+struct CallExpr : Expr {
+  CallExpr(Expr* calledExpr, ArenaList<Expr*> callArguments, std::uint32_t nodeLine)
+      : Expr(ExprKind::Call, nodeLine), callee(calledExpr), arguments(callArguments) {}
+  CallExpr(Expr* receiver, StringObject* method, ArenaList<Expr*> callArguments,
+           std::uint32_t nodeLine)
+      : Expr(ExprKind::Call, nodeLine),
+        arguments(callArguments),
+        object(receiver),
+        methodName(method) {}
+
+  Expr* callee = nullptr;  // of a plain call
+  ArenaList<Expr*> arguments;
+  Expr* object = nullptr;  // of a method call, and only of one
+  StringObject* methodName = nullptr;
+  NodeFunction executeMulti = nullptr;  // keeps all results: a value, or a ReturnSignal completion
+  SlotOffset frameOffset = 0;           // the callee's slot; its frame starts behind it
+  mutable std::uint32_t hint = 0;       // the table entry where the method was found last
+};
+
+struct FunctionExpr : Expr {
+  explicit FunctionExpr(std::uint32_t nodeLine) : Expr(ExprKind::Function, nodeLine) {}
+
+  ArenaList<StringObject*> parameters;  // "self" first for a method
+  Block* body = nullptr;
+  StringObject* name = nullptr;  // as declared ("a.b:m"), or "<anonymous>"
+  ResolvedChunk* chunk = nullptr;
+  FunctionExpr* parent =
+      nullptr;                // the function that this one is written in; null for the chunk itself
+  std::uint32_t nesting = 0;  // levels of the tree below, statements included
+  // Run-time layout.
+  bool capturesOwn =
+      false;  // the environment to capture is in the frame of `parent`, at captureOffset;
+              // otherwise it is the one, if any, that the closure of `parent` captured
+  SlotOffset captureOffset = 0;
+  std::uint32_t parameterCount = 0;
+  std::uint32_t frameSlots =
+      0;  // slots that a call may use, temporaries and callees' parameters included
+  std::uint32_t stackBytes =
+      0;  // of the host's stack that running the body needs up to the next call
+  std::uint32_t releaseSlots = 0;  // the first so many slots may own something when the body ends
+  const Node* entry = nullptr;     // what a call executes
+};
+
+// ---- Statements
+// -----------------------------------------------------------------------------------------------------
+
+enum class StmtKind : std::uint32_t {
+  Expression = 0,
+  Assignment = 1,
+  FunctionDeclaration = 2,
+  If = 3,
+  While = 4,
+  NumericFor = 5,
+  GenericFor = 6,
+  Return = 7,
+  Break = 8,
+};
+
+struct Stmt : Node {
+  Stmt(StmtKind stmtKind, std::uint32_t nodeLine) : Node(nodeLine), kind(stmtKind) {}
+
+  StmtKind kind;
+};
+
+// The statements of a body with a scope of its own.
+struct Block : Node {
+  Block(ArenaList<Stmt*> blockStatements, std::uint32_t nodeLine)
+      : Node(nodeLine), statements(blockStatements) {}
+
+  ArenaList<Stmt*> statements;
+  Scope* scope = nullptr;
+  std::uint32_t slotCount = 0;   // names declared in the scope
+  bool reuseEnvironment = true;  // no function expression inside, so nothing can capture the scope
+  SlotOffset releaseOffset = 0;  // the slots from here ...
+  SlotOffset releaseEnd = 0;     // ... up to here may own something when the block ends
+  ArenaList<const Node*> nodes;  // what to execute, statement by statement
+};
+
+struct ExpressionStmt : Stmt {
+  ExpressionStmt(CallExpr* call, std::uint32_t nodeLine)
+      : Stmt(StmtKind::Expression, nodeLine), expression(call) {}
+
+  CallExpr* expression;
+};
+
+// A name, field or index target: `expression` is a VariableExpr, FieldExpr or IndexExpr.
+struct AssignTarget {
+  Expr* expression;
+};
+
+// Assignments and local declarations.
+struct AssignmentStmt : Stmt {
+  AssignmentStmt(bool local, ArenaList<AssignTarget> assignTargets, ArenaList<Expr*> assignValues,
+                 std::uint32_t nodeLine)
+      : Stmt(StmtKind::Assignment, nodeLine),
+        isLocal(local),
+        targets(assignTargets),
+        values(assignValues) {}
+
+  bool isLocal;
+  ArenaList<AssignTarget> targets;
+  ArenaList<Expr*> values;           // may be empty for a local declaration
+  SlotOffset temporariesOffset = 0;  // one slot a value
+  SlotOffset targetOffset = 0;       // of a single target that is a frame variable
+};
+
+struct FunctionDeclarationStmt : Stmt {
+  FunctionDeclarationStmt(bool local, bool method, AssignTarget declared, FunctionExpr* body,
+                          std::uint32_t nodeLine)
+      : Stmt(StmtKind::FunctionDeclaration, nodeLine),
+        isLocal(local),
+        isMethod(method),
+        target(declared),
+        function(body) {}
+
+  bool isLocal;
+  bool isMethod;
+  AssignTarget target;
+  FunctionExpr* function;
+};
+
+struct IfStmt : Stmt {
+  struct Branch {
+    Expr* condition;
+    Block* body;
+  };
+
+  IfStmt(ArenaList<Branch> ifBranches, Block* otherwise, std::uint32_t nodeLine)
+      : Stmt(StmtKind::If, nodeLine), branches(ifBranches), elseBody(otherwise) {}
+
+  ArenaList<Branch> branches;
+  Block* elseBody;  // null when absent
+  // As it is executed: the first branch, and what runs when its condition is false (null: nothing).
+  // Further branches are an IfStmt of their own there.
+  const Expr* condition = nullptr;
+  const Node* thenNode = nullptr;
+  const Node* otherwiseNode = nullptr;
+};
+
+struct WhileStmt : Stmt {
+  WhileStmt(Expr* whileCondition, Block* whileBody, std::uint32_t nodeLine)
+      : Stmt(StmtKind::While, nodeLine), condition(whileCondition), body(whileBody) {}
+
+  Expr* condition;
+  Block* body;
+  const Node* bodyNode = nullptr;  // what to execute for the body
+};
+
+struct NumericForStmt : Stmt {
+  NumericForStmt(StringObject* loopVariable, Expr* first, Expr* last, Expr* increment,
+                 Block* forBody, std::uint32_t nodeLine)
+      : Stmt(StmtKind::NumericFor, nodeLine),
+        variable(loopVariable),
+        start(first),
+        limit(last),
+        step(increment),
+        body(forBody) {}
+
+  StringObject* variable;
+  Expr* start;
+  Expr* limit;
+  Expr* step;  // null when absent
+  Block* body;
+  const Node* bodyNode = nullptr;  // what to execute for the body
+  SlotOffset variableOffset = 0;
+};
+
+struct GenericForStmt : Stmt {
+  GenericForStmt(ArenaList<StringObject*> loopNames, ArenaList<Expr*> iteratorExprs, Block* forBody,
+                 std::uint32_t nodeLine)
+      : Stmt(StmtKind::GenericFor, nodeLine),
+        names(loopNames),
+        iterators(iteratorExprs),
+        body(forBody) {}
+
+  ArenaList<StringObject*> names;
+  ArenaList<Expr*> iterators;
+  Block* body;
+  const Node* bodyNode = nullptr;  // what to execute for the body
+  SlotOffset iteratorOffset =
+      0;  // the running iterator; the values of the expression list start here
+  SlotOffset firstNameOffset = 0;  // the names' slots follow each other
+};
+
+struct ReturnStmt : Stmt {
+  ReturnStmt(ArenaList<Expr*> returnValues, std::uint32_t nodeLine)
+      : Stmt(StmtKind::Return, nodeLine), values(returnValues) {}
+
+  ArenaList<Expr*> values;
+  SlotOffset temporariesOffset = 0;  // one slot a value
+};
+
+struct BreakStmt : Stmt {
+  explicit BreakStmt(std::uint32_t nodeLine) : Stmt(StmtKind::Break, nodeLine) {}
+};
+
+// ---- The chunk
+// ------------------------------------------------------------------------------------------------------
+
+// A parsed script: owns its tree and the strings in it. Shared by the run and by every closure made
+// from it.
+struct ResolvedChunk final : FunctionCode {
+  ~ResolvedChunk() override;
+
+  // Keeps `text`, an owned reference, alive as long as the tree, and returns it.
+  StringObject* own(StringObject* text);
+
+  Arena arena;
+  FunctionExpr* main = nullptr;  // the top level as a function without parameters
+  std::uint32_t slotCount = 0;   // names declared at the top level
+  std::vector<StringObject*> strings;
+};
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tarvel::lua::internal {
+
+// The numbers are fixed: keywords stand in alphabetical order, operators are compared as ranges.
+enum class TokenKind : std::uint32_t {
+  Identifier = 0,
+  Integer = 1,
+  Number = 2,
+  String = 3,
+  LeftParen = 4,
+  RightParen = 5,
+  LeftBrace = 6,
+  RightBrace = 7,
+  LeftBracket = 8,
+  RightBracket = 9,
+  Comma = 10,
+  Semicolon = 11,
+  Dot = 12,
+  DotDot = 13,
+  Colon = 14,
+  Plus = 15,
+  Minus = 16,
+  Star = 17,
+  Slash = 18,
+  Percent = 19,
+  Hash = 20,
+  Assign = 21,
+  Equal = 22,
+  NotEqual = 23,
+  Less = 24,
+  LessEqual = 25,
+  Greater = 26,
+  GreaterEqual = 27,
+  And = 28,
+  Break = 29,
+  Do = 30,
+  Else = 31,
+  Elseif = 32,
+  End = 33,
+  False = 34,
+  For = 35,
+  Function = 36,
+  If = 37,
+  In = 38,
+  Local = 39,
+  Nil = 40,
+  Not = 41,
+  Or = 42,
+  Return = 43,
+  Then = 44,
+  True = 45,
+  While = 46,
+  EndOfFile = 47,
+};
+
+struct Token {
+  TokenKind kind;
+  std::string text;      // the lexeme; of a string literal, the decoded contents
+  std::uint32_t line;    // 1-based, of the first byte
+  std::uint32_t column;  // 1-based, in bytes
+};
+
+}  // namespace tarvel::lua::internal
