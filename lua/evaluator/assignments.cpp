@@ -1,0 +1,378 @@
+#include <string>
+
+#include "lua/evaluator/concatenation.h"
+#include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/variables.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/value/completion.h"
+#include "lua/value/table.h"
+
+// Assignments, local declarations and function declarations. All values are evaluated first, then
+// each target in turn receives its own: the object, the check that it is a table, the key.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+[[noreturn, gnu::noinline]] void failAssignInto(const Value& object, unsigned line) {
+  failRuntime(line,
+              std::string("attempt to assign into a ") + describeValueType(object) + " value");
+}
+
+[[noreturn, gnu::noinline]] void failTableIndex(unsigned line) {
+  failRuntime(line, "table index must be a number, string, or boolean");
+}
+
+const AssignmentStmt* asAssignment(const Node* node) noexcept {
+  return static_cast<const AssignmentStmt*>(node);
+}
+
+// ---- Storing into one target, whatever it is
+// --------------------------------------------------------------------------
+
+// Each takes the value from a slot that owns it, which an error leaves to the sweep.
+void storeIntoField(const FieldExpr* field, Value& valueSlot, Value* base, unsigned line) {
+  Value& objectSlot = slotAt(base, field->temporariesOffset + sizeof(Value));
+  objectSlot = field->object->execute(field->object, base);
+  if (!objectSlot.isTable()) failAssignInto(objectSlot, line);
+  const Value value = valueSlot;
+  valueSlot = Value();
+  objectSlot.table->setString(field->name, value, field->hint);
+  clearSlot(objectSlot);
+}
+
+void storeIntoIndex(const IndexExpr* index, Value& valueSlot, Value* base, unsigned line) {
+  Value& objectSlot = slotAt(base, index->temporariesOffset + sizeof(Value));
+  objectSlot = index->object->execute(index->object, base);
+  if (!objectSlot.isTable()) failAssignInto(objectSlot, line);
+  const OwnedValue keyValue(index->key->execute(index->key, base));
+  TableKey key;
+  if (!tryMakeKeyFromValue(keyValue.get(), key)) failTableIndex(line);
+  const Value value = valueSlot;
+  valueSlot = Value();
+  tableSetByKey(*objectSlot.table, key, value);
+  clearSlot(objectSlot);
+}
+
+void assignTarget(const AssignTarget& target, Value& valueSlot, Value* base, unsigned line) {
+  switch (target.expression->kind) {
+    case ExprKind::Field:
+      return storeIntoField(static_cast<const FieldExpr*>(target.expression), valueSlot, base,
+                            line);
+    case ExprKind::Index:
+      return storeIntoIndex(static_cast<const IndexExpr*>(target.expression), valueSlot, base,
+                            line);
+    default: {
+      Value& variable = variableSlot(static_cast<const VariableExpr*>(target.expression), base);
+      if (&variable == &valueSlot) return;
+      const Value value = valueSlot;
+      valueSlot = Value();
+      replaceSlot(variable, value);
+      return;
+    }
+  }
+}
+
+// ---- One variable
+// ---------------------------------------------------------------------------------------------------
+
+Value singleValue(const Node* node, Value* base) {
+  const Expr* const value = asAssignment(node)->values[0];
+  return value->execute(value, base);
+}
+
+// The slot is above the live locals or holds a scalar: nothing to release.
+Value storeScalarLocal(const Node* node, Value* base) {
+  const Value value = singleValue(node, base);
+  slotAt(base, asAssignment(node)->targetOffset) = value;
+  return normalCompletion();
+}
+
+Value storeLocal(const Node* node, Value* base) {
+  const Value value = singleValue(node, base);
+  replaceSlot(slotAt(base, asAssignment(node)->targetOffset), value);
+  return normalCompletion();
+}
+
+Value storeGlobal(const Node* node, Value* base) {
+  const Value value = singleValue(node, base);
+  replaceSlot(*static_cast<const VariableExpr*>(asAssignment(node)->targets[0].expression)->cell,
+              value);
+  return normalCompletion();
+}
+
+Value storeVariable(const Node* node, Value* base) {
+  const Value value = singleValue(node, base);
+  replaceSlot(
+      variableSlot(static_cast<const VariableExpr*>(asAssignment(node)->targets[0].expression),
+                   base),
+      value);
+  return normalCompletion();
+}
+
+Value declareNil(const Node* node, Value* base) {
+  for (const AssignTarget& target : asAssignment(node)->targets) {
+    replaceSlot(variableSlot(static_cast<const VariableExpr*>(target.expression), base), Value());
+  }
+  return normalCompletion();
+}
+
+// `s = s .. x`: appends in place where nobody else holds the string. The old s is the left operand
+// also when evaluating the others changes s, so s is held meanwhile, and the append is in place
+// only if s still is that very string.
+Value appendToVariable(const Node* node, Value* base) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  const auto* const variable = static_cast<const VariableExpr*>(statement->targets[0].expression);
+  const auto* const concat = static_cast<const ConcatExpr*>(statement->values[0]);
+  Value& held = slotAt(base, concat->temporariesOffset);
+  held = retain(variableSlot(variable, base));
+  evaluatePieces(concat, 1, base);
+  Value& target = variableSlot(variable, base);
+  Heap& heap = node->interpreter->heap;
+  if (!held.isString() || target.tag != kString || target.string != held.string ||
+      held.string->count != 2) {
+    Value text(StringObject::create(
+        heap, held.isString() ? held.string->view() : std::string_view(held.toString())));
+    clearSlot(held);
+    held = text;
+    appendPieces(concat, 1, held, base);
+    text = held;
+    held = Value();
+    replaceSlot(target, text);
+    return normalCompletion();
+  }
+  clearSlot(held);
+  appendPieces(concat, 1, target, base);
+  return normalCompletion();
+}
+
+// ---- One field or element, of an object that a variable holds
+// ------------------------------------------------------------
+
+struct InFrame {
+  template <class Access>
+  static Value load(const Access* target, Value* base) noexcept {
+    return slotAt(base, target->objectOffset);
+  }
+};
+
+struct InVariable {
+  template <class Access>
+  static Value load(const Access* target, Value* base) noexcept {
+    return variableSlot(static_cast<const VariableExpr*>(target->object), base);
+  }
+};
+
+[[noreturn, gnu::noinline]] void dropAndFailAssignInto(Value value, const Value& object,
+                                                       unsigned line) {
+  drop(value);
+  failAssignInto(object, line);
+}
+
+template <class Object>
+Value storeField(const Node* node, Value* base) {
+  const Value value = singleValue(node, base);
+  const auto* const target =
+      static_cast<const FieldExpr*>(asAssignment(node)->targets[0].expression);
+  const Value object = Object::load(target, base);
+  if (object.tag != kTable) [[unlikely]]
+    dropAndFailAssignInto(value, object, node->line);
+  object.table->setString(target->name, value, target->hint);
+  return normalCompletion();
+}
+
+[[gnu::noinline]] void storeUnderKey(Table& table, Value ownedKey, Value value, unsigned line) {
+  const OwnedValue keyGuard(ownedKey);
+  OwnedValue valueGuard(value);
+  TableKey key;
+  if (!tryMakeKeyFromValue(ownedKey, key)) failTableIndex(line);
+  tableSetByKey(table, key, valueGuard.take());
+}
+
+template <class Object>
+Value storeElementAtLocal(const Node* node, Value* base) {
+  const Value value = singleValue(node, base);
+  const auto* const target =
+      static_cast<const IndexExpr*>(asAssignment(node)->targets[0].expression);
+  const Value object = Object::load(target, base);
+  if (object.tag != kTable) [[unlikely]]
+    dropAndFailAssignInto(value, object, node->line);
+  const Value key = slotAt(base, target->keyOffset);
+  if (key.tag == kInteger) [[likely]] {
+    object.table->setInteger(key.integer, value);
+  } else {
+    storeUnderKey(*object.table, retain(key), value, node->line);
+  }
+  return normalCompletion();
+}
+
+// The object cannot change while the key is evaluated. A value that owns something waits in a slot,
+// where an error finds it.
+template <class Object>
+Value storeElement(const Node* node, Value* base) {
+  const Value value = singleValue(node, base);
+  const auto* const target =
+      static_cast<const IndexExpr*>(asAssignment(node)->targets[0].expression);
+  const Value object = Object::load(target, base);
+  if (object.tag != kTable) [[unlikely]]
+    dropAndFailAssignInto(value, object, node->line);
+  Value& waiting = slotAt(base, target->temporariesOffset);
+  waiting = value;
+  const Value key = target->key->execute(target->key, base);
+  waiting = Value();
+  if (key.tag == kInteger) [[likely]] {
+    object.table->setInteger(key.integer, value);
+  } else {
+    storeUnderKey(*object.table, key, value, node->line);
+  }
+  return normalCompletion();
+}
+
+// Any other single target.
+Value storeAnywhere(const Node* node, Value* base) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  Value& slot = slotAt(base, statement->temporariesOffset);
+  slot = singleValue(node, base);
+  assignTarget(statement->targets[0], slot, base, node->line);
+  return normalCompletion();
+}
+
+// ---- Several values or targets
+// --------------------------------------------------------------------------------------
+
+// Evaluates the values into consecutive slots: exactly as many as there are targets, or more where
+// values are surplus. Returns the number of slots used.
+std::uint32_t evaluateValues(const AssignmentStmt* statement, Value* slots, Value* base) {
+  const ArenaList<Expr*>& values = statement->values;
+  std::uint32_t count = 0;
+  for (; count + 1 < values.size; ++count)
+    slots[count] = values[count]->execute(values[count], base);
+  const Expr* const last = values[count];
+  if (last->kind == ExprKind::Call && statement->targets.size > count + 1) {
+    const auto* const call = static_cast<const CallExpr*>(last);
+    const Value result = call->executeMulti(call, base);
+    if (isSingleValue(result)) {
+      slots[count++] = result;
+    } else if (ReturnSignal::isSeveral(result)) {
+      count +=
+          ReturnSignal::count(result);  // they stand where the call's frame started, which is here
+    }
+  } else {
+    slots[count] = last->execute(last, base);
+    ++count;
+  }
+  while (count < statement->targets.size) slots[count++] = Value();
+  return count;
+}
+
+Value assignSeveral(const Node* node, Value* base) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  Value* const slots = &slotAt(base, statement->temporariesOffset);
+  const std::uint32_t count = evaluateValues(statement, slots, base);
+  for (std::uint32_t i = 0; i < statement->targets.size; ++i) {
+    assignTarget(statement->targets[i], slots[i], base, node->line);
+  }
+  clearSlots(slots + statement->targets.size, slots + count);
+  return normalCompletion();
+}
+
+// The values are evaluated where the locals will live.
+Value declareSeveral(const Node* node, Value* base) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  Value* const slots = &slotAt(base, statement->temporariesOffset);
+  const std::uint32_t count = evaluateValues(statement, slots, base);
+  clearSlots(slots + statement->targets.size, slots + count);
+  return normalCompletion();
+}
+
+Value declareFunction(const Node* node, Value* base) {
+  const auto* const statement = static_cast<const FunctionDeclarationStmt*>(node);
+  const Expr* const target = statement->target.expression;
+  const Value function = statement->function->execute(statement->function, base);
+  if (target->kind == ExprKind::Variable) {
+    replaceSlot(variableSlot(static_cast<const VariableExpr*>(target), base), function);
+    return normalCompletion();
+  }
+  Value& slot = slotAt(base, static_cast<const FieldExpr*>(target)->temporariesOffset);
+  slot = function;
+  assignTarget(statement->target, slot, base, node->line);
+  return normalCompletion();
+}
+
+// ---- Choosing
+// -------------------------------------------------------------------------------------------------------
+
+bool isSameVariable(const Expr& a, const Expr& b) noexcept {
+  if (a.kind != ExprKind::Variable || b.kind != ExprKind::Variable) return false;
+  const auto& left = static_cast<const VariableExpr&>(a);
+  const auto& right = static_cast<const VariableExpr&>(b);
+  return left.variable == right.variable && (left.variable != nullptr || left.cell == right.cell);
+}
+
+bool appendsToItself(const AssignmentStmt& statement) noexcept {
+  if (statement.isLocal || statement.values[0]->kind != ExprKind::Concat) return false;
+  return isSameVariable(*statement.targets[0].expression,
+                        *static_cast<const ConcatExpr*>(statement.values[0])->operands[0]);
+}
+
+NodeFunction variableStore(AssignmentStmt& statement, const VariableExpr& target) noexcept {
+  if (appendsToItself(statement)) return appendToVariable;
+  if (target.home == VariableHome::Global) return storeGlobal;
+  if (target.home != VariableHome::Frame) return storeVariable;
+  statement.targetOffset = target.offset;
+  return target.variable->scalar || statement.isLocal ? storeScalarLocal : storeLocal;
+}
+
+NodeFunction fieldStore(FieldExpr& target) noexcept {
+  if (isFrameVariable(*target.object)) {
+    target.objectOffset = frameOffsetOf(*target.object);
+    return storeField<InFrame>;
+  }
+  return target.object->kind == ExprKind::Variable ? storeField<InVariable> : storeAnywhere;
+}
+
+NodeFunction indexStore(IndexExpr& target) noexcept {
+  const bool inFrame = isFrameVariable(*target.object);
+  if (inFrame) target.objectOffset = frameOffsetOf(*target.object);
+  if (!inFrame && (target.object->kind != ExprKind::Variable || target.key->containsCall))
+    return storeAnywhere;
+  if (isFrameVariable(*target.key)) {
+    target.keyOffset = frameOffsetOf(*target.key);
+    return inFrame ? storeElementAtLocal<InFrame> : storeElementAtLocal<InVariable>;
+  }
+  return inFrame ? storeElement<InFrame> : storeElement<InVariable>;
+}
+
+bool allInFrame(const AssignmentStmt& statement) noexcept {
+  for (const AssignTarget& target : statement.targets) {
+    if (!isFrameVariable(*target.expression)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void chooseAssignment(AssignmentStmt& statement) {
+  if (statement.values.empty()) {
+    statement.execute = declareNil;
+    return;
+  }
+  if (statement.targets.size != 1 || statement.values.size != 1) {
+    statement.execute = statement.isLocal && allInFrame(statement) ? declareSeveral : assignSeveral;
+    return;
+  }
+  Expr& target = *statement.targets[0].expression;
+  if (target.kind == ExprKind::Variable) {
+    statement.execute = variableStore(statement, static_cast<VariableExpr&>(target));
+  } else if (target.kind == ExprKind::Field) {
+    statement.execute = fieldStore(static_cast<FieldExpr&>(target));
+  } else {
+    statement.execute = indexStore(static_cast<IndexExpr&>(target));
+  }
+}
+
+void chooseFunctionDeclaration(FunctionDeclarationStmt& statement) {
+  statement.execute = declareFunction;
+}
+
+}  // namespace tarvel::lua::internal

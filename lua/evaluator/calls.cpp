@@ -1,0 +1,351 @@
+#include <string>
+
+#include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/variables.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/value/completion.h"
+#include "lua/value/table.h"
+
+// Calls. The callee and its arguments are evaluated straight into the slots where the callee's
+// frame will start: frame[0] holds the callee, frame[1] is the base of its frame. What stands there
+// is owned by the slots; the call releases it when the callee is done, and an error leaves it to
+// the sweep.
+
+namespace tarvel::lua {
+
+namespace internal {
+
+namespace {
+
+// What a native function may take of the host's stack before it calls back, so that recursion
+// through natives ends in time. What it takes without calling back is covered by the stack's
+// reserve.
+constexpr std::uint32_t kNativeHostBytes = 2048;
+
+[[noreturn, gnu::noinline]] void failNotCallable(const Value& callee, unsigned line) {
+  failRuntime(line, std::string("attempt to call a ") + describeValueType(callee) + " value");
+}
+
+// Moves several values down to where the frame of the call started, over what the call has
+// released.
+Value settleSeveral(Value* frame, Value completion) noexcept {
+  const std::uint32_t count = ReturnSignal::count(completion);
+  Value* const from = completion.values;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    frame[i] = from[i];
+    from[i] = Value();
+  }
+  return ReturnSignal::severalValues(frame, count);
+}
+
+// Several values must not be released with the locals whose slots they have overwritten.
+[[gnu::noinline]] Value finishWithoutSingleValue(Value* frame, const FunctionExpr* body,
+                                                 Value completion) noexcept {
+  Value* end = frame + 1 + body->releaseSlots;
+  if (!ReturnSignal::isSeveral(completion)) {
+    clearSlots(frame, end);
+    return ReturnSignal::noValues();
+  }
+  if (completion.values < end) end = completion.values;
+  clearSlots(frame, end);
+  return settleSeveral(frame, completion);
+}
+
+// Runs a script function whose parameters stand in frame[1] on, all of them set.
+inline Value runBody(const FunctionExpr* body, Value* frame) {
+  const Value completion = body->entry->execute(body->entry, frame + 1);
+  if (!isSingleValue(completion)) [[unlikely]]
+    return finishWithoutSingleValue(frame, body, completion);
+  clearSlots(frame + 1, frame + 1 + body->releaseSlots);
+  clearSlot(frame[0]);
+  return completion;
+}
+
+[[noreturn, gnu::noinline]] void failStackOverflow(unsigned line) {
+  failRuntime(line, "stack overflow");
+}
+
+// Stores what a native function returned from frame[0] on, after the arguments are gone.
+Value settleResults(ValueStack& stack, Value* frame, MultiValue&& results, unsigned line) {
+  if (results.size() == 1) return results.release()[0];
+  if (results.empty()) return ReturnSignal::noValues();
+  if (!stack.makeRoom(frame + results.size(), 0)) failStackOverflow(line);
+  const ValueSpan values = results.release();
+  for (std::size_t i = 0; i < values.size(); ++i) frame[i] = values[i];
+  return ReturnSignal::severalValues(frame, static_cast<std::uint32_t>(values.size()));
+}
+
+Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, unsigned line) {
+  const auto* const code = static_cast<const NativeCode*>(frame[0].function->code);
+  if (!code->function) failRuntime(line, "attempt to call an empty function");
+  ValueStack& stack = interpreter.stack;
+  if (!stack.makeRoom(frame + 1 + count, kNativeHostBytes)) failStackOverflow(line);
+  Value* const outerTop = stack.top();
+  stack.setTop(frame + 1 + count);
+  MultiValue results = code->function(interpreter.owner, ValueSpan(frame + 1, count), line);
+  stack.setTop(outerTop);
+  clearSlots(frame, frame + 1 + count);
+  return settleResults(stack, frame, std::move(results), line);
+}
+
+// Any callee, any number of arguments.
+[[gnu::noinline]] Value callAny(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
+                                unsigned line) {
+  const Value callee = frame[0];
+  if (callee.tag != kFunction) failNotCallable(callee, line);
+  const FunctionExpr* const body = callee.function->body;
+  if (body == nullptr) return callNative(interpreter, frame, count, line);
+  if (!interpreter.stack.makeRoom(frame + 1 + body->frameSlots, body->stackBytes))
+    failStackOverflow(line);
+  for (std::uint32_t i = count; i < body->parameterCount; ++i) frame[1 + i] = Value();
+  for (std::uint32_t i = body->parameterCount; i < count; ++i) clearSlot(frame[1 + i]);
+  return runBody(body, frame);
+}
+
+// The common case: a script function that takes exactly the arguments it gets, with room on both
+// stacks.
+template <std::uint32_t Count>
+inline Value callFixed(const CallExpr* call, Value* frame) {
+  const Value callee = frame[0];
+  if (callee.tag == kFunction) [[likely]] {
+    const FunctionExpr* const body = callee.function->body;
+    if (body != nullptr && body->parameterCount == Count) [[likely]] {
+      if (call->interpreter->stack.hasRoom(frame + 1 + body->frameSlots, body->stackBytes))
+          [[likely]] {
+        return runBody(body, frame);
+      }
+    }
+  }
+  return callAny(*call->interpreter, frame, Count, call->line);
+}
+
+// ---- The callee
+// -----------------------------------------------------------------------------------------------------
+
+struct GlobalCallee {
+  static Value load(const CallExpr* call, Value*) noexcept {
+    return retain(*static_cast<const VariableExpr*>(call->callee)->cell);
+  }
+};
+
+struct CapturedCallee {
+  static Value load(const CallExpr* call, Value* base) noexcept {
+    const auto* const variable = static_cast<const VariableExpr*>(call->callee);
+    return retain(runningFunction(base)->environment->slots()[variable->environmentIndex]);
+  }
+};
+
+struct OtherCallee {
+  static Value load(const CallExpr* call, Value* base) {
+    return call->callee->execute(call->callee, base);
+  }
+};
+
+// ---- Call nodes. Each returns all results; the single-value forms adjust.
+// ----------------------------------------------
+
+const CallExpr* asCall(const Node* node) noexcept { return static_cast<const CallExpr*>(node); }
+
+template <std::uint32_t Count>
+inline void evaluateArguments(const CallExpr* call, Value* first, Value* base) {
+  for (std::uint32_t i = 0; i < Count; ++i) {
+    const Expr* const argument = call->arguments[i];
+    first[i] = argument->execute(argument, base);
+  }
+}
+
+template <class Callee, std::uint32_t Count>
+Value callFunction(const Node* node, Value* base) {
+  const CallExpr* const call = asCall(node);
+  Value* const frame = &slotAt(base, call->frameOffset);
+  frame[0] = Callee::load(call, base);
+  evaluateArguments<Count>(call, frame + 1, base);
+  return callFixed<Count>(call, frame);
+}
+
+// The receiver is evaluated once, then the method is looked up, then the other arguments are
+// evaluated.
+inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
+  const Value receiver = call->object->execute(call->object, base);
+  frame[1] = receiver;
+  frame[0] =
+      receiver.tag == kTable
+          ? retain(receiver.table->getString(call->methodName, call->hint))
+          : call->interpreter->indexField(receiver, call->methodName, call->hint, call->line);
+}
+
+template <std::uint32_t Count>
+Value callMethod(const Node* node, Value* base) {
+  const CallExpr* const call = asCall(node);
+  Value* const frame = &slotAt(base, call->frameOffset);
+  lookUpMethod(call, frame, base);
+  evaluateArguments<Count>(call, frame + 2, base);
+  return callFixed<Count + 1>(call, frame);
+}
+
+// Any number of arguments, the last of which may be a call that gives several.
+Value callWithMany(const Node* node, Value* base) {
+  const CallExpr* const call = asCall(node);
+  Value* const frame = &slotAt(base, call->frameOffset);
+  std::uint32_t count = 0;
+  if (call->object != nullptr) {
+    lookUpMethod(call, frame, base);
+    count = 1;
+  } else {
+    frame[0] = call->callee->execute(call->callee, base);
+  }
+  const std::uint32_t last = call->arguments.size;
+  for (std::uint32_t i = 0; i < last; ++i) {
+    const Expr* const argument = call->arguments[i];
+    if (i + 1 < last || argument->kind != ExprKind::Call) {
+      frame[1 + count++] = argument->execute(argument, base);
+      continue;
+    }
+    const Value result = asCall(argument)->executeMulti(argument, base);
+    if (isSingleValue(result)) {
+      frame[1 + count++] = result;
+    } else if (ReturnSignal::isSeveral(result)) {
+      count +=
+          ReturnSignal::count(result);  // they stand where that call's frame started, which is here
+    }
+  }
+  return callAny(*call->interpreter, frame, count, call->line);
+}
+
+// ---- One value of a call
+// --------------------------------------------------------------------------------------------
+
+[[gnu::noinline]] Value firstOf(Value completion) noexcept {
+  if (!ReturnSignal::isSeveral(completion)) return Value();
+  Value* const values = completion.values;
+  const Value first = values[0];
+  values[0] = Value();
+  clearSlots(values + 1, values + ReturnSignal::count(completion));
+  return first;
+}
+
+template <NodeFunction Multi>
+Value singleResult(const Node* node, Value* base) {
+  const Value result = Multi(node, base);
+  return isSingleValue(result) ? result : firstOf(result);
+}
+
+template <NodeFunction Multi>
+bool testResult(const Node* node, Value* base) {
+  const Value result = singleResult<Multi>(node, base);
+  drop(result);
+  return result.isTruthy();
+}
+
+template <NodeFunction Multi>
+void choose(CallExpr& call) {
+  call.executeMulti = Multi;
+  call.execute = singleResult<Multi>;
+  call.test = testResult<Multi>;
+}
+
+template <class Callee>
+void chooseFunctionCall(CallExpr& call) {
+  switch (call.arguments.size) {
+    case 0:
+      return choose<callFunction<Callee, 0>>(call);
+    case 1:
+      return choose<callFunction<Callee, 1>>(call);
+    case 2:
+      return choose<callFunction<Callee, 2>>(call);
+    case 3:
+      return choose<callFunction<Callee, 3>>(call);
+    default:
+      return choose<callWithMany>(call);
+  }
+}
+
+void chooseMethodCall(CallExpr& call) {
+  switch (call.arguments.size) {
+    case 0:
+      return choose<callMethod<0>>(call);
+    case 1:
+      return choose<callMethod<1>>(call);
+    case 2:
+      return choose<callMethod<2>>(call);
+    default:
+      return choose<callWithMany>(call);
+  }
+}
+
+// A call as a statement discards all its results.
+Value executeCallStatement(const Node* node, Value* base) {
+  const CallExpr* const call = static_cast<const ExpressionStmt*>(node)->expression;
+  const Value result = call->executeMulti(call, base);
+  drop(isSingleValue(result) ? result : firstOf(result));
+  return normalCompletion();
+}
+
+bool lastMayExpand(const CallExpr& call) noexcept {
+  return !call.arguments.empty() && call.arguments[call.arguments.size - 1]->kind == ExprKind::Call;
+}
+
+}  // namespace
+
+void chooseCall(CallExpr& call) {
+  if (lastMayExpand(call)) return choose<callWithMany>(call);
+  if (call.object != nullptr) return chooseMethodCall(call);
+  if (call.callee->kind == ExprKind::Variable) {
+    const auto& variable = static_cast<const VariableExpr&>(*call.callee);
+    if (variable.home == VariableHome::Global) return chooseFunctionCall<GlobalCallee>(call);
+    if (variable.home == VariableHome::Captured && variable.hops == 0)
+      return chooseFunctionCall<CapturedCallee>(call);
+  }
+  chooseFunctionCall<OtherCallee>(call);
+}
+
+void chooseCallStatement(ExpressionStmt& statement) { statement.execute = executeCallStatement; }
+
+}  // namespace internal
+
+// ---- Calls from native code
+// -------------------------------------------------------------------------------------------
+
+using internal::MultiValue;
+using internal::ReturnSignal;
+using internal::Value;
+using internal::ValueSpan;
+
+Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, unsigned line) {
+  return internal::callAny(*this, frame, count, line);
+}
+
+MultiValue LuaVM::Impl::takeResults(Value completion) {
+  if (isSingleValue(completion)) return MultiValue(completion);
+  MultiValue results;
+  if (!ReturnSignal::isSeveral(completion)) return results;
+  for (std::uint32_t i = 0; i < ReturnSignal::count(completion); ++i) {
+    const Value value = completion.values[i];
+    completion.values[i] = Value();
+    results.push(value);
+  }
+  return results;
+}
+
+MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, unsigned line) {
+  Value* const frame = stack.top();
+  if (!stack.makeRoom(frame + 1 + arguments.size(), 0)) internal::failStackOverflow(line);
+  frame[0] = retain(callee);
+  for (std::size_t i = 0; i < arguments.size(); ++i) frame[1 + i] = retain(arguments[i]);
+  return takeResults(callFrame(frame, static_cast<std::uint32_t>(arguments.size()), line));
+}
+
+MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan arguments,
+                                   unsigned line) {
+  return callValue(Value(function), arguments, line);
+}
+
+MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {
+  Value* const frame = stack.top();
+  if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->line);
+  frame[0] = Value(
+      internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, nullptr));
+  return takeResults(callFrame(frame, 0, chunk.main->line));
+}
+
+}  // namespace tarvel::lua

@@ -1,0 +1,219 @@
+#include <array>
+#include <cstdint>
+
+#include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/operands.h"
+#include "lua/evaluator/operators.h"
+#include "lua/value/completion.h"
+
+// The nodes of the comparison operators, as values and as conditions, and `if`, into which a
+// comparison is fused.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+struct Less {
+  static constexpr TokenKind kToken = TokenKind::Less;
+  template <class T>
+  static bool decide(T a, T b) noexcept {
+    return a < b;
+  }
+};
+
+struct LessEqual {
+  static constexpr TokenKind kToken = TokenKind::LessEqual;
+  template <class T>
+  static bool decide(T a, T b) noexcept {
+    return a <= b;
+  }
+};
+
+struct Greater {
+  static constexpr TokenKind kToken = TokenKind::Greater;
+  template <class T>
+  static bool decide(T a, T b) noexcept {
+    return a > b;
+  }
+};
+
+struct GreaterEqual {
+  static constexpr TokenKind kToken = TokenKind::GreaterEqual;
+  template <class T>
+  static bool decide(T a, T b) noexcept {
+    return a >= b;
+  }
+};
+
+// Each rule: what two values of common kinds give (`tryFast`, only where no owned operand needs
+// release), and what any two give (`decide`).
+template <class Order>
+struct OrderRule {
+  template <bool LeftOwned, bool RightOwned>
+  static bool tryFast(Value left, Value right, bool& out) noexcept {
+    if (left.tag == kInteger && right.tag == kInteger) {
+      out = Order::decide(left.integer, right.integer);
+    } else if (left.tag == kFloat && right.tag == kFloat) {
+      out = Order::decide(left.number, right.number);
+    } else {
+      return false;
+    }
+    return true;
+  }
+  static bool decide(const BinaryExpr* node, const Value& left, const Value& right) {
+    return compareValues(left, right, Order::kToken, node->line);
+  }
+};
+
+template <bool WhenEqual>
+struct EqualityRule {
+  template <bool LeftOwned, bool RightOwned>
+  static bool tryFast(Value left, Value right, bool& out) noexcept {
+    if (left.tag == kInteger && right.tag == kInteger) {
+      out = (left.integer == right.integer) == WhenEqual;
+      return true;
+    }
+    if (left.tag <= kTrue || right.tag <= kTrue) {
+      // Nil and the booleans are their tags.
+      out = (left.tag == right.tag) == WhenEqual;
+      return (!LeftOwned || !left.isCounted()) && (!RightOwned || !right.isCounted());
+    }
+    if constexpr (!LeftOwned && !RightOwned) {
+      if (left.tag == kString && right.tag == kString && left.string == right.string) {
+        out = WhenEqual;
+        return true;
+      }
+    }
+    return false;
+  }
+  static bool decide(const BinaryExpr*, const Value& left, const Value& right) noexcept {
+    return valuesEqual(left, right) == WhenEqual;
+  }
+};
+
+template <class Rule, bool LeftOwned, bool RightOwned>
+[[gnu::noinline]] bool finishComparison(const BinaryExpr* node, Value left, Value right) {
+  const OwnedValue leftGuard(LeftOwned ? left : Value());
+  const OwnedValue rightGuard(RightOwned ? right : Value());
+  return Rule::decide(node, left, right);
+}
+
+template <class Rule>
+struct Comparison {
+  using Result = bool;
+
+  template <bool LeftOwned, bool RightOwned>
+  static bool apply(const BinaryExpr* node, Value left, Value right) {
+    bool result = false;
+    if (Rule::template tryFast<LeftOwned, RightOwned>(left, right, result)) [[likely]]
+      return result;
+    return finishComparison<Rule, LeftOwned, RightOwned>(node, left, right);
+  }
+
+  [[gnu::noinline]] static bool rightAfterCounted(const BinaryExpr* node, Value left, Value* base) {
+    const OwnedValue leftGuard(left);
+    const OwnedValue right(node->right->execute(node->right, base));
+    return Rule::decide(node, left, right.get());
+  }
+
+  template <class Left, class Right>
+  struct Condition {
+    static bool run(const Node* node, Value* base) {
+      return withOperands<Comparison, Left, Right>(static_cast<const BinaryExpr*>(node), base);
+    }
+  };
+
+  template <class Left, class Right>
+  struct AsValue {
+    static Value run(const Node* node, Value* base) {
+      return Value(Condition<Left, Right>::run(node, base));
+    }
+  };
+
+  // `if` on this comparison, with nothing or something to do when it is false.
+  template <class Left, class Right>
+  struct If {
+    static Value run(const Node* node, Value* base) {
+      const auto* const statement = static_cast<const IfStmt*>(node);
+      if (!Condition<Left, Right>::run(statement->condition, base)) return normalCompletion();
+      return statement->thenNode->execute(statement->thenNode, base);
+    }
+  };
+
+  template <class Left, class Right>
+  struct IfElse {
+    static Value run(const Node* node, Value* base) {
+      const auto* const statement = static_cast<const IfStmt*>(node);
+      const Node* const chosen = Condition<Left, Right>::run(statement->condition, base)
+                                     ? statement->thenNode
+                                     : statement->otherwiseNode;
+      return chosen->execute(chosen, base);
+    }
+  };
+};
+
+Value executeIf(const Node* node, Value* base) {
+  const auto* const statement = static_cast<const IfStmt*>(node);
+  if (!statement->condition->test(statement->condition, base)) return normalCompletion();
+  return statement->thenNode->execute(statement->thenNode, base);
+}
+
+Value executeIfElse(const Node* node, Value* base) {
+  const auto* const statement = static_cast<const IfStmt*>(node);
+  const Node* const chosen = statement->condition->test(statement->condition, base)
+                                 ? statement->thenNode
+                                 : statement->otherwiseNode;
+  return chosen->execute(chosen, base);
+}
+
+bool isComparison(TokenKind op) noexcept {
+  return op >= TokenKind::Equal && op <= TokenKind::GreaterEqual;
+}
+
+// Calls `use` with the Comparison of an operator.
+template <class Use>
+void withComparison(TokenKind op, Use use) {
+  switch (op) {
+    case TokenKind::Equal:
+      return use(Comparison<EqualityRule<true>>());
+    case TokenKind::NotEqual:
+      return use(Comparison<EqualityRule<false>>());
+    case TokenKind::Less:
+      return use(Comparison<OrderRule<Less>>());
+    case TokenKind::LessEqual:
+      return use(Comparison<OrderRule<LessEqual>>());
+    case TokenKind::Greater:
+      return use(Comparison<OrderRule<Greater>>());
+    default:
+      return use(Comparison<OrderRule<GreaterEqual>>());
+  }
+}
+
+}  // namespace
+
+void chooseComparison(BinaryExpr& node) {
+  const OperandShapes shapes = noteOperands(node);
+  withComparison(node.op, [&]<class Kind>(Kind) {
+    node.execute = chooseByShapes<Kind::template AsValue, NodeFunction>(shapes);
+    node.test = chooseByShapes<Kind::template Condition, ConditionFunction>(shapes);
+  });
+}
+
+void chooseIf(IfStmt& statement) {
+  const bool hasElse = statement.otherwiseNode != nullptr;
+  if (statement.condition->kind == ExprKind::Binary) {
+    const auto& condition = static_cast<const BinaryExpr&>(*statement.condition);
+    if (isComparison(condition.op)) {
+      OperandShapes shapes{operandShape(*condition.left), operandShape(*condition.right)};
+      if (shapes.left == 1 && shapes.right == 1) shapes.left = 2;
+      withComparison(condition.op, [&]<class Kind>(Kind) {
+        statement.execute = hasElse ? chooseByShapes<Kind::template IfElse, NodeFunction>(shapes)
+                                    : chooseByShapes<Kind::template If, NodeFunction>(shapes);
+      });
+      return;
+    }
+  }
+  statement.execute = hasElse ? executeIfElse : executeIf;
+}
+
+}  // namespace tarvel::lua::internal

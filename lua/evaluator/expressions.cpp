@@ -1,0 +1,199 @@
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/operators.h"
+#include "lua/evaluator/variables.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/value/environment.h"
+#include "lua/value/table.h"
+
+// Literals, unary and logical operators, concatenation, table constructors and function
+// expressions.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// ---- Literals
+// -------------------------------------------------------------------------------------------------------
+
+Value evaluateScalarLiteral(const Node* node, Value*) {
+  return static_cast<const LiteralExpr*>(node)->value;
+}
+
+Value evaluateStringLiteral(const Node* node, Value*) {
+  return retain(static_cast<const LiteralExpr*>(node)->value);
+}
+
+bool testLiteral(const Node* node, Value*) {
+  return static_cast<const LiteralExpr*>(node)->value.isTruthy();
+}
+
+// ---- Unary operators
+// ------------------------------------------------------------------------------------------------
+
+Value operandOf(const Node* node, Value* base) {
+  const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
+  return operand->execute(operand, base);
+}
+
+bool testNot(const Node* node, Value* base) {
+  const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
+  return !operand->test(operand, base);
+}
+
+Value evaluateNot(const Node* node, Value* base) { return Value(testNot(node, base)); }
+
+Value evaluateNegation(const Node* node, Value* base) {
+  const OwnedValue operand(operandOf(node, base));
+  return negateValue(operand.get(), node->line);
+}
+
+Value evaluateLength(const Node* node, Value* base) {
+  const OwnedValue operand(operandOf(node, base));
+  return lengthOf(operand.get(), node->line);
+}
+
+Value evaluateLengthOfVariable(const Node* node, Value* base) {
+  const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
+  return lengthOf(operand->peek(operand, base), node->line);
+}
+
+// ---- Logical operators
+// ----------------------------------------------------------------------------------------------
+
+Value evaluateAnd(const Node* node, Value* base) {
+  const auto* const logic = static_cast<const BinaryExpr*>(node);
+  const Value left = logic->left->execute(logic->left, base);
+  if (!left.isTruthy()) return left;
+  drop(left);
+  return logic->right->execute(logic->right, base);
+}
+
+Value evaluateOr(const Node* node, Value* base) {
+  const auto* const logic = static_cast<const BinaryExpr*>(node);
+  const Value left = logic->left->execute(logic->left, base);
+  return left.isTruthy() ? left : logic->right->execute(logic->right, base);
+}
+
+bool testAnd(const Node* node, Value* base) {
+  const auto* const logic = static_cast<const BinaryExpr*>(node);
+  return logic->left->test(logic->left, base) && logic->right->test(logic->right, base);
+}
+
+bool testOr(const Node* node, Value* base) {
+  const auto* const logic = static_cast<const BinaryExpr*>(node);
+  return logic->left->test(logic->left, base) || logic->right->test(logic->right, base);
+}
+
+// ---- Table constructors
+// ---------------------------------------------------------------------------------------------
+
+// A key is checked before the field's value is evaluated. A computed string key is kept in a slot
+// meanwhile.
+void constructKeyedField(const TableExpr::Field& field, Value* temporaries, Value* base) {
+  Value& keySlot = temporaries[1];
+  keySlot = field.key->execute(field.key, base);
+  TableKey key;
+  if (!tryMakeKeyFromValue(keySlot, key))
+    failRuntime(field.line, "table keys must be numbers, strings, or booleans");
+  tableSetByKey(*temporaries[0].table, key, field.value->execute(field.value, base));
+  clearSlot(keySlot);
+}
+
+Value evaluateTable(const Node* node, Value* base) {
+  const auto* const constructor = static_cast<const TableExpr*>(node);
+  Value* const temporaries = &slotAt(base, constructor->temporariesOffset);
+  Table* const table = Table::create(node->interpreter->heap, constructor->positionalCount,
+                                     constructor->fields.size - constructor->positionalCount);
+  temporaries[0] = Value(table);
+  std::int64_t position = 0;
+  for (const TableExpr::Field& field : constructor->fields) {
+    if (field.kind == TableExpr::FieldKind::Positional) {
+      table->setInteger(++position, field.value->execute(field.value, base));
+    } else if (field.kind == TableExpr::FieldKind::Named) {
+      const Value value = field.value->execute(field.value, base);
+      tableSetByKey(*table, TableKey::ofString(field.name), value);
+    } else {
+      constructKeyedField(field, temporaries, base);
+    }
+  }
+  temporaries[0] = Value();
+  return Value(table);
+}
+
+Value evaluateEmptyTable(const Node* node, Value*) {
+  return Value(Table::create(node->interpreter->heap));
+}
+
+// ---- Function expressions
+// -------------------------------------------------------------------------------------------
+
+// The environment that a closure made here captures; null where nothing around it has one.
+Environment* environmentToCapture(const FunctionExpr* function, Value* base) {
+  if (!function->capturesOwn) return runningFunction(base)->environment;
+  const Value& owner = slotAt(base, function->captureOffset);
+  // The planner gave the scope an environment, and its block made it; anything else is a fault of
+  // ours.
+  if (owner.tag != kEnvironment)
+    throw std::runtime_error("attempted to capture a non-owning TarvelLua environment");
+  return owner.environment;
+}
+
+Value makeScriptFunction(const Node* node, Value* base) {
+  const auto* const function = static_cast<const FunctionExpr*>(node);
+  return Value(FunctionObject::createClosure(node->interpreter->heap, function, function->chunk,
+                                             function->name, environmentToCapture(function, base)));
+}
+
+}  // namespace
+
+bool testValue(const Node* node, Value* base) {
+  const Value value = node->execute(node, base);
+  const bool truth = value.isTruthy();
+  drop(value);
+  return truth;
+}
+
+void chooseLiteral(LiteralExpr& literal) {
+  literal.execute = literal.value.isCounted() ? evaluateStringLiteral : evaluateScalarLiteral;
+  literal.test = testLiteral;
+}
+
+void chooseUnary(UnaryExpr& unary) {
+  unary.test = testValue;
+  switch (unary.op) {
+    case TokenKind::Not:
+      unary.execute = evaluateNot;
+      unary.test = testNot;
+      return;
+    case TokenKind::Hash:
+      unary.execute = unary.operand->peekable ? evaluateLengthOfVariable : evaluateLength;
+      return;
+    default:
+      unary.execute = evaluateNegation;
+      return;
+  }
+}
+
+void chooseLogic(BinaryExpr& logic) {
+  const bool isAnd = logic.op == TokenKind::And;
+  logic.execute = isAnd ? evaluateAnd : evaluateOr;
+  logic.test = isAnd ? testAnd : testOr;
+}
+
+void chooseTable(TableExpr& table) {
+  table.execute = table.fields.empty() ? evaluateEmptyTable : evaluateTable;
+  table.test = testValue;
+}
+
+void chooseFunction(FunctionExpr& function) {
+  function.execute = makeScriptFunction;
+  function.test = testValue;
+}
+
+}  // namespace tarvel::lua::internal

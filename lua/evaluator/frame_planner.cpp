@@ -1,0 +1,314 @@
+#include "lua/evaluator/frame_planner.h"
+
+#include <algorithm>
+#include <new>
+
+#include "lua/lua_vm_impl.h"
+
+namespace tarvel::lua {
+
+void LuaVM::Impl::planFrames(internal::ResolvedChunk& chunk) {
+  stack.announceFrame(internal::FramePlanner().planChunk(chunk));
+}
+
+namespace internal {
+
+namespace {
+
+// The host's stack that executing one level of the tree takes at most, and what a call takes
+// besides. Generous: the figures include the padding of builds with sanitizers where those are on.
+#if defined(TARVELLUA_CHECKED_HEAP) || !defined(__OPTIMIZE__)
+constexpr std::uint32_t kHostBytesPerLevel = 768;
+#else
+constexpr std::uint32_t kHostBytesPerLevel = 192;
+#endif
+
+constexpr std::uint32_t kMostFrameSlots = std::uint32_t{1} << 24;
+
+SlotOffset offsetOf(std::uint32_t slot) {
+  if (slot > kMostFrameSlots) throw std::bad_alloc();
+  return slot * static_cast<SlotOffset>(sizeof(Value));
+}
+
+// Closures share what they refer to, and a closure keeps all of a scope's releasable variables
+// alive, named or not.
+bool belongsInEnvironment(const LocalVariable& variable) {
+  return variable.captured || (variable.scope->containsFunction && !variable.scalar);
+}
+
+}  // namespace
+
+std::uint32_t FramePlanner::planChunk(ResolvedChunk& chunk) {
+  planFunction(*chunk.main);
+  return largestFrame_;
+}
+
+void FramePlanner::planFunction(FunctionExpr& function) {
+  FunctionExpr* const enclosing = std::exchange(function_, &function);
+  const std::uint32_t enclosingSlots = std::exchange(frameSlots_, 0);
+  function.parameterCount = function.parameters.size;
+  planBlock(*function.body, 0);
+  function.releaseSlots = function.body->releaseEnd / static_cast<SlotOffset>(sizeof(Value));
+  function.frameSlots = frameSlots_;
+  function.stackBytes = (function.nesting + 4) * kHostBytesPerLevel;
+  largestFrame_ = std::max(largestFrame_, frameSlots_ + 1);
+  function_ = enclosing;
+  frameSlots_ = enclosingSlots;
+}
+
+// ---- Statements
+// -----------------------------------------------------------------------------------------------------
+
+void FramePlanner::planBlock(Block& block, Top top) {
+  Scope& scope = *block.scope;
+  block.releaseOffset = offsetOf(top);
+  for (LocalVariable* variable : scope.variables) {
+    variable->inEnvironment = belongsInEnvironment(*variable);
+    scope.hasEnvironment = scope.hasEnvironment || variable->inEnvironment;
+  }
+  for (std::uint32_t i = 0; i < scope.arriving; ++i) {
+    LocalVariable& variable = *scope.variables[i];
+    variable.offset = offsetOf(top++);
+    if (variable.inEnvironment) variable.environmentIndex = scope.environmentSize++;
+    if (!variable.scalar) block.releaseEnd = offsetOf(top);
+  }
+  if (scope.hasEnvironment) {
+    scope.environmentOffset = offsetOf(top++);
+    block.releaseEnd = offsetOf(top);
+  }
+  use(top);
+  for (Stmt* statement : block.statements) top = planStatement(*statement, top);
+  for (LocalVariable* variable : scope.variables) {
+    if (variable->inEnvironment || variable->scalar) continue;
+    block.releaseEnd =
+        std::max(block.releaseEnd, variable->offset + static_cast<SlotOffset>(sizeof(Value)));
+  }
+  block.releaseEnd = std::max(block.releaseEnd, block.releaseOffset);
+}
+
+FramePlanner::Top FramePlanner::declare(LocalVariable& variable, Top top) {
+  if (variable.inEnvironment) {
+    variable.environmentIndex = variable.scope->environmentSize++;
+    return top;
+  }
+  variable.offset = offsetOf(top);
+  use(top + 1);
+  return top + 1;
+}
+
+FramePlanner::Top FramePlanner::planStatement(Stmt& statement, Top top) {
+  switch (statement.kind) {
+    case StmtKind::Expression:
+      planExpression(static_cast<ExpressionStmt&>(statement).expression, top);
+      return top;
+    case StmtKind::Assignment:
+      return planAssignment(static_cast<AssignmentStmt&>(statement), top);
+    case StmtKind::FunctionDeclaration:
+      return planFunctionDeclaration(static_cast<FunctionDeclarationStmt&>(statement), top);
+    case StmtKind::If:
+      planIf(static_cast<IfStmt&>(statement), top);
+      return top;
+    case StmtKind::While: {
+      auto& loop = static_cast<WhileStmt&>(statement);
+      planExpression(loop.condition, top);
+      planBlock(*loop.body, top);
+      return top;
+    }
+    case StmtKind::NumericFor:
+      planNumericFor(static_cast<NumericForStmt&>(statement), top);
+      return top;
+    case StmtKind::GenericFor:
+      planGenericFor(static_cast<GenericForStmt&>(statement), top);
+      return top;
+    case StmtKind::Return: {
+      auto& result = static_cast<ReturnStmt&>(statement);
+      result.temporariesOffset = offsetOf(top);
+      planList(result.values, top);
+      return top;
+    }
+    case StmtKind::Break:
+      return top;
+  }
+  return top;
+}
+
+FramePlanner::Top FramePlanner::planAssignment(AssignmentStmt& statement, Top top) {
+  statement.temporariesOffset = offsetOf(top);
+  planList(statement.values, top);
+  const Top afterValues = top + std::max(statement.values.size, statement.targets.size);
+  use(afterValues);
+  Top next = top;
+  for (AssignTarget& target : statement.targets) {
+    if (statement.isLocal) {
+      auto& name = static_cast<VariableExpr&>(*target.expression);
+      next = declare(*name.variable, next);
+      planVariable(name);
+    } else {
+      planTarget(*target.expression, afterValues);
+    }
+  }
+  return next;
+}
+
+FramePlanner::Top FramePlanner::planFunctionDeclaration(FunctionDeclarationStmt& statement,
+                                                        Top top) {
+  if (statement.isLocal)
+    top = declare(*static_cast<VariableExpr&>(*statement.target.expression).variable, top);
+  planTarget(*statement.target.expression, top);
+  planClosure(*statement.function);
+  return top;
+}
+
+// A field or index target uses up to three temporaries: the value while the target is evaluated,
+// the object, the key.
+void FramePlanner::planTarget(Expr& target, Top top) {
+  use(top + 3);
+  if (target.kind == ExprKind::Variable) {
+    planVariable(static_cast<VariableExpr&>(target));
+  } else if (target.kind == ExprKind::Field) {
+    auto& field = static_cast<FieldExpr&>(target);
+    planExpression(&field, top + 1);
+    field.temporariesOffset = offsetOf(top);
+  } else {
+    auto& index = static_cast<IndexExpr&>(target);
+    planExpression(index.object, top + 1);
+    planExpression(index.key, top + 2);
+    index.temporariesOffset = offsetOf(top);
+  }
+}
+
+void FramePlanner::planIf(IfStmt& statement, Top top) {
+  for (IfStmt::Branch& branch : statement.branches) {
+    planExpression(branch.condition, top);
+    planBlock(*branch.body, top);
+  }
+  if (statement.elseBody != nullptr) planBlock(*statement.elseBody, top);
+}
+
+void FramePlanner::planNumericFor(NumericForStmt& loop, Top top) {
+  planExpression(loop.start, top);
+  planExpression(loop.limit, top);
+  planExpression(loop.step, top);
+  loop.variableOffset = offsetOf(top);
+  planBlock(*loop.body, top);
+}
+
+void FramePlanner::planGenericFor(GenericForStmt& loop, Top top) {
+  loop.iteratorOffset = offsetOf(top);
+  planList(loop.iterators, top);
+  use(top + 1);
+  loop.firstNameOffset = offsetOf(top + 1);
+  planBlock(*loop.body, top + 1);
+}
+
+// ---- Expressions
+// ----------------------------------------------------------------------------------------------------
+
+// The values of a list stand in consecutive slots until all are there.
+void FramePlanner::planList(const ArenaList<Expr*>& expressions, Top top) {
+  use(top + expressions.size);
+  for (std::uint32_t i = 0; i < expressions.size; ++i) planExpression(expressions[i], top + i);
+}
+
+void FramePlanner::planExpression(Expr* expression, Top top) {
+  if (expression == nullptr) return;
+  use(top + 1);
+  switch (expression->kind) {
+    case ExprKind::Literal:
+      return;
+    case ExprKind::Variable:
+      return planVariable(static_cast<VariableExpr&>(*expression));
+    case ExprKind::Unary:
+      return planExpression(static_cast<UnaryExpr*>(expression)->operand, top);
+    case ExprKind::Binary: {
+      auto& binary = static_cast<BinaryExpr&>(*expression);
+      planExpression(binary.left, top);
+      return planExpression(binary.right, top);
+    }
+    case ExprKind::Concat: {
+      auto& concat = static_cast<ConcatExpr&>(*expression);
+      concat.temporariesOffset = offsetOf(top);
+      return planList(concat.operands, top);
+    }
+    case ExprKind::Table:
+      return planTable(static_cast<TableExpr&>(*expression), top);
+    case ExprKind::Field: {
+      auto& field = static_cast<FieldExpr&>(*expression);
+      field.temporariesOffset = offsetOf(top);
+      planExpression(field.object, top);
+      field.peekable = field.object->peekable;
+      return;
+    }
+    case ExprKind::Index: {
+      auto& index = static_cast<IndexExpr&>(*expression);
+      index.temporariesOffset = offsetOf(top);
+      planExpression(index.object, top);
+      planExpression(index.key, top + 1);
+      index.peekable = index.object->peekable && !index.key->containsCall;
+      return;
+    }
+    case ExprKind::Call:
+      return planCall(static_cast<CallExpr&>(*expression), top);
+    case ExprKind::Function:
+      return planClosure(static_cast<FunctionExpr&>(*expression));
+  }
+}
+
+void FramePlanner::planTable(TableExpr& table, Top top) {
+  table.temporariesOffset = offsetOf(top);
+  use(top + 2);
+  for (TableExpr::Field& field : table.fields) {
+    planExpression(field.key, top + 1);
+    planExpression(field.value, field.kind == TableExpr::FieldKind::Keyed ? top + 2 : top + 1);
+  }
+}
+
+void FramePlanner::planCall(CallExpr& call, Top top) {
+  call.frameOffset = offsetOf(top);
+  const Top firstArgument = call.object != nullptr ? top + 2 : top + 1;
+  // A receiver stands in its argument's slot before the method is looked up.
+  planExpression(call.object != nullptr ? call.object : call.callee,
+                 call.object != nullptr ? top + 1 : top);
+  use(firstArgument);
+  planList(call.arguments, firstArgument);
+}
+
+void FramePlanner::planVariable(VariableExpr& expression) {
+  expression.peekable = true;
+  const LocalVariable* const variable = expression.variable;
+  if (variable == nullptr) {
+    expression.home = VariableHome::Global;
+    return;
+  }
+  if (!variable->inEnvironment) {
+    expression.home = VariableHome::Frame;
+    expression.offset = variable->offset;
+    return;
+  }
+  expression.environmentIndex = variable->environmentIndex;
+  if (variable->scope->function == function_) {
+    expression.home = VariableHome::OwnEnvironment;
+    expression.offset = variable->scope->environmentOffset;
+    return;
+  }
+  expression.home = VariableHome::Captured;
+  for (const Scope* scope = function_->body->scope->parent; scope != variable->scope;
+       scope = scope->parent) {
+    if (scope->hasEnvironment) ++expression.hops;
+  }
+}
+
+// A closure captures the environment of the nearest scope around it that has one.
+void FramePlanner::planClosure(FunctionExpr& function) {
+  for (const Scope* scope = function.body->scope->parent; scope != nullptr; scope = scope->parent) {
+    if (!scope->hasEnvironment) continue;
+    function.capturesOwn = scope->function == function_;
+    function.captureOffset = scope->environmentOffset;
+    break;
+  }
+  planFunction(function);
+}
+
+}  // namespace internal
+
+}  // namespace tarvel::lua

@@ -1,0 +1,270 @@
+#include <string>
+
+#include "lua/evaluator/node_functions.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/value/native_object.h"
+#include "lua/value/table.h"
+
+// Reading `o.name` and `o[k]`: from tables inline, from strings and native objects through
+// indexValue.
+
+namespace tarvel::lua {
+
+using internal::describeValueType;
+using internal::failRuntime;
+using internal::NativeObject;
+using internal::StringObject;
+using internal::Table;
+using internal::TableKey;
+using internal::Value;
+
+// Strings have no fields of their own, only the methods that the global `string` has at this
+// moment.
+static Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned line) {
+  if (key.isString()) {
+    const Value library = interpreter.globals[interpreter.stringLibrarySlot];
+    if (library.isTable()) {
+      const Value method = library.table->getString(key.string);
+      if (!method.isNil()) return retain(method);
+    }
+  }
+  failRuntime(line, "string indexing only supports library methods");
+}
+
+void LuaVM::Impl::failIndex(const Value& object, unsigned line) {
+  failRuntime(line, std::string("attempt to index a ") + describeValueType(object) + " value");
+}
+
+Value LuaVM::Impl::indexValue(const Value& object, const Value& key, unsigned line) {
+  switch (object.tag) {
+    case internal::kTable: {
+      TableKey tableKey;
+      if (!tryMakeKeyFromValue(key, tableKey))
+        failRuntime(line, "table index must be a number, string, or boolean");
+      return retain(tableGetByKey(object.table, tableKey));
+    }
+    case internal::kString:
+      return stringMethod(*this, key, line);
+    case internal::kUserData:
+      if (!key.isString()) failRuntime(line, "userdata fields must be strings");
+      if (object.native->handle == nullptr) failRuntime(line, "native object handle is empty");
+      return nativeObjectField(*object.native, key.string);
+    default:
+      failIndex(object, line);
+  }
+}
+
+Value LuaVM::Impl::indexField(const Value& object, StringObject* name, std::uint32_t& hint,
+                              unsigned line) {
+  if (object.isTable()) return retain(object.table->getString(name, hint));
+  return indexValue(object, Value(name), line);
+}
+
+namespace internal {
+
+namespace {
+
+// ---- How the object of an access is reached. Only an owned one needs release.
+// -----------------------------------------
+
+template <class Access>
+struct FrameObject {
+  static constexpr bool kOwned = false;
+  static Value load(const Access* node, Value* base) noexcept {
+    return slotAt(base, node->objectOffset);
+  }
+};
+
+template <class Access>
+struct GlobalObject {
+  static constexpr bool kOwned = false;
+  static Value load(const Access* node, Value*) noexcept {
+    return *static_cast<const VariableExpr*>(node->object)->cell;
+  }
+};
+
+template <class Access>
+struct PeekedObject {
+  static constexpr bool kOwned = false;
+  static Value load(const Access* node, Value* base) {
+    return node->object->peek(node->object, base);
+  }
+};
+
+template <class Access>
+struct OwnedObject {
+  static constexpr bool kOwned = true;
+  static Value load(const Access* node, Value* base) {
+    return node->object->execute(node->object, base);
+  }
+};
+
+// A field that is peeked at on something that is no table is a fresh method or an error. The access
+// that peeks only wants to index it, which fails for every function alike, so a function that lives
+// long enough stands in for the method.
+Value borrowedStandIn(const Node* node, Value owned) {
+  const OwnedValue guard(owned);
+  return guard.get().isFunction() && guard.get().function->count == 1
+             ? node->interpreter->anyFunction.get()
+             : guard.get();
+}
+
+// ---- Fields
+// ---------------------------------------------------------------------------------------------------------
+
+template <bool ObjectOwned>
+[[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object) {
+  const OwnedValue guard(ObjectOwned ? object : Value());
+  return node->interpreter->indexField(object, node->name, node->hint, node->line);
+}
+
+template <class Object>
+Value readField(const Node* node, Value* base) {
+  const auto* const field = static_cast<const FieldExpr*>(node);
+  const Value object = Object::load(field, base);
+  if (object.tag == kTable && !Object::kOwned) [[likely]] {
+    return retain(object.table->getString(field->name, field->hint));
+  }
+  return readFieldOfOther<Object::kOwned>(field, object);
+}
+
+template <class Object>
+Value peekField(const Node* node, Value* base) {
+  const auto* const field = static_cast<const FieldExpr*>(node);
+  const Value object = Object::load(field, base);
+  if (object.tag == kTable) [[likely]]
+    return object.table->getString(field->name, field->hint);
+  return borrowedStandIn(node, readFieldOfOther<false>(field, object));
+}
+
+template <class Object>
+bool testField(const Node* node, Value* base) {
+  const auto* const field = static_cast<const FieldExpr*>(node);
+  const Value object = Object::load(field, base);
+  if (object.tag == kTable) [[likely]]
+    return object.table->getString(field->name, field->hint).isTruthy();
+  return borrowedStandIn(node, readFieldOfOther<false>(field, object)).isTruthy();
+}
+
+// ---- Indices
+// --------------------------------------------------------------------------------------------------------
+
+struct FrameKey {
+  static constexpr bool kOwned = false;
+  static Value load(const IndexExpr* node, Value* base) noexcept {
+    return slotAt(base, node->keyOffset);
+  }
+};
+
+struct OtherKey {
+  static constexpr bool kOwned = true;
+  static Value load(const IndexExpr* node, Value* base) {
+    return node->key->execute(node->key, base);
+  }
+};
+
+template <bool KeyOwned>
+[[gnu::noinline]] Value readIndexOfOther(const IndexExpr* node, Value object, Value key) {
+  const OwnedValue guard(KeyOwned ? key : Value());
+  return node->interpreter->indexValue(object, key, node->line);
+}
+
+bool isArrayElement(Value object, Value key) noexcept {
+  return object.tag == kTable && key.tag == kInteger &&
+         static_cast<std::uint64_t>(key.integer) - 1 < object.table->arraySize();
+}
+
+// The object is not owned, and cannot change or go while the key is evaluated.
+template <class Object, class Key>
+Value readIndex(const Node* node, Value* base) {
+  const auto* const index = static_cast<const IndexExpr*>(node);
+  const Value object = Object::load(index, base);
+  const Value key = Key::load(index, base);
+  if (isArrayElement(object, key)) [[likely]] {
+    return retain(object.table->element(static_cast<std::uint32_t>(key.integer - 1)));
+  }
+  return readIndexOfOther<Key::kOwned>(index, object, key);
+}
+
+template <class Object, class Key>
+Value peekIndex(const Node* node, Value* base) {
+  const auto* const index = static_cast<const IndexExpr*>(node);
+  const Value object = Object::load(index, base);
+  const Value key = Key::load(index, base);
+  if (isArrayElement(object, key)) [[likely]] {
+    return object.table->element(static_cast<std::uint32_t>(key.integer - 1));
+  }
+  if (object.tag == kTable) {
+    const OwnedValue guard(Key::kOwned ? key : Value());
+    TableKey tableKey;
+    if (tryMakeKeyFromValue(key, tableKey)) return object.table->get(tableKey);
+  }
+  return borrowedStandIn(node, readIndexOfOther<Key::kOwned>(index, object, key));
+}
+
+// The object must be kept while the key runs: in a slot, where an error finds it.
+Value readIndexKeepingObject(const Node* node, Value* base) {
+  const auto* const index = static_cast<const IndexExpr*>(node);
+  Value& objectSlot = slotAt(base, index->temporariesOffset);
+  objectSlot = index->object->execute(index->object, base);
+  const Value key = index->key->execute(index->key, base);
+  const Value result = readIndexOfOther<true>(index, objectSlot, key);
+  clearSlot(objectSlot);
+  return result;
+}
+
+template <class Object>
+void chooseKey(IndexExpr& index) {
+  if (isFrameVariable(*index.key)) {
+    index.keyOffset = frameOffsetOf(*index.key);
+    index.execute = readIndex<Object, FrameKey>;
+    index.peek = peekIndex<Object, FrameKey>;
+  } else {
+    index.execute = readIndex<Object, OtherKey>;
+    index.peek = peekIndex<Object, OtherKey>;
+  }
+}
+
+template <class Object>
+void chooseFieldObject(FieldExpr& field) {
+  field.execute = readField<Object>;
+  field.peek = peekField<Object>;
+  field.test = testField<Object>;
+}
+
+bool isGlobalVariable(const Expr& expression) noexcept {
+  return expression.kind == ExprKind::Variable &&
+         static_cast<const VariableExpr&>(expression).home == VariableHome::Global;
+}
+
+}  // namespace
+
+void chooseField(FieldExpr& field) {
+  if (isFrameVariable(*field.object)) {
+    field.objectOffset = frameOffsetOf(*field.object);
+    chooseFieldObject<FrameObject<FieldExpr>>(field);
+  } else if (isGlobalVariable(*field.object)) {
+    chooseFieldObject<GlobalObject<FieldExpr>>(field);
+  } else if (field.object->peekable) {
+    chooseFieldObject<PeekedObject<FieldExpr>>(field);
+  } else {
+    field.execute = readField<OwnedObject<FieldExpr>>;
+    field.test = testValue;
+  }
+}
+
+void chooseIndex(IndexExpr& index) {
+  index.test = testValue;
+  if (isFrameVariable(*index.object)) {
+    index.objectOffset = frameOffsetOf(*index.object);
+    chooseKey<FrameObject<IndexExpr>>(index);
+  } else if (index.peekable) {
+    chooseKey<PeekedObject<IndexExpr>>(index);
+  } else {
+    index.execute = readIndexKeepingObject;
+  }
+}
+
+}  // namespace internal
+
+}  // namespace tarvel::lua

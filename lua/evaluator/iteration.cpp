@@ -1,0 +1,43 @@
+#include "lua/evaluator/iteration.h"
+
+#include <algorithm>
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// The table is read as it is now; the number of items was fixed when the iterator was made.
+bool nextOfTable(IteratorState& state, Value* slots, std::uint32_t count) noexcept {
+  if (state.position >= state.limit) return false;
+  const auto index = static_cast<std::int64_t>(++state.position);
+  slots[0] = Value(index);
+  if (count > 1) slots[1] = retain(state.table->getInteger(index));
+  for (std::uint32_t i = 2; i < count; ++i) slots[i] = Value();
+  return true;
+}
+
+}  // namespace
+
+bool nextIteratorItem(IteratorState& state, Value* slots, std::uint32_t count) noexcept {
+  if (state.kind == IteratorState::Kind::Ipairs) return nextOfTable(state, slots, count);
+  if (state.position >= state.values.size()) return false;
+  const Value* const item = &state.values[state.position];
+  state.position += state.itemSize;
+  const std::uint32_t given = std::min(count, state.itemSize);
+  for (std::uint32_t i = 0; i < given; ++i) slots[i] = retain(item[i]);
+  for (std::uint32_t i = given; i < count; ++i) slots[i] = Value();
+  return true;
+}
+
+bool nextIteratorItem(IteratorState* state, MultiValue& out) {
+  if (state == nullptr) return false;
+  const std::uint32_t count = state->kind == IteratorState::Kind::Ipairs ? 2 : state->itemSize;
+  std::vector<Value> item(count);
+  if (!nextIteratorItem(*state, item.data(), count)) return false;
+  MultiValue values;
+  for (const Value& value : item) values.push(value);
+  out = std::move(values);
+  return true;
+}
+
+}  // namespace tarvel::lua::internal

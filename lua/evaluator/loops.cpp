@@ -1,0 +1,142 @@
+#include <cstdint>
+
+#include "lua/evaluator/iteration.h"
+#include "lua/evaluator/node_functions.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/value/completion.h"
+
+// `while` and both kinds of `for`. The body's block releases the iteration's locals; the loop only
+// looks at how the body ended.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+Value executeWhile(const Node* node, Value* base) {
+  const auto* const loop = static_cast<const WhileStmt*>(node);
+  const Expr* const condition = loop->condition;
+  const Node* const body = loop->bodyNode;
+  while (condition->test(condition, base)) {
+    const Value completion = body->execute(body, base);
+    if (isNormal(completion)) [[likely]]
+      continue;
+    return BreakSignal::is(completion) ? normalCompletion() : completion;
+  }
+  return normalCompletion();
+}
+
+// ---- Numeric for
+// ----------------------------------------------------------------------------------------------------
+
+// The loop's control value is separate from its variable: assigning the variable does not change
+// the iteration.
+Value iterateIntegers(const NumericForStmt* loop, Value* base, std::int64_t start,
+                      std::int64_t limit, std::int64_t step) {
+  if (step > 0 ? start > limit : start < limit) return normalCompletion();
+  // The number of further iterations, which also ends a loop whose next step would overflow.
+  const std::uint64_t distance =
+      step > 0 ? static_cast<std::uint64_t>(limit) - static_cast<std::uint64_t>(start)
+               : static_cast<std::uint64_t>(start) - static_cast<std::uint64_t>(limit);
+  const std::uint64_t magnitude =
+      step > 0 ? static_cast<std::uint64_t>(step) : -static_cast<std::uint64_t>(step);
+  std::uint64_t remaining = distance / magnitude;
+  const Node* const body = loop->bodyNode;
+  Value& variable = slotAt(base, loop->variableOffset);
+  auto control = static_cast<std::uint64_t>(start);
+  for (;; --remaining, control += static_cast<std::uint64_t>(step)) {
+    variable = Value(static_cast<std::int64_t>(control));
+    const Value completion = body->execute(body, base);
+    if (!isNormal(completion)) [[unlikely]]
+      return BreakSignal::is(completion) ? normalCompletion() : completion;
+    if (remaining == 0) return normalCompletion();
+  }
+}
+
+// The step is added each time; multiplying would round differently.
+Value iterateFloats(const NumericForStmt* loop, Value* base, double start, double limit,
+                    double step) {
+  const Node* const body = loop->bodyNode;
+  Value& variable = slotAt(base, loop->variableOffset);
+  for (double control = start; step > 0 ? control <= limit : control >= limit; control += step) {
+    variable = Value(control);
+    const Value completion = body->execute(body, base);
+    if (!isNormal(completion)) [[unlikely]]
+      return BreakSignal::is(completion) ? normalCompletion() : completion;
+  }
+  return normalCompletion();
+}
+
+struct Range {
+  Value start;
+  Value limit;
+  Value step;
+};
+
+[[gnu::noinline]] Range evaluateRange(const NumericForStmt* loop, Value* base) {
+  const OwnedValue start(loop->start->execute(loop->start, base));
+  const OwnedValue limit(loop->limit->execute(loop->limit, base));
+  const OwnedValue step(loop->step != nullptr ? loop->step->execute(loop->step, base)
+                                              : Value(std::int64_t{1}));
+  if (!start.get().isNumber() || !limit.get().isNumber() || !step.get().isNumber()) {
+    failRuntime(loop->line, "numeric for loop expects numeric bounds");
+  }
+  if (step.get().asFloat() == 0.0) failRuntime(loop->line, "numeric for step cannot be zero");
+  return {start.get(), limit.get(), step.get()};
+}
+
+Value executeNumericFor(const Node* node, Value* base) {
+  const auto* const loop = static_cast<const NumericForStmt*>(node);
+  const Range range = evaluateRange(loop, base);
+  if (range.start.isInteger() && range.limit.isInteger() && range.step.isInteger()) {
+    return iterateIntegers(loop, base, range.start.integer, range.limit.integer,
+                           range.step.integer);
+  }
+  return iterateFloats(loop, base, range.start.asFloat(), range.limit.asFloat(),
+                       range.step.asFloat());
+}
+
+// ---- Generic for
+// ----------------------------------------------------------------------------------------------------
+
+// Evaluates the expression list into consecutive slots and keeps the first value.
+[[gnu::noinline]] void evaluateIterator(const GenericForStmt* loop, Value* slots, Value* base) {
+  const ArenaList<Expr*>& iterators = loop->iterators;
+  for (std::uint32_t i = 0; i < iterators.size; ++i)
+    slots[i] = iterators[i]->execute(iterators[i], base);
+  clearSlots(slots + 1, slots + iterators.size);
+  // Iterator functions are not supported; this is meant.
+  if (slots[0].tag != kIterator) failRuntime(loop->line, "generic for loop expects an iterator");
+}
+
+Value executeGenericFor(const Node* node, Value* base) {
+  const auto* const loop = static_cast<const GenericForStmt*>(node);
+  Value& iterator = slotAt(base, loop->iteratorOffset);
+  evaluateIterator(loop, &iterator, base);
+  Value* const names = &slotAt(base, loop->firstNameOffset);
+  const Node* const body = loop->bodyNode;
+  Value completion = normalCompletion();
+  while (isNormal(completion) && nextIteratorItem(*iterator.iterator, names, loop->names.size)) {
+    completion = body->execute(body, base);
+  }
+  clearSlot(iterator);
+  return BreakSignal::is(completion) ? normalCompletion() : completion;
+}
+
+}  // namespace
+
+void chooseWhile(WhileStmt& loop) {
+  loop.bodyNode = bodyNodeOf(*loop.body);
+  loop.execute = executeWhile;
+}
+
+void chooseNumericFor(NumericForStmt& loop) {
+  loop.bodyNode = bodyNodeOf(*loop.body);
+  loop.execute = executeNumericFor;
+}
+
+void chooseGenericFor(GenericForStmt& loop) {
+  loop.bodyNode = bodyNodeOf(*loop.body);
+  loop.execute = executeGenericFor;
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "lua/frontend/syntax_tree.h"
+
+// Which function executes which node. Each chooser looks at the shapes of a node's operands (a
+// frame variable, a literal, anything else) and stores the function made for them; it is called
+// after those of the node's children. The functions themselves are local to the chooser's file.
+
+namespace tarvel::lua::internal {
+
+// expressions.cpp
+void chooseLiteral(LiteralExpr& literal);
+void chooseUnary(UnaryExpr& unary);
+void chooseLogic(BinaryExpr& logic);  // `and`, `or`
+void chooseConcat(ConcatExpr& concat);
+void chooseTable(TableExpr& table);
+void chooseFunction(FunctionExpr& function);
+
+// variables.cpp
+void chooseVariable(VariableExpr& variable);
+
+// arithmetic.cpp
+void chooseArithmetic(BinaryExpr& arithmetic);
+
+// comparisons.cpp
+void chooseComparison(BinaryExpr& comparison);
+void chooseIf(IfStmt& statement);
+
+// indexing.cpp
+void chooseField(FieldExpr& field);
+void chooseIndex(IndexExpr& index);
+
+// calls.cpp
+void chooseCall(CallExpr& call);
+void chooseCallStatement(ExpressionStmt& statement);
+
+// assignments.cpp
+void chooseAssignment(AssignmentStmt& statement);
+void chooseFunctionDeclaration(FunctionDeclarationStmt& statement);
+
+// statements.cpp
+void chooseBlock(Block& block, Arena& arena);
+void chooseReturn(ReturnStmt& statement);
+void chooseBreak(BreakStmt& statement);
+
+// loops.cpp
+void chooseWhile(WhileStmt& loop);
+void chooseNumericFor(NumericForStmt& loop);
+void chooseGenericFor(GenericForStmt& loop);
+
+// The truth of an expression that has no shorter way to it.
+bool testValue(const Node* node, Value* base);
+
+// What to execute for a body: the block, or its only statement where the block itself has nothing
+// to do.
+const Node* bodyNodeOf(const Block& block) noexcept;
+
+// What to execute for a returned expression: the value, or all values of a call.
+inline bool isFrameVariable(const Expr& expression) noexcept {
+  return expression.kind == ExprKind::Variable &&
+         static_cast<const VariableExpr&>(expression).home == VariableHome::Frame;
+}
+inline SlotOffset frameOffsetOf(const Expr& expression) noexcept {
+  return static_cast<const VariableExpr&>(expression).offset;
+}
+inline bool isLiteral(const Expr& expression) noexcept {
+  return expression.kind == ExprKind::Literal;
+}
+inline Value literalValue(const Expr& expression) noexcept {
+  return static_cast<const LiteralExpr&>(expression).value;
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "lua/evaluator/node_functions.h"
+#include "lua/frontend/syntax_tree.h"
+#include "lua/value/value.h"
+
+// Operand policies: how the functions of binary operators get at an operand. A frame variable and a
+// literal are borrowed and can be read at any time, also after the other operand has run, because
+// no callee can change them. Any other operand is evaluated in its turn and owned.
+
+namespace tarvel::lua::internal {
+
+struct LeftFrame {
+  static constexpr bool kOwned = false;
+  static Value load(const BinaryExpr* node, Value* base) noexcept {
+    return slotAt(base, node->leftOffset);
+  }
+};
+
+struct RightFrame {
+  static constexpr bool kOwned = false;
+  static Value load(const BinaryExpr* node, Value* base) noexcept {
+    return slotAt(base, node->rightOffset);
+  }
+};
+
+struct Constant {
+  static constexpr bool kOwned = false;
+  static Value load(const BinaryExpr* node, Value*) noexcept { return node->constant; }
+};
+
+struct LeftOther {
+  static constexpr bool kOwned = true;
+  static Value load(const BinaryExpr* node, Value* base) {
+    return node->left->execute(node->left, base);
+  }
+};
+
+struct RightOther {
+  static constexpr bool kOwned = true;
+  static Value load(const BinaryExpr* node, Value* base) {
+    return node->right->execute(node->right, base);
+  }
+};
+
+// Evaluates both operands and passes them to `Use::apply(node, left, right)`, which neither keeps
+// nor drops them, or, where an operand may own something, to `Use::applyOwned`, which drops what is
+// owned also when it raises an error.
+template <class Use, class Left, class Right>
+inline typename Use::Result withOperands(const BinaryExpr* node, Value* base) {
+  if constexpr (!Left::kOwned) {
+    const Value right = Right::load(node, base);
+    return Use::template apply<Left::kOwned, Right::kOwned>(node, Left::load(node, base), right);
+  } else {
+    const Value left = Left::load(node, base);
+    if constexpr (Right::kOwned) {
+      // Evaluating the right operand may raise an error, which must not lose the left one.
+      if (left.isCounted()) [[unlikely]]
+        return Use::rightAfterCounted(node, left, base);
+    }
+    return Use::template apply<Left::kOwned, Right::kOwned>(node, left, Right::load(node, base));
+  }
+}
+
+// Notes the operands' places in the node and returns the entry for their shapes from a table of the
+// functions for {frame, constant, other} x {frame, constant, other}.
+struct OperandShapes {
+  int left;  // 0 frame, 1 constant, 2 other
+  int right;
+};
+inline int operandShape(const Expr& operand) noexcept {
+  return isFrameVariable(operand) ? 0 : isLiteral(operand) ? 1 : 2;
+}
+
+inline OperandShapes noteOperands(BinaryExpr& node) noexcept {
+  OperandShapes shapes{operandShape(*node.left), operandShape(*node.right)};
+  // Only one constant fits into a node; two literal operands are rare.
+  if (shapes.left == 1 && shapes.right == 1) shapes.left = 2;
+  if (shapes.left == 0) node.leftOffset = frameOffsetOf(*node.left);
+  if (shapes.right == 0) node.rightOffset = frameOffsetOf(*node.right);
+  if (shapes.left == 1) node.constant = literalValue(*node.left);
+  if (shapes.right == 1) node.constant = literalValue(*node.right);
+  return shapes;
+}
+
+template <template <class, class> class Function, class Pointer>
+Pointer chooseByShapes(OperandShapes shapes) noexcept {
+  static constexpr Pointer kFunctions[3][3] = {
+      {Function<LeftFrame, RightFrame>::run, Function<LeftFrame, Constant>::run,
+       Function<LeftFrame, RightOther>::run},
+      {Function<Constant, RightFrame>::run, nullptr, Function<Constant, RightOther>::run},
+      {Function<LeftOther, RightFrame>::run, Function<LeftOther, Constant>::run,
+       Function<LeftOther, RightOther>::run},
+  };
+  return kFunctions[shapes.left][shapes.right];
+}
+
+}  // namespace tarvel::lua::internal

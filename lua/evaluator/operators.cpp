@@ -1,0 +1,149 @@
+#include "lua/evaluator/operators.h"
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "lua/value/errors.h"
+#include "lua/value/table.h"
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+const char* operatorText(TokenKind op) {
+  switch (op) {
+    case TokenKind::Plus:
+      return "+";
+    case TokenKind::Minus:
+      return "-";
+    case TokenKind::Star:
+      return "*";
+    case TokenKind::Slash:
+      return "/";
+    default:
+      return "%";
+  }
+}
+
+template <class T>
+bool ordered(TokenKind op, T left, T right) {
+  switch (op) {
+    case TokenKind::Less:
+      return left < right;
+    case TokenKind::LessEqual:
+      return left <= right;
+    case TokenKind::Greater:
+      return left > right;
+    default:
+      return left >= right;
+  }
+}
+
+}  // namespace
+
+Value addNumbers(const Value& left, const Value& right) {
+  std::int64_t sum = 0;
+  if (left.isInteger() && right.isInteger() &&
+      !__builtin_add_overflow(left.integer, right.integer, &sum)) {
+    return Value(sum);
+  }
+  return normalizeWhole(left.asFloat() + right.asFloat());
+}
+
+Value subtractNumbers(const Value& left, const Value& right) {
+  std::int64_t difference = 0;
+  if (left.isInteger() && right.isInteger() &&
+      !__builtin_sub_overflow(left.integer, right.integer, &difference)) {
+    return Value(difference);
+  }
+  return normalizeWhole(left.asFloat() - right.asFloat());
+}
+
+Value multiplyNumbers(const Value& left, const Value& right) {
+  std::int64_t product = 0;
+  if (left.isInteger() && right.isInteger() &&
+      !__builtin_mul_overflow(left.integer, right.integer, &product)) {
+    return Value(product);
+  }
+  return normalizeWhole(left.asFloat() * right.asFloat());
+}
+
+Value moduloNumbers(const Value& left, const Value& right) {
+  if (left.isInteger() && right.isInteger()) {
+    // The processor traps on the most negative integer divided by -1.
+    return Value(right.integer == -1 ? std::int64_t{0} : left.integer % right.integer);
+  }
+  return normalizeWhole(std::fmod(left.asFloat(), right.asFloat()));
+}
+
+bool valuesEqual(const Value& left, const Value& right) noexcept {
+  if (left.tag == right.tag) {
+    switch (left.tag) {
+      case kNil:
+      case kFalse:
+      case kTrue:
+        return true;
+      case kInteger:
+        return left.integer == right.integer;
+      case kFloat:
+        return left.number == right.number;
+      case kString:
+        return stringsEqual(left.string, right.string);
+      default:
+        return left.object == right.object;
+    }
+  }
+  if (left.isInteger() && right.isFloat()) {
+    return std::fabs(static_cast<double>(left.integer) - right.number) <= kNumberEpsilon;
+  }
+  if (left.isFloat() && right.isInteger()) {
+    return std::fabs(left.number - static_cast<double>(right.integer)) <= kNumberEpsilon;
+  }
+  return false;
+}
+
+bool compareValues(const Value& left, const Value& right, TokenKind op, unsigned line) {
+  if (left.isInteger() && right.isInteger()) return ordered(op, left.integer, right.integer);
+  if (left.isNumber() && right.isNumber()) return ordered(op, left.asFloat(), right.asFloat());
+  if (left.isString() && right.isString())
+    return ordered(op, compareStrings(left.string, right.string), 0);
+  failRuntime(line, "ordered comparisons require matching numbers or strings");
+}
+
+Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, unsigned line) {
+  if (!left.isNumber() || !right.isNumber()) {
+    failRuntime(line, std::string("operator '") + operatorText(op) + "' expects numbers");
+  }
+  switch (op) {
+    case TokenKind::Plus:
+      return addNumbers(left, right);
+    case TokenKind::Minus:
+      return subtractNumbers(left, right);
+    case TokenKind::Star:
+      return multiplyNumbers(left, right);
+    case TokenKind::Slash:
+      // A divisor within the epsilon counts as zero; this is meant.
+      if (isZeroDivisor(right.asFloat())) failRuntime(line, "division by zero");
+      return divideNumbers(left, right);
+    default:
+      if (isZeroDivisor(right.asFloat())) failRuntime(line, "modulo by zero");
+      return moduloNumbers(left, right);
+  }
+}
+
+Value negateValue(const Value& operand, unsigned line) {
+  if (operand.isInteger() && operand.integer != std::numeric_limits<std::int64_t>::min()) {
+    return Value(-operand.integer);
+  }
+  if (!operand.isNumber()) failRuntime(line, "unary '-' expects a number");
+  return normalizeWhole(-operand.asFloat());
+}
+
+Value lengthOf(const Value& operand, unsigned line) {
+  if (operand.isTable()) return Value(operand.table->length());
+  if (operand.isString()) return Value(static_cast<std::int64_t>(operand.string->length));
+  failRuntime(line, "length operator expects a string or table");
+}
+
+}  // namespace tarvel::lua::internal

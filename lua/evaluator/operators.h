@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+
+#include "lua/frontend/token.h"
+#include "lua/value/number_rules.h"
+#include "lua/value/string_object.h"
+#include "lua/value/value.h"
+
+// The operators' rules, told once. The evaluator's nodes try the common operand types inline and
+// come here for the rest.
+
+namespace tarvel::lua::internal {
+
+// Both operands are numbers. Integers stay integers while the result fits; otherwise floats,
+// normalised. A sum beyond the 64-bit range therefore saturates: 9223372036854775807 + 1 is
+// 9223372036854775807.
+Value addNumbers(const Value& left, const Value& right);
+Value subtractNumbers(const Value& left, const Value& right);
+Value multiplyNumbers(const Value& left, const Value& right);
+
+// Both operands are numbers, the divisor is not zero. The remainder truncates: its sign is the
+// dividend's, as in -7 % 3 == -1. This is the dialect's rule.
+Value moduloNumbers(const Value& left, const Value& right);
+
+// Both operands are numbers, the divisor is not zero. Always a float: division is never normalised.
+inline Value divideNumbers(const Value& left, const Value& right) {
+  return Value(left.asFloat() / right.asFloat());
+}
+
+// An integer and a float are equal within the epsilon, two floats only exactly; the asymmetry is
+// meant.
+bool valuesEqual(const Value& left, const Value& right) noexcept;
+
+// An ordering operator on two numbers or two strings. Any other pair raises "ordered comparisons
+// require matching numbers or strings" at `line`.
+bool compareValues(const Value& left, const Value& right, TokenKind op, unsigned line);
+
+// An arithmetic operator on any two values, with its checks and errors.
+Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, unsigned line);
+
+// Unary minus. The most negative integer saturates to the largest.
+Value negateValue(const Value& operand, unsigned line);
+
+// The operator `#`.
+Value lengthOf(const Value& operand, unsigned line);
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,199 @@
+#include <vector>
+
+#include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/variables.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/value/completion.h"
+#include "lua/value/environment.h"
+
+// Blocks, `return` and `break`. A block runs its statements until one does not end normally, and
+// releases its locals on every way out; only an error leaves them to the sweep of the value stack.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// ---- Statement lists
+// ------------------------------------------------------------------------------------------------
+
+Value runNothing(const Node*, Value*) { return normalCompletion(); }
+
+Value runOne(const Node* node, Value* base) {
+  const Node* const only = static_cast<const Block*>(node)->nodes[0];
+  return only->execute(only, base);
+}
+
+Value runTwo(const Node* node, Value* base) {
+  const auto* const block = static_cast<const Block*>(node);
+  const Node* const first = block->nodes[0];
+  const Value completion = first->execute(first, base);
+  if (!isNormal(completion)) return completion;
+  const Node* const second = block->nodes[1];
+  return second->execute(second, base);
+}
+
+Value runThree(const Node* node, Value* base) {
+  const auto* const block = static_cast<const Block*>(node);
+  const Node* const first = block->nodes[0];
+  Value completion = first->execute(first, base);
+  if (!isNormal(completion)) return completion;
+  const Node* const second = block->nodes[1];
+  completion = second->execute(second, base);
+  if (!isNormal(completion)) return completion;
+  const Node* const third = block->nodes[2];
+  return third->execute(third, base);
+}
+
+Value runAll(const Node* node, Value* base) {
+  for (const Node* statement : static_cast<const Block*>(node)->nodes) {
+    const Value completion = statement->execute(statement, base);
+    if (!isNormal(completion)) return completion;
+  }
+  return normalCompletion();
+}
+
+using StatementRunner = Value (*)(const Node*, Value*);
+
+StatementRunner runnerFor(std::uint32_t count) noexcept {
+  static constexpr StatementRunner kRunners[] = {runNothing, runOne, runTwo, runThree};
+  return count < 4 ? kRunners[count] : runAll;
+}
+
+// ---- Blocks that own something
+// --------------------------------------------------------------------------------------
+
+// Values on their way out stand above the live locals, perhaps in slots of locals that were not yet
+// declared.
+void releaseLocals(const Block* block, Value* base, Value completion) noexcept {
+  Value* end = &slotAt(base, block->releaseEnd);
+  if (ReturnSignal::isSeveral(completion) && completion.values < end) end = completion.values;
+  clearSlots(&slotAt(base, block->releaseOffset), end);
+}
+
+Value runReleasing(const Node* node, Value* base) {
+  const auto* const block = static_cast<const Block*>(node);
+  const Value completion = runAll(node, base);
+  releaseLocals(block, base, completion);
+  return completion;
+}
+
+// Makes the scope's environment and moves into it what arrived in the frame: parameters and loop
+// variables.
+void openEnvironment(const Block* block, Value* base) {
+  const Scope* const scope = block->scope;
+  Environment* enclosing = runningFunction(base)->environment;
+  for (const Scope* outer = scope->parent; outer != nullptr && outer->function == scope->function;
+       outer = outer->parent) {
+    if (!outer->hasEnvironment) continue;
+    enclosing = slotAt(base, outer->environmentOffset).environment;
+    break;
+  }
+  Environment* const environment =
+      Environment::create(block->interpreter->heap, scope->environmentSize, enclosing);
+  for (std::uint32_t i = 0; i < scope->arriving; ++i) {
+    const LocalVariable& variable = *scope->variables[i];
+    if (!variable.inEnvironment) continue;
+    Value& arrived = slotAt(base, variable.offset);
+    environment->slots()[variable.environmentIndex] = arrived;
+    arrived = Value();
+  }
+  slotAt(base, scope->environmentOffset) = Value(environment);
+}
+
+Value runInEnvironment(const Node* node, Value* base) {
+  openEnvironment(static_cast<const Block*>(node), base);
+  return runReleasing(node, base);
+}
+
+// A function's own block leaves the release to the call, which has to visit the parameters anyway.
+Value runFunctionInEnvironment(const Node* node, Value* base) {
+  openEnvironment(static_cast<const Block*>(node), base);
+  return runAll(node, base);
+}
+
+bool isFunctionBody(const Block& block) noexcept { return block.scope->function->body == &block; }
+
+// ---- return, break
+// --------------------------------------------------------------------------------------------------
+
+const ReturnStmt* asReturn(const Node* node) noexcept {
+  return static_cast<const ReturnStmt*>(node);
+}
+
+Value returnNothing(const Node*, Value*) { return ReturnSignal::noValues(); }
+
+Value returnValue(const Node* node, Value* base) {
+  const Expr* const value = asReturn(node)->values[0];
+  return value->execute(value, base);
+}
+
+// All values of a call. A call that ends without `return` has none.
+Value returnCall(const Node* node, Value* base) {
+  const auto* const call = static_cast<const CallExpr*>(asReturn(node)->values[0]);
+  return call->executeMulti(call, base);
+}
+
+Value returnSeveral(const Node* node, Value* base) {
+  const ReturnStmt* const statement = asReturn(node);
+  Value* const slots = &slotAt(base, statement->temporariesOffset);
+  std::uint32_t count = 0;
+  for (; count + 1 < statement->values.size; ++count) {
+    slots[count] = statement->values[count]->execute(statement->values[count], base);
+  }
+  const Expr* const last = statement->values[count];
+  const Value result = last->kind == ExprKind::Call
+                           ? static_cast<const CallExpr*>(last)->executeMulti(last, base)
+                           : last->execute(last, base);
+  if (isSingleValue(result)) {
+    slots[count++] = result;
+  } else if (ReturnSignal::isSeveral(result)) {
+    count +=
+        ReturnSignal::count(result);  // they stand where the call's frame started, which is here
+  }
+  return ReturnSignal::severalValues(slots, count);
+}
+
+Value executeBreak(const Node*, Value*) { return BreakSignal::completion(); }
+
+}  // namespace
+
+const Node* bodyNodeOf(const Block& block) noexcept {
+  return block.execute == runOne ? block.nodes[0] : &block;
+}
+
+void chooseBlock(Block& block, Arena& arena) {
+  std::vector<const Node*> nodes;
+  for (const Stmt* statement : block.statements) {
+    // `return e` is its expression: an owned value is the completion that returns it.
+    const auto* const result =
+        statement->kind == StmtKind::Return ? static_cast<const ReturnStmt*>(statement) : nullptr;
+    const bool isExpression = result != nullptr && result->execute == returnValue;
+    nodes.push_back(isExpression ? static_cast<const Node*>(result->values[0]) : statement);
+    // What follows a `return` or `break` in its block never runs.
+    if (result != nullptr || statement->kind == StmtKind::Break) break;
+  }
+  block.nodes = arena.list(nodes);
+  const bool owns = block.releaseEnd > block.releaseOffset;
+  if (isFunctionBody(block)) {
+    block.execute =
+        block.scope->hasEnvironment ? runFunctionInEnvironment : runnerFor(block.nodes.size);
+  } else if (block.scope->hasEnvironment) {
+    block.execute = runInEnvironment;
+  } else {
+    block.execute = owns ? runReleasing : runnerFor(block.nodes.size);
+  }
+}
+
+void chooseReturn(ReturnStmt& statement) {
+  if (statement.values.empty()) {
+    statement.execute = returnNothing;
+  } else if (statement.values.size > 1) {
+    statement.execute = returnSeveral;
+  } else {
+    statement.execute = statement.values[0]->kind == ExprKind::Call ? returnCall : returnValue;
+  }
+}
+
+void chooseBreak(BreakStmt& statement) { statement.execute = executeBreak; }
+
+}  // namespace tarvel::lua::internal
