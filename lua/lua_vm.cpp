@@ -1,0 +1,147 @@
+#include <tarvel/lua/lua_vm.h>
+
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "lua/frontend/syntax_tree.h"
+#include "lua/lua_vm_impl.h"
+
+namespace tarvel::lua {
+
+using internal::ChunkReference;
+using internal::ExitSignal;
+using internal::MultiValue;
+using internal::OwnedValue;
+using internal::ProtectedRuntimeError;
+using internal::RuntimeError;
+using internal::Table;
+using internal::ValueStack;
+
+LuaVM::LuaVM() : impl_(std::make_unique<Impl>(*this)) {}
+
+LuaVM::~LuaVM() = default;
+
+void LuaVM::setGlobal(const std::string& name, const LuaValue& value) {
+  impl_->setGlobalValue(name, impl_->publicToValue(value));
+}
+
+void LuaVM::bindFunction(const std::string& name, HostFunction function) {
+  impl_->bindFunction(name, std::move(function));
+}
+
+LuaResult LuaVM::runScriptString(const std::string& source, const std::string& chunkName) {
+  return impl_->run(source, chunkName);
+}
+
+// ---- The interpreter behind it
+// --------------------------------------------------------------------------------------
+
+LuaVM::Impl::Impl(LuaVM& ownerVm) : owner(ownerVm), heap(heapOwner.get()), strings(heap) {
+  anyFunction = OwnedValue(makeNative("", {}));
+  stringLibrarySlot = 0;
+  bindDefaults();
+  stringLibrarySlot = resolveGlobalSlot("string");
+}
+
+// The globals go from the last slot to the first.
+LuaVM::Impl::~Impl() {
+  while (!globals.empty()) {
+    internal::clearSlot(globals.back());
+    globals.pop_back();
+  }
+}
+
+LuaVM::Impl::Value LuaVM::Impl::makeString(std::string_view bytes) {
+  return Value(internal::StringObject::create(heap, bytes));
+}
+
+LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,
+                                           internal::NativeFunction function) {
+  return Value(
+      internal::FunctionObject::createNative(heap, strings.intern(name), std::move(function)));
+}
+
+namespace {
+
+// What a run leaves the interpreter with, however it ends: the stack as it was, nothing on it.
+class RunScope {
+ public:
+  explicit RunScope(ValueStack& stack) : stack_(stack), mark_(stack.mark()) {
+    stack_.enterThread();
+  }
+  ~RunScope() { stack_.unwindTo(mark_); }
+  RunScope(const RunScope&) = delete;
+  RunScope& operator=(const RunScope&) = delete;
+
+ private:
+  ValueStack& stack_;
+  ValueStack::Mark mark_;
+};
+
+}  // namespace
+
+LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
+  const RunScope scope(stack);
+  exitRequested = false;
+  try {
+    MultiValue results;
+    {
+      const ChunkReference chunk = parseScript(source, chunkName);
+      results = runChunk(*chunk);
+    }
+    return makeSuccess(results);
+  } catch (const ExitSignal& exit) {
+    exitRequested = true;
+    exitCode = exit.code;
+    return makeSuccess(MultiValue(Value(static_cast<std::int64_t>(exit.code))));
+  } catch (const ProtectedRuntimeError& error) {
+    return makeFailure(error, chunkName);
+  } catch (const std::exception& error) {
+    return makeFailure(error, chunkName);
+  }
+}
+
+LuaResult LuaVM::Impl::makeSuccess(const MultiValue& results) const {
+  LuaResult result;
+  if (results.size() == 1) {
+    result.value = valueToPublic(results[0]);
+  } else if (results.size() > 1) {
+    const OwnedValue list(Value(Table::create(heap, static_cast<std::uint32_t>(results.size()))));
+    std::int64_t key = 0;
+    for (const Value& value : results.span()) list.get().table->setInteger(++key, retain(value));
+    result.value = valueToPublic(list.get());
+  }
+  result.ok = true;
+  result.exitRequested = exitRequested;
+  result.exitCode = exitRequested ? exitCode : 0;
+  return result;
+}
+
+namespace {
+
+std::string located(const std::string& chunkName, unsigned line, const std::string& message) {
+  return chunkName + ":" + std::to_string(line) + ": " + message;
+}
+
+}  // namespace
+
+LuaResult LuaVM::Impl::makeFailure(const ProtectedRuntimeError& error,
+                                   const std::string& chunkName) const {
+  LuaResult result;
+  result.error = error.hasLocation ? located(chunkName, error.line, error.message) : error.message;
+  return result;
+}
+
+LuaResult LuaVM::Impl::makeFailure(const std::exception& error,
+                                   const std::string& chunkName) const {
+  LuaResult result;
+  const auto* const runtimeError = dynamic_cast<const RuntimeError*>(&error);
+  const std::string message = internal::exceptionText(error);
+  result.error = runtimeError != nullptr && runtimeError->hasLocation
+                     ? located(chunkName, runtimeError->line, message)
+                     : message;
+  return result;
+}
+
+}  // namespace tarvel::lua
