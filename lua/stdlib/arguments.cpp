@@ -1,0 +1,70 @@
+#include "lua/stdlib/arguments.h"
+
+#include <stdexcept>
+#include <string>
+
+#include "lua/value/errors.h"
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+[[noreturn]] void failArgument(const char* name, const char* text, unsigned line) {
+  failRuntime(line, std::string(name) + text);
+}
+
+const Value& requireNumeric(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  if (index >= args.size() || !args[index].isNumber())
+    failArgument(name, " expects a numeric argument", line);
+  return args[index];
+}
+
+}  // namespace
+
+void requireArgumentCount(const char* name, std::size_t count, std::size_t minimum,
+                          std::size_t maximum) {
+  if (count >= minimum && count <= maximum) return;
+  std::string message(name);
+  message.append(" expects ");
+  if (minimum == maximum) {
+    message.append(std::to_string(minimum)).append(minimum == 1 ? " argument" : " arguments");
+  } else if (maximum == kAnyCount) {
+    // The plural also for one: scripts compare the text.
+    message.append("at least ").append(std::to_string(minimum)).append(" arguments");
+  } else {
+    message.append("between ").append(std::to_string(minimum)).append(" and ");
+    message.append(std::to_string(maximum)).append(" arguments");
+  }
+  throw std::runtime_error(message);
+}
+
+std::int64_t requireInteger(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  return requireNumeric(name, args, index, line).asInteger();
+}
+
+double requireNumber(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  return requireNumeric(name, args, index, line).asFloat();
+}
+
+StringObject& requireString(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  if (index >= args.size() || !args[index].isString())
+    failArgument(name, " expects a string argument", line);
+  return *args[index].string;
+}
+
+Table& requireTable(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  if (index >= args.size() || !args[index].isTable()) failArgument(name, " expects a table", line);
+  return *args[index].table;
+}
+
+NativeObject& requireUserData(const char* name, ValueSpan args, std::size_t index, unsigned line,
+                              NativeObject::Kind kind) {
+  if (index >= args.size() || args[index].tag != kUserData)
+    failArgument(name, " expects userdata", line);
+  NativeObject& object = *args[index].native;
+  if (object.handle == nullptr || object.kind != kind)
+    failArgument(name, " received the wrong userdata type", line);
+  return object;
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "lua/value/multi_value.h"
+#include "lua/value/native_object.h"
+#include "lua/value/string_object.h"
+#include "lua/value/table.h"
+
+// The checks that library functions make on their arguments. `name` is the function's qualified
+// name as messages show it
+// ("string.sub", "file:read"); `index` counts from 0; `line` is the line of the call. A missing
+// argument fails like one of the wrong type. What is returned is borrowed from the arguments.
+
+namespace tarvel::lua::internal {
+
+constexpr std::size_t kAnyCount = SIZE_MAX;
+
+// Throws std::runtime_error without a location, unlike every other check; this is meant.
+void requireArgumentCount(const char* name, std::size_t count, std::size_t minimum,
+                          std::size_t maximum);
+
+// A float is truncated, see Value::asInteger. Raises "... expects a numeric argument".
+std::int64_t requireInteger(const char* name, ValueSpan args, std::size_t index, unsigned line);
+double requireNumber(const char* name, ValueSpan args, std::size_t index, unsigned line);
+
+// Numbers are not accepted. Raises "... expects a string argument".
+StringObject& requireString(const char* name, ValueSpan args, std::size_t index, unsigned line);
+
+// Raises "... expects a table".
+Table& requireTable(const char* name, ValueSpan args, std::size_t index, unsigned line);
+
+// Raises "... expects userdata", or "... received the wrong userdata type" for the other kind or an
+// empty object.
+NativeObject& requireUserData(const char* name, ValueSpan args, std::size_t index, unsigned line,
+                              NativeObject::Kind kind);
+
+// True when the argument is given and not nil: for the functions that take an explicit nil for an
+// absent argument.
+inline bool isGiven(ValueSpan args, std::size_t index) noexcept {
+  return index < args.size() && !args[index].isNil();
+}
+
+}  // namespace tarvel::lua::internal

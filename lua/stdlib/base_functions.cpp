@@ -1,0 +1,139 @@
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "lua/lua_vm_impl.h"
+#include "lua/stdlib/arguments.h"
+#include "lua/stdlib/library.h"
+#include "lua/stdlib/standard_output.h"
+#include "lua/value/iterator_state.h"
+#include "lua/value/number_rules.h"
+
+// print, tostring, tonumber, type, assert, error, pcall, pairs, ipairs.
+
+namespace tarvel::lua::internal {
+
+LuaValue basePrint(LuaVM&, const std::vector<LuaValue>& arguments) {
+  std::string line;
+  for (const LuaValue& argument : arguments) {
+    if (&argument != &arguments.front()) line.push_back('\t');
+    line.append(argument.toString());
+  }
+  line.push_back('\n');
+  writeStandardOutput(line);  // a failure shows when the stream is closed at the end
+  return LuaValue();
+}
+
+MultiValue baseToString(LuaVM& vm, ValueSpan args, unsigned) {
+  requireArgumentCount("tostring", args.size(), 1, 1);
+  if (args[0].isString()) return MultiValue(retain(args[0]));
+  return MultiValue(LuaVM::Impl::of(vm).makeString(args[0].toString()));
+}
+
+namespace {
+
+constexpr std::int64_t kLowestBase = 2;
+constexpr std::int64_t kHighestBase = 36;
+
+bool consumed(const StringObject& text, const char* end) noexcept {
+  return end == text.data() + text.length;
+}
+
+// Decimal text with a fraction or an exponent, no hexadecimal, no names of infinity or NaN.
+bool isDecimalText(std::string_view text) noexcept {
+  return text.find_first_of("xXnN") == std::string_view::npos &&
+         text.find_first_of("iI") == std::string_view::npos;
+}
+
+// Leading white space is accepted as the C library does, trailing is not. A text with an embedded
+// zero byte is no number, because the conversion stops there.
+Value numberFromText(const StringObject& text, std::int64_t base) {
+  if (base < kLowestBase || base > kHighestBase) return Value();
+  char* end = nullptr;
+  errno = 0;
+  const long long integer = std::strtoll(text.data(), &end, static_cast<int>(base));
+  if (errno == 0 && consumed(text, end)) return Value(static_cast<std::int64_t>(integer));
+  if (base != 10 || !isDecimalText(text.view())) return Value();
+  errno = 0;
+  const double number = std::strtod(text.data(), &end);
+  if (errno != 0 || !consumed(text, end)) return Value();
+  // Whole decimal text becomes an integer; this is meant.
+  std::int64_t whole = 0;
+  return wholeNumber(number, whole) ? Value(whole) : Value(number);
+}
+
+}  // namespace
+
+MultiValue baseToNumber(LuaVM&, ValueSpan args, unsigned line) {
+  requireArgumentCount("tonumber", args.size(), 1, 2);
+  if (args[0].isNumber()) return MultiValue(args[0]);
+  if (!args[0].isString()) return MultiValue(Value());
+  const std::int64_t base = isGiven(args, 1) ? requireInteger("tonumber", args, 1, line) : 10;
+  return MultiValue(numberFromText(*args[0].string, base));
+}
+
+MultiValue baseType(LuaVM& vm, ValueSpan args, unsigned) {
+  requireArgumentCount("type", args.size(), 1, 1);
+  return MultiValue(Value(LuaVM::Impl::of(vm).strings.intern(describeValueType(args[0]))));
+}
+
+MultiValue baseAssert(LuaVM&, ValueSpan args, unsigned line) {
+  requireArgumentCount("assert", args.size(), 1, kAnyCount);
+  if (!args[0].isTruthy())
+    failRuntime(line, args.size() == 1 ? "assertion failed!" : args[1].toString());
+  MultiValue results;
+  for (const Value& argument : args) results.push(retain(argument));
+  return results;
+}
+
+// The level is accepted and has no effect. An error value is always a string.
+MultiValue baseError(LuaVM&, ValueSpan args, unsigned line) {
+  requireArgumentCount("error", args.size(), 0, 2);
+  failRuntime(line, args.empty() ? "error" : args[0].toString());
+}
+
+namespace {
+
+MultiValue failedCall(LuaVM::Impl& interpreter, const ValueStack::Mark& mark,
+                      std::string_view message) {
+  interpreter.stack.unwindTo(mark);
+  return MultiValue{Value(false), interpreter.makeString(message)};
+}
+
+}  // namespace
+
+// ExitSignal and what a host throws besides standard exceptions pass through.
+MultiValue basePcall(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("pcall", args.size(), 1, kAnyCount);
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  const ValueStack::Mark mark = interpreter.stack.mark();
+  try {
+    const ProtectedCallScope scope;
+    const MultiValue returned =
+        interpreter.callValue(args[0], ValueSpan(args.begin() + 1, args.size() - 1), line);
+    MultiValue results(Value(true));
+    for (const Value& value : returned.span()) results.push(retain(value));
+    return results;
+  } catch (const ProtectedRuntimeError& error) {
+    return failedCall(interpreter, mark, error.message);
+  } catch (const std::exception& error) {
+    return failedCall(interpreter, mark, exceptionText(error));
+  }
+}
+
+MultiValue basePairs(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("pairs", args.size(), 1, 1);
+  if (!args[0].isTable()) failRuntime(line, "pairs expects a table");
+  return MultiValue(Value(IteratorState::createPairs(LuaVM::Impl::of(vm).heap, *args[0].table)));
+}
+
+MultiValue baseIpairs(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("ipairs", args.size(), 1, 1);
+  if (!args[0].isTable()) failRuntime(line, "ipairs expects a table");
+  return MultiValue(Value(IteratorState::createIpairs(LuaVM::Impl::of(vm).heap, *args[0].table)));
+}
+
+}  // namespace tarvel::lua::internal
