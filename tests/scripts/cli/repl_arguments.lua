@@ -1,0 +1,6 @@
+-- mode: repl
+-- args: ignored --compile
+-- Arguments after --repl are ignored.
+-- stdin: print(arg, "works")
+-- expect: lua> nil	works
+-- expect: lua> 

@@ -1,0 +1,21 @@
+-- mode: repl
+-- Functions outlive the line that made them, with the locals of that line.
+-- stdin: local n = 0 function count() n = n + 1 return n end
+-- stdin: print(count(), count(), n)
+-- stdin: local n = 100 function other() return n, count() end
+-- stdin: print(other())
+-- stdin: t = {} function t:m() return #self end t[1] = "x"
+-- stdin: print(t:m(), t)
+-- stdin: t.m = nil count = nil print(other ~= nil, pcall(other))
+-- stdin: string.twice = function(s) return s .. s end
+-- stdin: print(("ab"):twice(), ("x"):rep(3))
+-- stdin: it = ipairs({"p", "q"}) for i, v in it do print(v) break end
+-- stdin: for i, v in it do print(v) end
+-- expect: lua> lua> 1	2	nil
+-- expect: lua> lua> 100	3
+-- expect: lua> lua> 1	{1: x, m: [function t:m]}
+-- expect: lua> true	false	attempt to call a nil value
+-- expect: lua> lua> abab	xxx
+-- expect: lua> p
+-- expect: lua> q
+-- expect: lua> 

@@ -1,0 +1,33 @@
+-- mode: repl
+-- A failing line is reported on standard error without a prefix, and the loop goes on.
+-- stdin: print("first")
+-- stdin: error("oops")
+-- stdin: x
+-- stdin: x = = 1
+-- stdin: print("a") print(nil + 1) print("b")
+-- stdin: function f() error("inside f") end
+-- stdin: f()
+-- stdin: print(pcall(f))
+-- stdin: type()
+-- stdin: s = "not closed
+-- stdin: return pairs({})
+-- stdin: if true then
+-- stdin: break
+-- stdin: 1 + 1
+-- stdin: print("last")
+-- expect: lua> first
+-- expect: lua> lua> lua> lua> a
+-- expect: lua> lua> lua> false	inside f
+-- expect: lua> lua> lua> lua> lua> lua> lua> last
+-- expect: lua> 
+-- expect stderr: <repl>:1: oops
+-- expect stderr: <repl>:1:2: expected function call
+-- expect stderr: <repl>:1:5: expected expression
+-- expect stderr: <repl>:1: operator '+' expects numbers
+-- expect stderr: <repl>:1: inside f
+-- expect stderr: type expects 1 argument
+-- expect stderr: <repl>:1:5: unterminated string literal
+-- expect stderr: value cannot be bridged out of TarvelLua
+-- expect stderr: <repl>:1:13: expected 'end' after if statement
+-- expect stderr: <repl>:1:1: break outside a loop
+-- expect stderr: <repl>:1:3: expected function call

@@ -1,0 +1,7 @@
+-- mode: repl
+-- "exit" alone ends the loop; nothing after it runs.
+-- stdin: print("before")
+-- stdin: exit
+-- stdin: print("never")
+-- expect: lua> before
+-- expect: lua> 

@@ -1,0 +1,25 @@
+-- mode: repl
+-- Every line is a chunk of its own: globals stay, locals go, results are not shown.
+-- stdin: x = 1
+-- stdin: print(x)
+-- stdin: local y = 1
+-- stdin: print(y)
+-- stdin: local z = 2 print(z + x)
+-- stdin: return x, "not shown"
+-- stdin: function add(a, b) return a + b end
+-- stdin: print(add(x, 41)) print(add)
+-- stdin: x = x + 1; print(x)
+-- stdin: for i = 1, 2 do print("line", i) end
+-- stdin: -- only a comment
+-- stdin: ;
+-- stdin: print(arg)
+-- expect: lua> lua> 1
+-- expect: lua> lua> nil
+-- expect: lua> 3
+-- expect: lua> lua> lua> 42
+-- expect: [function add]
+-- expect: lua> 2
+-- expect: lua> line	1
+-- expect: line	2
+-- expect: lua> lua> lua> nil
+-- expect: lua> 

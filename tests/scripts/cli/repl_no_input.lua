@@ -1,0 +1,4 @@
+-- mode: repl
+-- Without input there is one prompt and success.
+-- expect: lua> 
+-- expect exit: 0

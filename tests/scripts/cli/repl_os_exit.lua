@@ -1,0 +1,12 @@
+-- mode: repl
+-- os.exit ends only its own line, and the status stays 0.
+-- stdin: print("a") os.exit(3) print("never")
+-- stdin: print("b")
+-- stdin: pcall(os.exit, 4) print("never")
+-- stdin: error("after exit")
+-- stdin: print("c")
+-- expect: lua> a
+-- expect: lua> b
+-- expect: lua> lua> lua> c
+-- expect: lua> 
+-- expect stderr: <repl>:1: after exit

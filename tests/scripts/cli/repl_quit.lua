@@ -1,0 +1,11 @@
+-- mode: repl
+-- "quit" ends the loop too, but only as the whole line.
+-- stdin: quit()
+-- stdin: exit;
+-- stdin: Exit = 5 exit = Exit print(exit)
+-- stdin: quit
+-- stdin: print("never")
+-- expect: lua> lua> lua> 5
+-- expect: lua> 
+-- expect stderr: <repl>:1: attempt to call a nil value
+-- expect stderr: <repl>:1:5: expected function call

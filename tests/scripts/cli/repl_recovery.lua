@@ -1,0 +1,19 @@
+-- mode: repl
+-- After a stack overflow and other failures the interpreter works as before.
+-- stdin: function forever(n) return 1 + forever(n + 1) end
+-- stdin: function depth(n) if n == 0 then return 0 end return 1 + depth(n - 1) end
+-- stdin: forever(1)
+-- stdin: print(depth(1000))
+-- stdin: print(pcall(forever, 1))
+-- stdin: forever(1)
+-- stdin: for i = 1, 3 do for k, v in pairs({{}, {}}) do if i == 2 then error({} .. "" == "" or "in loops") end end end
+-- stdin: t = {1, {2, nil + 1}}
+-- stdin: print(t, depth(10000))
+-- expect: lua> lua> lua> lua> 1000
+-- expect: lua> false	stack overflow
+-- expect: lua> lua> lua> lua> nil	10000
+-- expect: lua> 
+-- expect stderr: <repl>:1: stack overflow
+-- expect stderr: <repl>:1: stack overflow
+-- expect stderr: <repl>:1: in loops
+-- expect stderr: <repl>:1: operator '+' expects numbers

@@ -1,0 +1,6 @@
+-- mode: repl
+-- The last line runs without a line feed too.
+-- stdin: x = "last"
+-- stdin unterminated: print(x)
+-- expect: lua> lua> last
+-- expect: lua> 

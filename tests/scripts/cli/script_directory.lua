@@ -1,0 +1,3 @@
+-- mode: command
+-- args: {tmp}
+-- expect error bare: unable to open script file: {tmp}

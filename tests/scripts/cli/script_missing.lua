@@ -1,0 +1,3 @@
+-- mode: command
+-- args: {tmp}/missing.lua ignored
+-- expect error bare: unable to open script file: {tmp}/missing.lua

@@ -1,0 +1,2 @@
+;;; -- a program of empty statements
+;  -- expect exit: 0

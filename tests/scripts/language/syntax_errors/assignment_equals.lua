@@ -1,0 +1,2 @@
+-- expect error 2:6: expected '=' in assignment
+a, b + 1

@@ -1,0 +1,2 @@
+-- expect error 2:3: invalid assignment target
+5 = x

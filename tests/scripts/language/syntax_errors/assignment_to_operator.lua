@@ -1,0 +1,2 @@
+-- expect error 2:9: invalid assignment target
+(a + b) = 1

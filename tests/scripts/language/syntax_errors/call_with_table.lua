@@ -1,0 +1,2 @@
+-- expect error 2:2: expected function call
+f{1}

@@ -1,0 +1,2 @@
+-- expect error 2:7: unexpected character '^'
+x = 2 ^ 3

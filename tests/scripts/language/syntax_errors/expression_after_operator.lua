@@ -1,0 +1,2 @@
+-- expect error 2:9: expected expression
+x = 1 + * 2

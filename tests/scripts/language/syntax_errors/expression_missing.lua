@@ -1,0 +1,2 @@
+-- expect error 3:1: expected expression
+x =

@@ -1,0 +1,2 @@
+-- expect error 2:7: expected field name after '.'
+x = t.5

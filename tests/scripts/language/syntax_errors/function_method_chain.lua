@@ -1,0 +1,2 @@
+-- expect error 2:13: expected '(' after function name
+function a:b.c() end

@@ -1,0 +1,2 @@
+-- expect error 2:6: expected function call
+goto done

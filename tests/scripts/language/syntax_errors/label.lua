@@ -1,0 +1,2 @@
+-- expect error 2:1: expected expression
+::done::

@@ -1,0 +1,2 @@
+-- expect error 2:5: expected expression
+x = .5

@@ -1,0 +1,2 @@
+-- expect error 2:17: expected '(' after function name
+local function a.b() end

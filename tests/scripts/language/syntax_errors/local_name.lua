@@ -1,0 +1,2 @@
+-- expect error 2:7: expected local variable name
+local 5 = 1

@@ -1,0 +1,2 @@
+-- expect error 2:3: expected method name after ':'
+t:1()

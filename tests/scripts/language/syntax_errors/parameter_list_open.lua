@@ -1,0 +1,2 @@
+-- expect error 2:14: expected ')' after parameter list
+function f(a b) end

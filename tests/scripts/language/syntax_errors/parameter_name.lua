@@ -1,0 +1,2 @@
+-- expect error 2:15: expected parameter name
+function f(a, 5) end

@@ -1,0 +1,2 @@
+-- expect error 2:8: expected function call
+repeat x = 1 until x

@@ -1,0 +1,2 @@
+-- expect error 2:3: expected function call
+x == 1
