@@ -1,0 +1,28 @@
+def new_counter(step):
+    count = 0
+
+    def counter():
+        nonlocal count
+        count = count + step
+        return count
+
+    return counter
+
+
+def main():
+    by_one, by_three = new_counter(1), new_counter(3)
+    eighths = 0
+    for i in range(1500000):
+        if (by_one() + by_three()) % 8 == 0:
+            eighths += 1
+
+    total = 0
+    for i in range(1, 250001):
+        counter = new_counter(i % 10)
+        counter()
+        counter()
+        total += counter()
+    print(by_one(), by_three(), eighths, total)
+
+
+main()

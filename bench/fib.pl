@@ -1,0 +1,11 @@
+use strict;
+use warnings;
+no warnings 'recursion';
+
+sub fib {
+    my ($n) = @_;
+    return $n if $n < 2;
+    return fib($n - 1) + fib($n - 2);
+}
+
+print fib(32), "\n";

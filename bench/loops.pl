@@ -1,0 +1,17 @@
+use strict;
+use warnings;
+
+my $size = 3000;
+my ($hits, $above, $rest) = (0, 0, 0);
+for my $i (1 .. $size) {
+    for my $j (1 .. $size) {
+        if (($i * $j) % 7 == 3) {
+            $hits++;
+        } elsif ($i < $j) {
+            $above++;
+        } else {
+            $rest++;
+        }
+    }
+}
+print "$hits $above $rest\n";

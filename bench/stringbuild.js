@@ -1,0 +1,22 @@
+var show = typeof print === "function" ? print : console.log;
+
+function main() {
+  var pieces = [];
+  for (var i = 1; i <= 500000; i++) {
+    pieces.push("item" + i % 1000);
+  }
+  var joined = pieces.join(",");
+
+  var length = 0, last = "";
+  for (var round = 1; round <= 200; round++) {
+    var text = "";
+    for (i = 1; i <= 1000; i++) {
+      text += "<" + i % 10 + ">";
+    }
+    length += text.length;
+    last = text;
+  }
+  show(joined.length + " " + joined.slice(-16) + " " + length + " " + last.slice(-9));
+}
+
+main();

@@ -1,0 +1,13 @@
+pieces = []
+1.upto(500_000) { |i| pieces << "item#{i % 1000}" }
+joined = pieces.join(",")
+
+length = 0
+last = ""
+200.times do
+  text = +""
+  1.upto(1000) { |i| text << "<#{i % 10}>" }
+  length += text.size
+  last = text
+end
+puts "#{joined.size} #{joined[-16..]} #{length} #{last[-9..]}"

@@ -1,0 +1,20 @@
+def build(depth):
+    if depth == 0:
+        return [None, None]
+    return [build(depth - 1), build(depth - 1)]
+
+
+def count_nodes(tree):
+    if tree[0] is not None:
+        return 1 + count_nodes(tree[0]) + count_nodes(tree[1])
+    return 1
+
+
+def main():
+    total = 0
+    for round in range(10):
+        total += count_nodes(build(15))
+    print(total)
+
+
+main()

@@ -1,0 +1,28 @@
+var show = typeof print === "function" ? print : console.log;
+
+function main() {
+  var counts = {};
+  var seed = 42;
+  for (var i = 1; i <= 900000; i++) {
+    seed = (seed * 3877 + 29573) % 139968;
+    var word = "word" + seed % 5000;
+    var count = counts[word];
+    if (count) {
+      counts[word] = count + 1;
+    } else {
+      counts[word] = 1;
+    }
+  }
+
+  var distinct = 0, most = 0, letters = 0;
+  for (word in counts) {
+    distinct++;
+    letters += word.length * counts[word];
+    if (counts[word] > most) {
+      most = counts[word];
+    }
+  }
+  show(distinct + " " + most + " " + letters);
+}
+
+main();
