@@ -4,6 +4,7 @@
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
+#include "lua/value/completion.h"
 #include "lua/value/number_rules.h"
 
 // The nodes of `+`, `-`, `*`, `/` and `%`. Two integers and two floats are done in place;
@@ -14,59 +15,54 @@ namespace tarvel::lua::internal {
 
 namespace {
 
+// Each operator: its result for two integers and for two floats, where that takes no more than a
+// few instructions. False leaves the case to the rules out of line.
+
 struct Add {
   static constexpr TokenKind kToken = TokenKind::Plus;
   static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
-    std::int64_t sum = 0;
-    if (__builtin_add_overflow(a, b, &sum)) return false;
-    out = Value(sum);
-    return true;
+    out.tag = kInteger;
+    return !__builtin_add_overflow(a, b, &out.integer);
   }
   static bool floats(double a, double b, Value& out) noexcept {
-    out = normalizeWhole(a + b);
-    return true;
+    out = Value(a + b);
+    return isClearlyFractional(out.number);
   }
 };
 
 struct Subtract {
   static constexpr TokenKind kToken = TokenKind::Minus;
   static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
-    std::int64_t difference = 0;
-    if (__builtin_sub_overflow(a, b, &difference)) return false;
-    out = Value(difference);
-    return true;
+    out.tag = kInteger;
+    return !__builtin_sub_overflow(a, b, &out.integer);
   }
   static bool floats(double a, double b, Value& out) noexcept {
-    out = normalizeWhole(a - b);
-    return true;
+    out = Value(a - b);
+    return isClearlyFractional(out.number);
   }
 };
 
 struct Multiply {
   static constexpr TokenKind kToken = TokenKind::Star;
   static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
-    std::int64_t product = 0;
-    if (__builtin_mul_overflow(a, b, &product)) return false;
-    out = Value(product);
-    return true;
+    out.tag = kInteger;
+    return !__builtin_mul_overflow(a, b, &out.integer);
   }
   static bool floats(double a, double b, Value& out) noexcept {
-    out = normalizeWhole(a * b);
-    return true;
+    out = Value(a * b);
+    return isClearlyFractional(out.number);
   }
 };
 
 struct Divide {
   static constexpr TokenKind kToken = TokenKind::Slash;
   static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
-    if (b == 0) return false;
     out = Value(static_cast<double>(a) / static_cast<double>(b));
-    return true;
+    return b != 0;
   }
   static bool floats(double a, double b, Value& out) noexcept {
-    if (isZeroDivisor(b)) return false;
     out = Value(a / b);
-    return true;
+    return !isZeroDivisor(b);
   }
 };
 
@@ -74,36 +70,29 @@ struct Modulo {
   static constexpr TokenKind kToken = TokenKind::Percent;
   static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
     // A 32-bit division is several times as fast on many processors.
-    if (static_cast<std::uint64_t>(a | b) >> 32 == 0 && b != 0) {
-      out = Value(
-          static_cast<std::int64_t>(static_cast<std::uint32_t>(a) % static_cast<std::uint32_t>(b)));
-      return true;
-    }
-    if (b == 0) return false;
-    out = Value(b == -1 ? std::int64_t{0} : a % b);
+    if (static_cast<std::uint64_t>(a | b) >> 32 != 0 || b == 0) return false;
+    out = Value(
+        static_cast<std::int64_t>(static_cast<std::uint32_t>(a) % static_cast<std::uint32_t>(b)));
     return true;
   }
-  static bool floats(double a, double b, Value& out) noexcept {
-    if (isZeroDivisor(b)) return false;
-    out = normalizeWhole(std::fmod(a, b));
-    return true;
-  }
+  static bool floats(double, double, Value&) noexcept { return false; }
 };
 
-double numberOf(Value value) noexcept {
-  return value.tag == kInteger ? static_cast<double>(value.integer) : value.number;
-}
-
-// Mixed numbers, overflow and errors.
+// What the operator's inline cases leave. Drops the owned operands.
 template <class Op, bool LeftOwned, bool RightOwned>
-[[gnu::noinline]] Value finishArithmetic(const BinaryExpr* node, Value left, Value right) {
-  if (left.tag != right.tag && left.isNumber() && right.isNumber()) {
-    Value result;
-    if (Op::floats(numberOf(left), numberOf(right), result)) return result;
-  }
+[[gnu::noinline]] Value finishArithmetic(const Node* node, Value left, Value right) {
   const OwnedValue leftGuard(LeftOwned ? left : Value());
   const OwnedValue rightGuard(RightOwned ? right : Value());
   return evaluateArithmetic(left, Op::kToken, right, node->line);
+}
+
+template <class Op>
+inline bool tryArithmetic(Value left, Value right, Value& out) noexcept {
+  if (left.tag == kInteger && right.tag == kInteger) [[likely]] {
+    return Op::integers(left.integer, right.integer, out);
+  }
+  if (left.tag == kFloat && right.tag == kFloat) return Op::floats(left.number, right.number, out);
+  return false;
 }
 
 template <class Op>
@@ -111,55 +100,96 @@ struct Arithmetic {
   using Result = Value;
 
   template <bool LeftOwned, bool RightOwned>
-  static Value apply(const BinaryExpr* node, Value left, Value right) {
+  static Value apply(const Node* node, Value*, Value left, Value right) {
     Value result;
-    if (left.tag == kInteger && right.tag == kInteger) {
-      if (Op::integers(left.integer, right.integer, result)) [[likely]]
-        return result;
-    } else if (left.tag == kFloat && right.tag == kFloat) {
-      if (Op::floats(left.number, right.number, result)) [[likely]]
-        return result;
-    }
+    if (tryArithmetic<Op>(left, right, result)) [[likely]]
+      return result;
     return finishArithmetic<Op, LeftOwned, RightOwned>(node, left, right);
   }
 
-  [[gnu::noinline]] static Value rightAfterCounted(const BinaryExpr* node, Value left,
-                                                   Value* base) {
+  [[gnu::noinline]] static Value rightAfterCounted(const Node* node, Value* base, Value left) {
     const OwnedValue leftGuard(left);
-    const OwnedValue right(node->right->execute(node->right, base));
+    const auto* const binary = static_cast<const BinaryExpr*>(node);
+    const OwnedValue right(binary->right->execute(binary->right, base));
     return evaluateArithmetic(left, Op::kToken, right.get(), node->line);
   }
 
   template <class Left, class Right>
-  struct Node {
-    static Value run(const internal::Node* node, Value* base) {
-      return withOperands<Arithmetic, Left, Right>(static_cast<const BinaryExpr*>(node), base);
+  struct Execute {
+    static Value run(const Node* node, Value* base) {
+      return withOperands<Arithmetic, Left, Right>(static_cast<const BinaryExpr*>(node), node,
+                                                   base);
     }
   };
 };
 
+// `x = a + b`, where x is a frame variable that never owns anything: one node for the statement.
+template <class Op>
+struct ArithmeticStore {
+  using Result = Value;
+
+  template <bool LeftOwned, bool RightOwned>
+  static Value apply(const Node* node, Value* base, Value left, Value right) {
+    Value result;
+    if (!tryArithmetic<Op>(left, right, result)) [[unlikely]] {
+      return finish<LeftOwned, RightOwned>(node, base, left, right);
+    }
+    slotAt(base, static_cast<const AssignmentStmt*>(node)->targetOffset) = result;
+    return normalCompletion();
+  }
+
+  template <bool LeftOwned, bool RightOwned>
+  [[gnu::noinline]] static Value finish(const Node* node, Value* base, Value left, Value right) {
+    const auto* const statement = static_cast<const AssignmentStmt*>(node);
+    slotAt(base, statement->targetOffset) =
+        finishArithmetic<Op, LeftOwned, RightOwned>(statement->value, left, right);
+    return normalCompletion();
+  }
+
+  [[gnu::noinline]] static Value rightAfterCounted(const Node* node, Value* base, Value left) {
+    const auto* const statement = static_cast<const AssignmentStmt*>(node);
+    slotAt(base, statement->targetOffset) =
+        Arithmetic<Op>::rightAfterCounted(statement->value, base, left);
+    return normalCompletion();
+  }
+
+  template <class Left, class Right>
+  struct Execute {
+    static Value run(const Node* node, Value* base) {
+      const auto* const value =
+          static_cast<const BinaryExpr*>(static_cast<const AssignmentStmt*>(node)->value);
+      return withOperands<ArithmeticStore, Left, Right>(value, node, base);
+    }
+  };
+};
+
+// The entry of `Form`, Arithmetic or ArithmeticStore, for an operator and its operands' shapes.
+template <template <class> class Form>
+NodeFunction functionFor(TokenKind op, OperandShapes shapes) noexcept {
+  switch (op) {
+    case TokenKind::Plus:
+      return chooseByShapes<Form<Add>::template Execute, NodeFunction>(shapes);
+    case TokenKind::Minus:
+      return chooseByShapes<Form<Subtract>::template Execute, NodeFunction>(shapes);
+    case TokenKind::Star:
+      return chooseByShapes<Form<Multiply>::template Execute, NodeFunction>(shapes);
+    case TokenKind::Slash:
+      return chooseByShapes<Form<Divide>::template Execute, NodeFunction>(shapes);
+    default:
+      return chooseByShapes<Form<Modulo>::template Execute, NodeFunction>(shapes);
+  }
+}
+
 }  // namespace
 
 void chooseArithmetic(BinaryExpr& node) {
-  const OperandShapes shapes = noteOperands(node);
+  node.execute = functionFor<Arithmetic>(node.op, noteOperands(node));
   node.test = testValue;
-  switch (node.op) {
-    case TokenKind::Plus:
-      node.execute = chooseByShapes<Arithmetic<Add>::Node, NodeFunction>(shapes);
-      return;
-    case TokenKind::Minus:
-      node.execute = chooseByShapes<Arithmetic<Subtract>::Node, NodeFunction>(shapes);
-      return;
-    case TokenKind::Star:
-      node.execute = chooseByShapes<Arithmetic<Multiply>::Node, NodeFunction>(shapes);
-      return;
-    case TokenKind::Slash:
-      node.execute = chooseByShapes<Arithmetic<Divide>::Node, NodeFunction>(shapes);
-      return;
-    default:
-      node.execute = chooseByShapes<Arithmetic<Modulo>::Node, NodeFunction>(shapes);
-      return;
-  }
+}
+
+void chooseArithmeticStore(AssignmentStmt& statement) {
+  const auto& value = static_cast<const BinaryExpr&>(*statement.value);
+  statement.execute = functionFor<ArithmeticStore>(value.op, operandShapes(value));
 }
 
 }  // namespace tarvel::lua::internal

@@ -27,8 +27,7 @@ const AssignmentStmt* asAssignment(const Node* node) noexcept {
   return static_cast<const AssignmentStmt*>(node);
 }
 
-// ---- Storing into one target, whatever it is
-// --------------------------------------------------------------------------
+// ---- Storing into one target, whatever it is ----------------------------------------------------
 
 // Each takes the value from a slot that owns it, which an error leaves to the sweep.
 void storeIntoField(const FieldExpr* field, Value& valueSlot, Value* base, unsigned line) {
@@ -73,11 +72,10 @@ void assignTarget(const AssignTarget& target, Value& valueSlot, Value* base, uns
   }
 }
 
-// ---- One variable
-// ---------------------------------------------------------------------------------------------------
+// ---- One variable -------------------------------------------------------------------------------
 
 Value singleValue(const Node* node, Value* base) {
-  const Expr* const value = asAssignment(node)->values[0];
+  const Expr* const value = asAssignment(node)->value;
   return value->execute(value, base);
 }
 
@@ -146,8 +144,7 @@ Value appendToVariable(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-// ---- One field or element, of an object that a variable holds
-// ------------------------------------------------------------
+// ---- One field or element, of an object that a variable holds -----------------------------------
 
 struct InFrame {
   template <class Access>
@@ -237,8 +234,7 @@ Value storeAnywhere(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-// ---- Several values or targets
-// --------------------------------------------------------------------------------------
+// ---- Several values or targets ------------------------------------------------------------------
 
 // Evaluates the values into consecutive slots: exactly as many as there are targets, or more where
 // values are surplus. Returns the number of slots used.
@@ -299,8 +295,7 @@ Value declareFunction(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-// ---- Choosing
-// -------------------------------------------------------------------------------------------------------
+// ---- Choosing -----------------------------------------------------------------------------------
 
 bool isSameVariable(const Expr& a, const Expr& b) noexcept {
   if (a.kind != ExprKind::Variable || b.kind != ExprKind::Variable) return false;
@@ -315,12 +310,25 @@ bool appendsToItself(const AssignmentStmt& statement) noexcept {
                         *static_cast<const ConcatExpr*>(statement.values[0])->operands[0]);
 }
 
-NodeFunction variableStore(AssignmentStmt& statement, const VariableExpr& target) noexcept {
-  if (appendsToItself(statement)) return appendToVariable;
-  if (target.home == VariableHome::Global) return storeGlobal;
-  if (target.home != VariableHome::Frame) return storeVariable;
-  statement.targetOffset = target.offset;
-  return target.variable->scalar || statement.isLocal ? storeScalarLocal : storeLocal;
+bool isArithmetic(const Expr& expression) noexcept {
+  if (expression.kind != ExprKind::Binary) return false;
+  const TokenKind op = static_cast<const BinaryExpr&>(expression).op;
+  return op >= TokenKind::Plus && op <= TokenKind::Percent;
+}
+
+void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) {
+  if (appendsToItself(statement)) {
+    statement.execute = appendToVariable;
+  } else if (target.home == VariableHome::Global) {
+    statement.execute = storeGlobal;
+  } else if (target.home != VariableHome::Frame) {
+    statement.execute = storeVariable;
+  } else {
+    statement.targetOffset = target.offset;
+    const bool ownsNothing = target.variable->scalar || statement.isLocal;
+    statement.execute = ownsNothing ? storeScalarLocal : storeLocal;
+    if (ownsNothing && isArithmetic(*statement.value)) chooseArithmeticStore(statement);
+  }
 }
 
 NodeFunction fieldStore(FieldExpr& target) noexcept {
@@ -362,8 +370,9 @@ void chooseAssignment(AssignmentStmt& statement) {
     return;
   }
   Expr& target = *statement.targets[0].expression;
+  statement.value = statement.values[0];
   if (target.kind == ExprKind::Variable) {
-    statement.execute = variableStore(statement, static_cast<VariableExpr&>(target));
+    chooseVariableStore(statement, static_cast<VariableExpr&>(target));
   } else if (target.kind == ExprKind::Field) {
     statement.execute = fieldStore(static_cast<FieldExpr&>(target));
   } else {

@@ -41,7 +41,7 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
 // Several values must not be released with the locals whose slots they have overwritten.
 [[gnu::noinline]] Value finishWithoutSingleValue(Value* frame, const FunctionExpr* body,
                                                  Value completion) noexcept {
-  Value* end = frame + 1 + body->releaseSlots;
+  Value* end = &slotAt(frame + 1, body->releaseEnd);
   if (!ReturnSignal::isSeveral(completion)) {
     clearSlots(frame, end);
     return ReturnSignal::noValues();
@@ -56,7 +56,7 @@ inline Value runBody(const FunctionExpr* body, Value* frame) {
   const Value completion = body->entry->execute(body->entry, frame + 1);
   if (!isSingleValue(completion)) [[unlikely]]
     return finishWithoutSingleValue(frame, body, completion);
-  clearSlots(frame + 1, frame + 1 + body->releaseSlots);
+  clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
   clearSlot(frame[0]);
   return completion;
 }
@@ -95,7 +95,7 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, un
   if (callee.tag != kFunction) failNotCallable(callee, line);
   const FunctionExpr* const body = callee.function->body;
   if (body == nullptr) return callNative(interpreter, frame, count, line);
-  if (!interpreter.stack.makeRoom(frame + 1 + body->frameSlots, body->stackBytes))
+  if (!interpreter.stack.makeRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
     failStackOverflow(line);
   for (std::uint32_t i = count; i < body->parameterCount; ++i) frame[1 + i] = Value();
   for (std::uint32_t i = body->parameterCount; i < count; ++i) clearSlot(frame[1 + i]);
@@ -110,7 +110,7 @@ inline Value callFixed(const CallExpr* call, Value* frame) {
   if (callee.tag == kFunction) [[likely]] {
     const FunctionExpr* const body = callee.function->body;
     if (body != nullptr && body->parameterCount == Count) [[likely]] {
-      if (call->interpreter->stack.hasRoom(frame + 1 + body->frameSlots, body->stackBytes))
+      if (call->interpreter->stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
           [[likely]] {
         return runBody(body, frame);
       }
@@ -119,8 +119,7 @@ inline Value callFixed(const CallExpr* call, Value* frame) {
   return callAny(*call->interpreter, frame, Count, call->line);
 }
 
-// ---- The callee
-// -----------------------------------------------------------------------------------------------------
+// ---- The callee ---------------------------------------------------------------------------------
 
 struct GlobalCallee {
   static Value load(const CallExpr* call, Value*) noexcept {
@@ -141,8 +140,7 @@ struct OtherCallee {
   }
 };
 
-// ---- Call nodes. Each returns all results; the single-value forms adjust.
-// ----------------------------------------------
+// ---- Call nodes. Each returns all results; the single-value forms adjust. -----------------------
 
 const CallExpr* asCall(const Node* node) noexcept { return static_cast<const CallExpr*>(node); }
 
@@ -212,8 +210,7 @@ Value callWithMany(const Node* node, Value* base) {
   return callAny(*call->interpreter, frame, count, call->line);
 }
 
-// ---- One value of a call
-// --------------------------------------------------------------------------------------------
+// ---- One value of a call ------------------------------------------------------------------------
 
 [[gnu::noinline]] Value firstOf(Value completion) noexcept {
   if (!ReturnSignal::isSeveral(completion)) return Value();
@@ -303,8 +300,7 @@ void chooseCallStatement(ExpressionStmt& statement) { statement.execute = execut
 
 }  // namespace internal
 
-// ---- Calls from native code
-// -------------------------------------------------------------------------------------------
+// ---- Calls from native code ---------------------------------------------------------------------
 
 using internal::MultiValue;
 using internal::ReturnSignal;
@@ -333,6 +329,21 @@ MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, unsi
   frame[0] = retain(callee);
   for (std::size_t i = 0; i < arguments.size(); ++i) frame[1 + i] = retain(arguments[i]);
   return takeResults(callFrame(frame, static_cast<std::uint32_t>(arguments.size()), line));
+}
+
+// The callee is nearly always a script function with two parameters.
+bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const Value& second,
+                                unsigned line) {
+  Value* const frame = stack.top();
+  if (!stack.hasRoom(frame + 3, 0) && !stack.makeRoom(frame + 3, 0))
+    internal::failStackOverflow(line);
+  frame[0] = retain(callee);
+  frame[1] = retain(first);
+  frame[2] = retain(second);
+  Value result = internal::callAny(*this, frame, 2, line);
+  if (!isSingleValue(result)) result = internal::firstOf(result);
+  drop(result);
+  return result.isTruthy();
 }
 
 MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan arguments,

@@ -60,7 +60,7 @@ struct OrderRule {
     }
     return true;
   }
-  static bool decide(const BinaryExpr* node, const Value& left, const Value& right) {
+  static bool decide(const Node* node, const Value& left, const Value& right) {
     return compareValues(left, right, Order::kToken, node->line);
   }
 };
@@ -86,13 +86,13 @@ struct EqualityRule {
     }
     return false;
   }
-  static bool decide(const BinaryExpr*, const Value& left, const Value& right) noexcept {
+  static bool decide(const Node*, const Value& left, const Value& right) noexcept {
     return valuesEqual(left, right) == WhenEqual;
   }
 };
 
 template <class Rule, bool LeftOwned, bool RightOwned>
-[[gnu::noinline]] bool finishComparison(const BinaryExpr* node, Value left, Value right) {
+[[gnu::noinline]] bool finishComparison(const Node* node, Value left, Value right) {
   const OwnedValue leftGuard(LeftOwned ? left : Value());
   const OwnedValue rightGuard(RightOwned ? right : Value());
   return Rule::decide(node, left, right);
@@ -103,23 +103,25 @@ struct Comparison {
   using Result = bool;
 
   template <bool LeftOwned, bool RightOwned>
-  static bool apply(const BinaryExpr* node, Value left, Value right) {
+  static bool apply(const Node* node, Value*, Value left, Value right) {
     bool result = false;
     if (Rule::template tryFast<LeftOwned, RightOwned>(left, right, result)) [[likely]]
       return result;
     return finishComparison<Rule, LeftOwned, RightOwned>(node, left, right);
   }
 
-  [[gnu::noinline]] static bool rightAfterCounted(const BinaryExpr* node, Value left, Value* base) {
+  [[gnu::noinline]] static bool rightAfterCounted(const Node* node, Value* base, Value left) {
     const OwnedValue leftGuard(left);
-    const OwnedValue right(node->right->execute(node->right, base));
+    const auto* const binary = static_cast<const BinaryExpr*>(node);
+    const OwnedValue right(binary->right->execute(binary->right, base));
     return Rule::decide(node, left, right.get());
   }
 
   template <class Left, class Right>
   struct Condition {
     static bool run(const Node* node, Value* base) {
-      return withOperands<Comparison, Left, Right>(static_cast<const BinaryExpr*>(node), base);
+      return withOperands<Comparison, Left, Right>(static_cast<const BinaryExpr*>(node), node,
+                                                   base);
     }
   };
 
@@ -204,8 +206,7 @@ void chooseIf(IfStmt& statement) {
   if (statement.condition->kind == ExprKind::Binary) {
     const auto& condition = static_cast<const BinaryExpr&>(*statement.condition);
     if (isComparison(condition.op)) {
-      OperandShapes shapes{operandShape(*condition.left), operandShape(*condition.right)};
-      if (shapes.left == 1 && shapes.right == 1) shapes.left = 2;
+      const OperandShapes shapes = operandShapes(condition);
       withComparison(condition.op, [&]<class Kind>(Kind) {
         statement.execute = hasElse ? chooseByShapes<Kind::template IfElse, NodeFunction>(shapes)
                                     : chooseByShapes<Kind::template If, NodeFunction>(shapes);

@@ -18,8 +18,7 @@ namespace tarvel::lua::internal {
 
 namespace {
 
-// ---- Literals
-// -------------------------------------------------------------------------------------------------------
+// ---- Literals -----------------------------------------------------------------------------------
 
 Value evaluateScalarLiteral(const Node* node, Value*) {
   return static_cast<const LiteralExpr*>(node)->value;
@@ -33,8 +32,7 @@ bool testLiteral(const Node* node, Value*) {
   return static_cast<const LiteralExpr*>(node)->value.isTruthy();
 }
 
-// ---- Unary operators
-// ------------------------------------------------------------------------------------------------
+// ---- Unary operators ----------------------------------------------------------------------------
 
 Value operandOf(const Node* node, Value* base) {
   const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
@@ -63,8 +61,7 @@ Value evaluateLengthOfVariable(const Node* node, Value* base) {
   return lengthOf(operand->peek(operand, base), node->line);
 }
 
-// ---- Logical operators
-// ----------------------------------------------------------------------------------------------
+// ---- Logical operators --------------------------------------------------------------------------
 
 Value evaluateAnd(const Node* node, Value* base) {
   const auto* const logic = static_cast<const BinaryExpr*>(node);
@@ -90,8 +87,7 @@ bool testOr(const Node* node, Value* base) {
   return logic->left->test(logic->left, base) || logic->right->test(logic->right, base);
 }
 
-// ---- Table constructors
-// ---------------------------------------------------------------------------------------------
+// ---- Table constructors -------------------------------------------------------------------------
 
 // A key is checked before the field's value is evaluated. A computed string key is kept in a slot
 // meanwhile.
@@ -130,8 +126,7 @@ Value evaluateEmptyTable(const Node* node, Value*) {
   return Value(Table::create(node->interpreter->heap));
 }
 
-// ---- Function expressions
-// -------------------------------------------------------------------------------------------
+// ---- Function expressions -----------------------------------------------------------------------
 
 // The environment that a closure made here captures; null where nothing around it has one.
 Environment* environmentToCapture(const FunctionExpr* function, Value* base) {

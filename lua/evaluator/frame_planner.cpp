@@ -48,16 +48,15 @@ void FramePlanner::planFunction(FunctionExpr& function) {
   const std::uint32_t enclosingSlots = std::exchange(frameSlots_, 0);
   function.parameterCount = function.parameters.size;
   planBlock(*function.body, 0);
-  function.releaseSlots = function.body->releaseEnd / static_cast<SlotOffset>(sizeof(Value));
-  function.frameSlots = frameSlots_;
+  function.releaseEnd = function.body->releaseEnd;
+  function.frameBytes = offsetOf(frameSlots_ + 1);
   function.stackBytes = (function.nesting + 4) * kHostBytesPerLevel;
   largestFrame_ = std::max(largestFrame_, frameSlots_ + 1);
   function_ = enclosing;
   frameSlots_ = enclosingSlots;
 }
 
-// ---- Statements
-// -----------------------------------------------------------------------------------------------------
+// ---- Statements ---------------------------------------------------------------------------------
 
 void FramePlanner::planBlock(Block& block, Top top) {
   Scope& scope = *block.scope;
@@ -201,8 +200,7 @@ void FramePlanner::planGenericFor(GenericForStmt& loop, Top top) {
   planBlock(*loop.body, top + 1);
 }
 
-// ---- Expressions
-// ----------------------------------------------------------------------------------------------------
+// ---- Expressions --------------------------------------------------------------------------------
 
 // The values of a list stand in consecutive slots until all are there.
 void FramePlanner::planList(const ArenaList<Expr*>& expressions, Top top) {

@@ -64,8 +64,7 @@ namespace internal {
 
 namespace {
 
-// ---- How the object of an access is reached. Only an owned one needs release.
-// -----------------------------------------
+// ---- How the object of an access is reached. Only an owned one needs release. -------------------
 
 template <class Access>
 struct FrameObject {
@@ -109,8 +108,7 @@ Value borrowedStandIn(const Node* node, Value owned) {
              : guard.get();
 }
 
-// ---- Fields
-// ---------------------------------------------------------------------------------------------------------
+// ---- Fields -------------------------------------------------------------------------------------
 
 template <bool ObjectOwned>
 [[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object) {
@@ -146,8 +144,7 @@ bool testField(const Node* node, Value* base) {
   return borrowedStandIn(node, readFieldOfOther<false>(field, object)).isTruthy();
 }
 
-// ---- Indices
-// --------------------------------------------------------------------------------------------------------
+// ---- Indices ------------------------------------------------------------------------------------
 
 struct FrameKey {
   static constexpr bool kOwned = false;

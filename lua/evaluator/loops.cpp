@@ -25,8 +25,7 @@ Value executeWhile(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-// ---- Numeric for
-// ----------------------------------------------------------------------------------------------------
+// ---- Numeric for --------------------------------------------------------------------------------
 
 // The loop's control value is separate from its variable: assigning the variable does not change
 // the iteration.
@@ -95,8 +94,7 @@ Value executeNumericFor(const Node* node, Value* base) {
                        range.step.asFloat());
 }
 
-// ---- Generic for
-// ----------------------------------------------------------------------------------------------------
+// ---- Generic for --------------------------------------------------------------------------------
 
 // Evaluates the expression list into consecutive slots and keeps the first value.
 [[gnu::noinline]] void evaluateIterator(const GenericForStmt* loop, Value* slots, Value* base) {

@@ -21,6 +21,8 @@ void chooseVariable(VariableExpr& variable);
 
 // arithmetic.cpp
 void chooseArithmetic(BinaryExpr& arithmetic);
+void chooseArithmeticStore(
+    AssignmentStmt& statement);  // of an arithmetic value into a scalar frame variable
 
 // comparisons.cpp
 void chooseComparison(BinaryExpr& comparison);

@@ -43,27 +43,28 @@ struct RightOther {
   }
 };
 
-// Evaluates both operands and passes them to `Use::apply(node, left, right)`, which neither keeps
-// nor drops them, or, where an operand may own something, to `Use::applyOwned`, which drops what is
-// owned also when it raises an error.
+// Evaluates the operands of `node` and passes them to `Use::apply(statement, base, left, right)`,
+// which drops those that are owned, also when it raises an error. `statement` is the node that is
+// being executed: the operator itself, or a statement that it is fused into.
 template <class Use, class Left, class Right>
-inline typename Use::Result withOperands(const BinaryExpr* node, Value* base) {
+inline typename Use::Result withOperands(const BinaryExpr* node, const Node* statement,
+                                         Value* base) {
   if constexpr (!Left::kOwned) {
     const Value right = Right::load(node, base);
-    return Use::template apply<Left::kOwned, Right::kOwned>(node, Left::load(node, base), right);
+    return Use::template apply<Left::kOwned, Right::kOwned>(statement, base, Left::load(node, base),
+                                                            right);
   } else {
     const Value left = Left::load(node, base);
     if constexpr (Right::kOwned) {
       // Evaluating the right operand may raise an error, which must not lose the left one.
       if (left.isCounted()) [[unlikely]]
-        return Use::rightAfterCounted(node, left, base);
+        return Use::rightAfterCounted(statement, base, left);
     }
-    return Use::template apply<Left::kOwned, Right::kOwned>(node, left, Right::load(node, base));
+    const Value right = Right::load(node, base);
+    return Use::template apply<Left::kOwned, Right::kOwned>(statement, base, left, right);
   }
 }
 
-// Notes the operands' places in the node and returns the entry for their shapes from a table of the
-// functions for {frame, constant, other} x {frame, constant, other}.
 struct OperandShapes {
   int left;  // 0 frame, 1 constant, 2 other
   int right;
@@ -72,10 +73,14 @@ inline int operandShape(const Expr& operand) noexcept {
   return isFrameVariable(operand) ? 0 : isLiteral(operand) ? 1 : 2;
 }
 
-inline OperandShapes noteOperands(BinaryExpr& node) noexcept {
-  OperandShapes shapes{operandShape(*node.left), operandShape(*node.right)};
+inline OperandShapes operandShapes(const BinaryExpr& node) noexcept {
+  const OperandShapes shapes{operandShape(*node.left), operandShape(*node.right)};
   // Only one constant fits into a node; two literal operands are rare.
-  if (shapes.left == 1 && shapes.right == 1) shapes.left = 2;
+  return shapes.left == 1 && shapes.right == 1 ? OperandShapes{2, 1} : shapes;
+}
+
+inline OperandShapes noteOperands(BinaryExpr& node) noexcept {
+  const OperandShapes shapes = operandShapes(node);
   if (shapes.left == 0) node.leftOffset = frameOffsetOf(*node.left);
   if (shapes.right == 0) node.rightOffset = frameOffsetOf(*node.right);
   if (shapes.left == 1) node.constant = literalValue(*node.left);
@@ -83,6 +88,8 @@ inline OperandShapes noteOperands(BinaryExpr& node) noexcept {
   return shapes;
 }
 
+// The entry for the shapes in a table of the functions for {frame, constant, other} x {frame,
+// constant, other}.
 template <template <class, class> class Function, class Pointer>
 Pointer chooseByShapes(OperandShapes shapes) noexcept {
   static constexpr Pointer kFunctions[3][3] = {

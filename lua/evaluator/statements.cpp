@@ -1,3 +1,4 @@
+#include <iterator>
 #include <vector>
 
 #include "lua/evaluator/node_functions.h"
@@ -13,8 +14,7 @@ namespace tarvel::lua::internal {
 
 namespace {
 
-// ---- Statement lists
-// ------------------------------------------------------------------------------------------------
+// ---- Statement lists ----------------------------------------------------------------------------
 
 Value runNothing(const Node*, Value*) { return normalCompletion(); }
 
@@ -23,25 +23,16 @@ Value runOne(const Node* node, Value* base) {
   return only->execute(only, base);
 }
 
-Value runTwo(const Node* node, Value* base) {
-  const auto* const block = static_cast<const Block*>(node);
-  const Node* const first = block->nodes[0];
-  const Value completion = first->execute(first, base);
-  if (!isNormal(completion)) return completion;
-  const Node* const second = block->nodes[1];
-  return second->execute(second, base);
-}
-
-Value runThree(const Node* node, Value* base) {
-  const auto* const block = static_cast<const Block*>(node);
-  const Node* const first = block->nodes[0];
-  Value completion = first->execute(first, base);
-  if (!isNormal(completion)) return completion;
-  const Node* const second = block->nodes[1];
-  completion = second->execute(second, base);
-  if (!isNormal(completion)) return completion;
-  const Node* const third = block->nodes[2];
-  return third->execute(third, base);
+// A list of known length: each statement but the last has to end normally for the next to run.
+template <std::uint32_t Count>
+Value runSome(const Node* node, Value* base) {
+  const Node* const* const nodes = static_cast<const Block*>(node)->nodes.data;
+  for (std::uint32_t i = 0; i + 1 < Count; ++i) {
+    const Value completion = nodes[i]->execute(nodes[i], base);
+    if (!isNormal(completion)) [[unlikely]]
+      return completion;
+  }
+  return nodes[Count - 1]->execute(nodes[Count - 1], base);
 }
 
 Value runAll(const Node* node, Value* base) {
@@ -52,15 +43,13 @@ Value runAll(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-using StatementRunner = Value (*)(const Node*, Value*);
-
-StatementRunner runnerFor(std::uint32_t count) noexcept {
-  static constexpr StatementRunner kRunners[] = {runNothing, runOne, runTwo, runThree};
-  return count < 4 ? kRunners[count] : runAll;
+NodeFunction runnerFor(std::uint32_t count) noexcept {
+  static constexpr NodeFunction kRunners[] = {runNothing, runOne,     runSome<2>, runSome<3>,
+                                              runSome<4>, runSome<5>, runSome<6>, runSome<7>};
+  return count < std::size(kRunners) ? kRunners[count] : runAll;
 }
 
-// ---- Blocks that own something
-// --------------------------------------------------------------------------------------
+// ---- Blocks that own something ------------------------------------------------------------------
 
 // Values on their way out stand above the live locals, perhaps in slots of locals that were not yet
 // declared.
@@ -113,8 +102,7 @@ Value runFunctionInEnvironment(const Node* node, Value* base) {
 
 bool isFunctionBody(const Block& block) noexcept { return block.scope->function->body == &block; }
 
-// ---- return, break
-// --------------------------------------------------------------------------------------------------
+// ---- return, break ------------------------------------------------------------------------------
 
 const ReturnStmt* asReturn(const Node* node) noexcept {
   return static_cast<const ReturnStmt*>(node);

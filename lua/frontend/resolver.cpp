@@ -13,8 +13,7 @@ void Resolver::resolveChunk() {
   findScalars();
 }
 
-// ---- Scopes
-// ---------------------------------------------------------------------------------------------------------
+// ---- Scopes -------------------------------------------------------------------------------------
 
 void Resolver::beginScope(Block& block) {
   block.scope = chunk_.arena.make<Scope>();
@@ -74,8 +73,7 @@ void Resolver::resolveBlock(Block& block, const ArenaList<StringObject*>& arrivi
   endScope(block);
 }
 
-// ---- Statements
-// -----------------------------------------------------------------------------------------------------
+// ---- Statements ---------------------------------------------------------------------------------
 
 void Resolver::resolveStatements(const ArenaList<Stmt*>& statements) {
   for (Stmt* statement : statements) resolveStatement(*statement);
@@ -155,8 +153,7 @@ void Resolver::resolveIf(IfStmt& statement) {
 
 void Resolver::resolveTarget(AssignTarget& target) { resolveExpression(target.expression); }
 
-// ---- Expressions
-// ----------------------------------------------------------------------------------------------------
+// ---- Expressions --------------------------------------------------------------------------------
 
 void Resolver::resolveExpressions(const ArenaList<Expr*>& expressions) {
   for (Expr* expression : expressions) resolveExpression(expression);
@@ -212,8 +209,7 @@ void Resolver::resolveFunction(FunctionExpr& function) {
   function_ = enclosing;
 }
 
-// ---- Scalars
-// --------------------------------------------------------------------------------------------------------
+// ---- Scalars ------------------------------------------------------------------------------------
 
 // Records what the target at `index` may receive from an expression list.
 void Resolver::noteSource(const AssignTarget& target, const ArenaList<Expr*>& values,

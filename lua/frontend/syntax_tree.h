@@ -45,8 +45,7 @@ struct Node {
   std::uint32_t line;                  // 1-based; which token's line it is differs per node kind
 };
 
-// ---- Names
-// ----------------------------------------------------------------------------------------------------------
+// ---- Names --------------------------------------------------------------------------------------
 
 // One declared local name: a parameter, a loop variable, or a name of a local declaration.
 struct LocalVariable {
@@ -57,7 +56,7 @@ struct LocalVariable {
   bool scalar = true;          // only ever holds nil, booleans and numbers, so it needs no release
   bool inEnvironment = false;  // lives in the scope's Environment instead of the frame
   SlotOffset offset = 0;       // in the frame; for a parameter or loop variable that lives in the
-                          // environment, where it arrives before it is moved there
+                               // environment, where it arrives before it is moved there
   std::uint32_t environmentIndex = 0;  // in the environment
 };
 
@@ -66,8 +65,7 @@ struct Scope {
   Scope* parent = nullptr;
   FunctionExpr* function = nullptr;
   ArenaList<LocalVariable*> variables;
-  std::uint32_t arriving =
-      0;  // the first so many variables arrive in frame slots: parameters, loop variables
+  std::uint32_t arriving = 0;     // so many of the first are parameters or loop variables
   bool containsFunction = false;  // a closure made in here can capture the scope
   // Frame layout.
   bool hasEnvironment = false;
@@ -75,8 +73,7 @@ struct Scope {
   SlotOffset environmentOffset = 0;  // the frame slot that owns the environment
 };
 
-// ---- Expressions
-// ----------------------------------------------------------------------------------------------------
+// ---- Expressions --------------------------------------------------------------------------------
 
 enum class ExprKind : std::uint32_t {
   Literal = 0,
@@ -232,25 +229,21 @@ struct FunctionExpr : Expr {
   Block* body = nullptr;
   StringObject* name = nullptr;  // as declared ("a.b:m"), or "<anonymous>"
   ResolvedChunk* chunk = nullptr;
-  FunctionExpr* parent =
-      nullptr;                // the function that this one is written in; null for the chunk itself
-  std::uint32_t nesting = 0;  // levels of the tree below, statements included
+  FunctionExpr* parent = nullptr;  // the function around this one; null for the chunk itself
+  std::uint32_t nesting = 0;       // levels of the tree below, statements included
   // Run-time layout.
-  bool capturesOwn =
-      false;  // the environment to capture is in the frame of `parent`, at captureOffset;
-              // otherwise it is the one, if any, that the closure of `parent` captured
+  // The environment to capture is in the frame of `parent`, at captureOffset; otherwise it is the
+  // one, if any, that the closure of `parent` captured.
+  bool capturesOwn = false;
   SlotOffset captureOffset = 0;
   std::uint32_t parameterCount = 0;
-  std::uint32_t frameSlots =
-      0;  // slots that a call may use, temporaries and callees' parameters included
-  std::uint32_t stackBytes =
-      0;  // of the host's stack that running the body needs up to the next call
-  std::uint32_t releaseSlots = 0;  // the first so many slots may own something when the body ends
-  const Node* entry = nullptr;     // what a call executes
+  std::uint32_t frameBytes = 0;  // of the value stack that a call may use, from its callee's slot
+  std::uint32_t stackBytes = 0;  // of the host's stack that the body needs up to the next call
+  SlotOffset releaseEnd = 0;     // the slots up to here may own something when the body ends
+  const Node* entry = nullptr;   // what a call executes
 };
 
-// ---- Statements
-// -----------------------------------------------------------------------------------------------------
+// ---- Statements ---------------------------------------------------------------------------------
 
 enum class StmtKind : std::uint32_t {
   Expression = 0,
@@ -307,6 +300,7 @@ struct AssignmentStmt : Stmt {
 
   bool isLocal;
   ArenaList<AssignTarget> targets;
+  const Expr* value = nullptr;       // the only value, where there is one
   ArenaList<Expr*> values;           // may be empty for a local declaration
   SlotOffset temporariesOffset = 0;  // one slot a value
   SlotOffset targetOffset = 0;       // of a single target that is a frame variable
@@ -402,8 +396,7 @@ struct BreakStmt : Stmt {
   explicit BreakStmt(std::uint32_t nodeLine) : Stmt(StmtKind::Break, nodeLine) {}
 };
 
-// ---- The chunk
-// ------------------------------------------------------------------------------------------------------
+// ---- The chunk ----------------------------------------------------------------------------------
 
 // A parsed script: owns its tree and the strings in it. Shared by the run and by every closure made
 // from it.

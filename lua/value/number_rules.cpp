@@ -12,7 +12,8 @@ bool wholeNumber(double value, std::int64_t& out) noexcept {
 
 // The tests ask whether the value is *not* whole, so NaN passes them all and becomes 0; this is
 // meant.
-Value normalizeExactly(double result) noexcept {
+Value normalizeWhole(double result) noexcept {
+  if (isClearlyFractional(result)) return Value(result);
   const double rounded = std::round(result);
   if (std::fabs(result - rounded) > kNumberEpsilon) return Value(result);
   if (rounded < -kTwoTo63 || rounded > kTwoTo63) return Value(result);

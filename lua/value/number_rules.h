@@ -1,5 +1,9 @@
 #pragma once
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -27,23 +31,26 @@ inline std::int64_t saturatingInteger(double value) noexcept {
 // other float. NaN is not whole here.
 bool wholeNumber(double value, std::int64_t& out) noexcept;
 
-// The rule of normalizeWhole, for the values that its filter does not decide.
-Value normalizeExactly(double result) noexcept;
+// Truncates toward zero. A value beyond the 64-bit range gives some integer that is far from it.
+inline std::int64_t truncated(double value) noexcept {
+#if defined(__SSE2__)
+  return _mm_cvttsd_si64(_mm_set_sd(value));  // a C++ cast would be undefined out of range
+#else
+  return std::fabs(value) < kTwoTo63 ? static_cast<std::int64_t>(value) : 0;
+#endif
+}
+
+// A filter for normalizeWhole: true only where that keeps the float as it is. False decides
+// nothing.
+inline bool isClearlyFractional(double value) noexcept {
+  const double fraction = value - static_cast<double>(truncated(value));
+  return std::fabs(std::fabs(fraction) - 0.5) < 0.5 - kNumberEpsilon;
+}
 
 // The result of `+`, `-`, `*`, `%` and unary minus on floats: whole results become integers, a
 // result beyond the 64-bit range by rounding up to 2^63 saturates, and NaN becomes the integer 0.
 // All of this is the dialect's number model.
-inline Value normalizeWhole(double result) noexcept {
-  // A float whose fraction is clearly away from 0 and 1 stays a float: the filter never keeps what
-  // the rule converts.
-  if (std::fabs(result) < 4503599627370496.0) {
-    const auto truncated = static_cast<std::int64_t>(result);
-    const double fraction = result - static_cast<double>(truncated);
-    if (std::fabs(std::fabs(fraction) - 0.5) < 0.5 - kNumberEpsilon) return Value(result);
-    if (fraction == 0.0) return Value(truncated);
-  }
-  return normalizeExactly(result);
-}
+Value normalizeWhole(double result) noexcept;
 
 inline bool isZeroDivisor(double divisor) noexcept { return std::fabs(divisor) <= kNumberEpsilon; }
 

@@ -112,8 +112,7 @@ void Table::destroy(Table* table) noexcept {
   Heap::release(table, sizeof(Table));
 }
 
-// ---- Reading
-// --------------------------------------------------------------------------------------------------------
+// ---- Reading ------------------------------------------------------------------------------------
 
 Value Table::get(TableKey key) const noexcept {
   return key.tag() == kInteger ? getInteger(key.integer) : getEntry(key);
@@ -147,8 +146,7 @@ std::uint32_t Table::findEntry(TableKey key) const noexcept {
   return kNoEntry;
 }
 
-// ---- Storing
-// --------------------------------------------------------------------------------------------------------
+// ---- Storing ------------------------------------------------------------------------------------
 
 void Table::set(TableKey key, Value owned) {
   if (key.tag() == kInteger) {
@@ -224,8 +222,7 @@ void Table::forgetEntry(std::uint32_t number) noexcept {
   drop(key);
 }
 
-// ---- The array part
-// -------------------------------------------------------------------------------------------------
+// ---- The array part -----------------------------------------------------------------------------
 
 void Table::reserveArray(std::uint32_t capacity) {
   if (capacity <= arrayCapacity_) return;
@@ -263,8 +260,7 @@ void Table::migrateEntries(std::uint32_t oldSize) {
   }
 }
 
-// ---- The hash part
-// --------------------------------------------------------------------------------------------------
+// ---- The hash part ------------------------------------------------------------------------------
 
 std::size_t Table::entryBytes(std::uint32_t capacity) noexcept {
   const std::size_t indexBytes =

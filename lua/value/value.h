@@ -131,7 +131,7 @@ inline void drop(Value value) noexcept {
 // it.
 inline void clearSlot(Value& slot) noexcept {
   const Value old = slot;
-  slot = Value();
+  slot.tag = kNil;
   drop(old);
 }
 
