@@ -1,6 +1,7 @@
 -- Bank accounts: records with methods, a history that only its closures can reach, and errors that
 -- `pcall` catches.
 --
+-- cyclic: the local functions and the variables that they share hold each other
 -- expect: Ada has 120 (opened with 100, deposit 50, withdrawal 30)
 -- expect: Bob has 50 (opened with 20, deposit 30)
 -- expect: refused: Bob has only 50

@@ -3,6 +3,7 @@
 --
 --   tarvellua examples/csv_summary.lua FILE
 --
+-- cyclic: the local functions and the variables that they share hold each other
 -- args: examples/data/weather.csv
 -- expect: 5 rows
 -- expect: station: 3 different values

@@ -1,5 +1,6 @@
 -- Matrices as lists of rows: printing, multiplying and raising to a power.
 --
+-- cyclic: the local functions and the variables that they share hold each other
 -- expect: product of a 2x3 and a 3x2 matrix
 -- expect: 58 64
 -- expect: 139 154

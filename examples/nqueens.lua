@@ -3,6 +3,7 @@
 --
 --   tarvellua examples/nqueens.lua [SIZE]
 --
+-- cyclic: the local functions and the variables that they share hold each other
 -- expect: 4 ways to place 6 queens, such as
 -- expect: . Q . . . .
 -- expect: . . . Q . .

@@ -4,6 +4,7 @@
 --   tarvellua examples/todo.lua FILE add "buy milk" add "call Ada" done 1
 --   tarvellua examples/todo.lua FILE clear
 --
+-- cyclic: the local functions and the variables that they share hold each other
 -- args: {tmp}/todo.txt add "buy milk" add "call Ada" add "mend the net" done 2 list clear list
 -- expect: 1 [ ] buy milk
 -- expect: 2 [x] call Ada

@@ -2,6 +2,7 @@
 --
 --   tarvellua examples/wordcount.lua FILE
 --
+-- cyclic: the local functions and the variables that they share hold each other
 -- args: examples/data/harbour.txt
 -- expect: 5 lines, 63 words, 41 different ones
 -- expect: 13 the

@@ -6,6 +6,7 @@
 
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
+#include "lua/stdlib/pattern.h"
 
 namespace tarvel::lua {
 
@@ -34,10 +35,13 @@ LuaResult LuaVM::runScriptString(const std::string& source, const std::string& c
   return impl_->run(source, chunkName);
 }
 
-// ---- The interpreter behind it
-// --------------------------------------------------------------------------------------
+// ---- The interpreter behind it ------------------------------------------------------------------
 
-LuaVM::Impl::Impl(LuaVM& ownerVm) : owner(ownerVm), heap(heapOwner.get()), strings(heap) {
+LuaVM::Impl::Impl(LuaVM& ownerVm)
+    : owner(ownerVm),
+      heap(heapOwner.get()),
+      strings(heap),
+      patterns(std::make_unique<internal::PatternCache>()) {
   anyFunction = OwnedValue(makeNative("", {}));
   stringLibrarySlot = 0;
   bindDefaults();
@@ -53,7 +57,11 @@ LuaVM::Impl::~Impl() {
 }
 
 LuaVM::Impl::Value LuaVM::Impl::makeString(std::string_view bytes) {
-  return Value(internal::StringObject::create(heap, bytes));
+  if (bytes.size() > 1) return Value(internal::StringObject::create(heap, bytes));
+  OwnedValue& shared =
+      bytes.empty() ? emptyString : oneByteStrings[static_cast<unsigned char>(bytes[0])];
+  if (shared.get().isNil()) shared = OwnedValue(Value(strings.intern(bytes)));
+  return retain(shared.get());
 }
 
 LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,

@@ -2,8 +2,10 @@
 
 #include <tarvel/lua/lua_vm.h>
 
+#include <array>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -24,6 +26,7 @@
 namespace tarvel::lua {
 
 namespace internal {
+class PatternCache;
 struct ResolvedChunk;
 struct VariableExpr;
 
@@ -102,6 +105,9 @@ class LuaVM::Impl {
   // from frame[0] on.
   Value callFrame(Value* frame, std::uint32_t count, unsigned line);
   internal::MultiValue takeResults(Value completion);
+  // Whether callee(first, second) gives a true first value: a comparator's call, without lists of
+  // arguments and results. All three are borrowed.
+  bool callPredicate(const Value& callee, const Value& first, const Value& second, unsigned line);
   // Runs a chunk's top level as a function without parameters.
   internal::MultiValue runChunk(internal::ResolvedChunk& chunk);
 
@@ -131,8 +137,14 @@ class LuaVM::Impl {
   internal::HeapOwner heapOwner;
   internal::Heap& heap;
   internal::StringInterner strings;
+  // The strings of one byte, made when first needed, and the empty string: what cutting text into
+  // characters gives. Behind the heap and the interner, which outlive them.
+  std::array<internal::OwnedValue, 256> oneByteStrings;
+  internal::OwnedValue emptyString;
   internal::ValueStack stack;
-  internal::OwnedValue anyFunction;  // a function that is always there
+  internal::OwnedValue standardOutput;  // io.stdout as it was made; scripts may overwrite the field
+  internal::OwnedValue anyFunction;     // a function that is always there
+  std::unique_ptr<internal::PatternCache> patterns;
   // Names to slots, and the slots themselves. A deque, because the tree points at the slots.
   std::unordered_map<std::string, std::size_t> globalSlots;
   std::deque<Value> globals;

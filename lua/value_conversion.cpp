@@ -25,8 +25,7 @@ using internal::Value;
 using internal::ValueKind;
 using internal::ValueSpan;
 
-// ---- Public values
-// --------------------------------------------------------------------------------------------------
+// ---- Public values ------------------------------------------------------------------------------
 
 LuaValue::LuaValue(std::int64_t integer) : type(Type::Integer), data(integer) {}
 LuaValue::LuaValue(double number) : type(Type::Float), data(number) {}
@@ -39,8 +38,7 @@ LuaValue::LuaValue(std::shared_ptr<Object> object) : type(Type::Object), data(st
 LuaValue::LuaValue(std::shared_ptr<LuaFunctionHandle> function)
     : type(Type::Function), data(std::move(function)) {}
 
-// ---- Functions that crossed
-// -----------------------------------------------------------------------------------------
+// ---- Functions that crossed ---------------------------------------------------------------------
 
 // Holds a share in the function and in the heap that it lives in, so that it may outlive the
 // interpreter.
@@ -96,8 +94,7 @@ std::shared_ptr<LuaFunctionHandle> handleOf(const Value& function, Heap& heap) {
   return handle;
 }
 
-// ---- Out of the interpreter
-// -----------------------------------------------------------------------------------------
+// ---- Out of the interpreter ---------------------------------------------------------------------
 
 LuaValue toPublic(const Value& value, Heap& heap, int depth);
 
@@ -159,8 +156,7 @@ LuaValue toPublic(const Value& value, Heap& heap, int depth) {
   failBridgeOut();
 }
 
-// ---- Into the interpreter
-// -------------------------------------------------------------------------------------------
+// ---- Into the interpreter -----------------------------------------------------------------------
 
 // The integer that a member's key is, where the whole key is one in base 10.
 std::optional<std::int64_t> integerKey(const std::string& key) noexcept {
@@ -243,8 +239,7 @@ class PublicReader {
   Heap& heap_;
 };
 
-// ---- Printing
-// -------------------------------------------------------------------------------------------------------
+// ---- Printing -----------------------------------------------------------------------------------
 
 void appendPublic(std::string& out, const LuaValue& value, int depth);
 
@@ -325,8 +320,7 @@ std::string LuaValue::toString() const {
   return text;
 }
 
-// ---- The interpreter's side
-// -----------------------------------------------------------------------------------------
+// ---- The interpreter's side ---------------------------------------------------------------------
 
 LuaValue LuaVM::Impl::valueToPublic(const Value& value) const { return toPublic(value, heap, 0); }
 

@@ -331,16 +331,14 @@ MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, unsi
   return takeResults(callFrame(frame, static_cast<std::uint32_t>(arguments.size()), line));
 }
 
-// The callee is nearly always a script function with two parameters.
 bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const Value& second,
                                 unsigned line) {
   Value* const frame = stack.top();
-  if (!stack.hasRoom(frame + 3, 0) && !stack.makeRoom(frame + 3, 0))
-    internal::failStackOverflow(line);
+  if (!stack.makeRoom(frame + 3, 0)) internal::failStackOverflow(line);
   frame[0] = retain(callee);
   frame[1] = retain(first);
   frame[2] = retain(second);
-  Value result = internal::callAny(*this, frame, 2, line);
+  Value result = callFrame(frame, 2, line);
   if (!isSingleValue(result)) result = internal::firstOf(result);
   drop(result);
   return result.isTruthy();

@@ -91,10 +91,11 @@ void LuaVM::Impl::bindDefaults() {
   Library(*this)
       .functions({{"min", mathMin}, {"max", mathMax}, {"floor", mathFloor}})
       .storeAs("math");
+  standardOutput = OwnedValue(makeStandardOutput(heap));
   Library(*this)
       .functions({{"open", ioOpen}, {"write", ioWrite}})
       .value("stderr", makeStandardError(heap))
-      .value("stdout", makeStandardOutput(heap))
+      .value("stdout", retain(standardOutput.get()))
       .storeAs("io");
   Library(*this).functions({{"execute", osExecute}, {"exit", osExit}}).storeAs("os");
 }

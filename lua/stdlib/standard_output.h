@@ -4,10 +4,10 @@
 
 namespace tarvel::lua::internal {
 
-// Everything that scripts write to the process's standard output goes through here, in order, into the one buffer of
-// the C library's stdout, which a host's own output shares. Nothing is flushed explicitly: on a terminal a completed line
-// appears at once, otherwise the text leaves when the buffer is full and when the process ends. Returns false when the
-// stream could not take all of it.
+// Everything that scripts write to the process's standard output goes through here, in order, into
+// the one buffer of the C library's stdout, which a host's own output shares. Nothing is flushed
+// explicitly: on a terminal a completed line appears at once, otherwise the text leaves when the
+// buffer is full and when the process ends. Returns false when the stream could not take all of it.
 bool writeStandardOutput(std::string_view text) noexcept;
 
 }  // namespace tarvel::lua::internal

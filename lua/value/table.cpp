@@ -172,10 +172,17 @@ void Table::setStringWithHint(StringObject* key, Value owned, std::uint32_t& hin
   if (number != kNoEntry) hint = number;
 }
 
+// The value under `key` is about to become nil.
+void Table::retreatBorder(std::int64_t key) noexcept {
+  if (key >= 1 && key <= static_cast<std::int64_t>(border_))
+    border_ = static_cast<std::uint32_t>(key - 1);
+}
+
 // Returns the number of the entry that holds the value, kNoEntry when a nil needed none.
 std::uint32_t Table::setEntry(TableKey key, Value owned) {
   const std::uint32_t number = findEntry(key);
   if (number == kNoEntry) return owned.isNil() ? kNoEntry : appendEntry(key, owned);
+  if (owned.isNil() && key.tag() == kInteger) retreatBorder(key.integer);
   Entry& entry = entries_[number];
   if (entry.value.isNil() && !owned.isNil() && number + 1 != entryCount_) {
     const std::uint32_t appended = appendEntry(key, owned);
@@ -241,23 +248,20 @@ void Table::growArray(std::uint32_t newSize) {
   if (integerEntries_ > 0) migrateEntries(oldSize);
 }
 
-// Moves the keys that the array has grown over, and those that directly follow its end, from the
-// hash part.
-void Table::migrateEntries(std::uint32_t oldSize) {
-  for (std::uint32_t i = oldSize;; ++i) {
+// Moves the keys that the array has grown over from the hash part.
+void Table::migrateEntries(std::uint32_t oldSize) noexcept {
+  for (std::uint32_t i = oldSize; i < arraySize_; ++i) {
     const std::uint32_t number = findEntry(TableKey::ofInteger(static_cast<std::int64_t>(i) + 1));
-    if (i >= arraySize_) {
-      if (number == kNoEntry || entries_[number].value.isNil()) return;
-      if (i == arrayCapacity_) reserveArray(grownCapacity(arrayCapacity_, i + 1));
-      new (&array_[i]) Value();
-      ++arraySize_;
-    }
     if (number == kNoEntry) continue;
     if (!entries_[number].value.isNil()) --liveEntries_;
     array_[i] = entries_[number].value;
     entries_[number].value = Value();
     forgetEntry(number);
   }
+}
+
+void Table::extendBorderIntoEntries() noexcept {
+  while (!getEntry(TableKey::ofInteger(static_cast<std::int64_t>(border_) + 1)).isNil()) ++border_;
 }
 
 // ---- The hash part ------------------------------------------------------------------------------

@@ -33,12 +33,9 @@ struct TableKey {
 //
 // Invariants:
 // - A key has one home: when the array part grows over keys of the hash part, they move into it.
-// The hash part never
-//   holds the key that follows the array part's end.
-// - The elements 1 to `border_` are not nil.
+// - The values under 1 to `border_` are not nil, wherever they stand.
 // - An entry whose value is nil is absent for every reader. Its place in the order is given up: a
-// key that is stored
-//   again after it was nil stands at the end.
+//   key that is stored again after it was nil stands at the end.
 class Table : public Object {
  public:
   // Returns an owned reference. `arrayHint` and `entryHint` say how many keys are about to be
@@ -86,9 +83,11 @@ class Table : public Object {
     setStringWithHint(key, owned, hint);
   }
 
-  // The value of `#`: the number of leading elements that are not nil. Amortised constant time.
+  // The value of `#`: the number of leading elements that are not nil, and where the array part has
+  // no nil, of the keys of the hash part that follow without a gap. Amortised constant time.
   std::int64_t length() noexcept {
     while (border_ < arraySize_ && !array_[border_].isNil()) ++border_;
+    if (border_ >= arraySize_ && integerEntries_ > 0) extendBorderIntoEntries();
     return border_;
   }
 
@@ -121,7 +120,9 @@ class Table : public Object {
   void forgetEntry(std::uint32_t number) noexcept;
   void growArray(std::uint32_t newSize);
   void reserveArray(std::uint32_t capacity);
-  void migrateEntries(std::uint32_t oldSize);
+  void migrateEntries(std::uint32_t oldSize) noexcept;
+  void extendBorderIntoEntries() noexcept;
+  void retreatBorder(std::int64_t key) noexcept;
   void rebuildEntries(std::uint32_t capacity);
   void indexEntry(std::uint32_t number) noexcept;
   std::uint32_t* index() const noexcept;

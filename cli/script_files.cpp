@@ -1,0 +1,70 @@
+#include "cli/script_files.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <system_error>
+
+namespace tarvel::lua {
+
+namespace {
+
+constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
+
+[[noreturn]] void fail(const char* failure, const std::string& path) {
+  throw std::runtime_error(failure + path);
+}
+
+// A directory can be opened, but not read.
+std::ifstream openForReading(const std::string& path, const char* openFailure) {
+  std::ifstream file(path, std::ios::binary);
+  std::error_code ignored;
+  if (!file || std::filesystem::is_directory(path, ignored)) fail(openFailure, path);
+  return file;
+}
+
+// A device that is full, or whatever else was there before, stays.
+void removeRegularFile(const std::string& path) {
+  std::error_code ignored;
+  const std::filesystem::path target = std::filesystem::canonical(path, ignored);
+  if (std::filesystem::is_regular_file(target, ignored)) std::filesystem::remove(target, ignored);
+}
+
+}  // namespace
+
+std::string readScriptFile(const std::string& path, const char* openFailure) {
+  std::ifstream file = openForReading(path, openFailure);
+  std::string text;
+  std::array<char, kPieceBytes> piece;
+  do {
+    file.read(piece.data(), piece.size());
+    text.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+  } while (file);
+  if (file.bad()) fail("failed to read file: ", path);
+  return text;
+}
+
+std::string readContainerFile(const std::string& path) {
+  std::ifstream file = openForReading(path, "failed to open file: ");
+  file.seekg(0, std::ios::end);
+  const std::streamoff size = file.tellg();
+  if (size < 0) fail("failed to size file: ", path);
+  file.seekg(0);
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  file.read(bytes.data(), size);
+  if (!file) fail("failed to read file: ", path);
+  return bytes;
+}
+
+void writeContainerFile(const std::string& path, std::string_view bytes) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  if (!file) fail("failed to open file for writing: ", path);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  if (file) return;
+  removeRegularFile(path);
+  fail("failed to write file: ", path);
+}
+
+}  // namespace tarvel::lua

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Reading and writing whole files. Every failure is a std::runtime_error whose text ends with the
+// path.
+
+namespace tarvel::lua {
+
+// A script's text, from anything that can be read to its end. What cannot be opened, and a
+// directory, fails with `openFailure` and the path, anything later with "failed to read file: ".
+std::string readScriptFile(const std::string& path, const char* openFailure);
+
+// A container's bytes. Throws "failed to open file: ", "failed to size file: " or "failed to read
+// file: ".
+std::string readContainerFile(const std::string& path);
+
+// Throws "failed to open file for writing: ", or "failed to write file: ", which leaves no regular
+// file behind.
+void writeContainerFile(const std::string& path, std::string_view bytes);
+
+}  // namespace tarvel::lua

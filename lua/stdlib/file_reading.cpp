@@ -1,0 +1,145 @@
+#include "lua/stdlib/file_reading.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "lua/lua_vm_impl.h"
+#include "lua/stdlib/library.h"
+#include "lua/stdlib/text_builder.h"
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+bool isAtEnd(BufferedFile& file) { return file.unread().empty() && !file.readMore(); }
+
+Value takeString(LuaVM& vm, BufferedFile& file, std::size_t length, std::size_t bytesToConsume) {
+  const Value text = LuaVM::Impl::of(vm).makeString(file.unread().substr(0, length));
+  file.consume(bytesToConsume);
+  return text;
+}
+
+// For a line that fills the whole buffer.
+Value readLongLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, unsigned line) {
+  TextBuilder text(LuaVM::Impl::of(vm).heap, 2 * BufferedFile::kBufferBytes, line);
+  do {
+    const std::string_view arrived = file.unread();
+    const std::size_t feed = arrived.find('\n');
+    if (feed != std::string_view::npos) {
+      text.append(arrived.substr(0, feed + (keepLineFeed ? 1 : 0)));
+      file.consume(feed + 1);
+      break;
+    }
+    text.append(arrived);
+    file.consume(arrived.size());
+  } while (file.readMore());
+  return text.take();
+}
+
+}  // namespace
+
+Value readRest(LuaVM& vm, BufferedFile& file, unsigned line) {
+  TextBuilder text(LuaVM::Impl::of(vm).heap, file.estimateRest(), line);
+  do {
+    text.append(file.unread());
+    file.consume(file.unread().size());
+  } while (file.readMore());
+  return text.take();
+}
+
+Value readLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, unsigned line) {
+  for (;;) {
+    const std::string_view arrived = file.unread();
+    const std::size_t feed = arrived.find('\n');
+    if (feed != std::string_view::npos) {
+      return takeString(vm, file, feed + (keepLineFeed ? 1 : 0), feed + 1);
+    }
+    if (arrived.size() == BufferedFile::kBufferBytes) {
+      return readLongLine(vm, file, keepLineFeed, line);
+    }
+    if (!file.readMore()) {
+      return arrived.empty() ? Value() : takeString(vm, file, arrived.size(), arrived.size());
+    }
+  }
+}
+
+Value readBytes(LuaVM& vm, BufferedFile& file, std::uint64_t count, unsigned line) {
+  if (isAtEnd(file)) return Value();
+  if (count <= file.unread().size()) return takeString(vm, file, count, count);
+  TextBuilder text(LuaVM::Impl::of(vm).heap, std::min<std::uint64_t>(count, file.estimateRest()),
+                   line);
+  do {
+    const std::string_view piece = file.unread().substr(0, count);
+    text.append(piece);
+    file.consume(piece.size());
+    count -= piece.size();
+  } while (count > 0 && file.readMore());
+  return text.take();
+}
+
+namespace {
+
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+constexpr std::size_t kUsualNumberLength = 32;  // bytes
+
+// Takes a number's text from a file, never more of it than can belong to the number: what follows
+// is looked at in the buffer, up to three bytes ahead.
+class NumberScanner {
+ public:
+  NumberScanner(LuaVM& vm, BufferedFile& file, unsigned line)
+      : file_(file), text_(LuaVM::Impl::of(vm).heap, kUsualNumberLength, line) {}
+
+  // The text, owned, or nil.
+  Value scan() {
+    while (isOneOf(kWhiteSpace, 0)) file_.consume(1);
+    const std::size_t sign = isOneOf("+-", 0) ? 1 : 0;
+    const std::size_t point = isOneOf(".", sign) ? 1 : 0;
+    if (!isOneOf(kDigits, sign + point)) return Value();
+    take(sign);
+    takeDigits();
+    if (isOneOf(".", 0)) take(1);
+    takeDigits();
+    takeExponent();
+    return text_.take();
+  }
+
+ private:
+  bool isOneOf(std::string_view set, std::size_t ahead) {
+    while (file_.unread().size() <= ahead) {
+      if (!file_.readMore()) return false;
+    }
+    return set.find(file_.unread()[ahead]) != std::string_view::npos;
+  }
+
+  void take(std::size_t count) {
+    text_.append(file_.unread().substr(0, count));
+    file_.consume(count);
+  }
+
+  void takeDigits() {
+    while (isOneOf(kDigits, 0)) {
+      take(std::min(file_.unread().find_first_not_of(kDigits), file_.unread().size()));
+    }
+  }
+
+  void takeExponent() {
+    if (!isOneOf("eE", 0)) return;
+    const std::size_t sign = isOneOf("+-", 1) ? 1 : 0;
+    if (!isOneOf(kDigits, 1 + sign)) return;
+    take(1 + sign);
+    takeDigits();
+  }
+
+  BufferedFile& file_;
+  TextBuilder text_;
+};
+
+}  // namespace
+
+Value readNumber(LuaVM& vm, BufferedFile& file, unsigned line) {
+  const OwnedValue text(NumberScanner(vm, file, line).scan());
+  return baseToNumber(vm, ValueSpan(&text.get(), 1), line).first();
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,206 @@
+#include <unistd.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "lua/lua_vm_impl.h"
+#include "lua/stdlib/arguments.h"
+#include "lua/stdlib/buffered_file.h"
+#include "lua/stdlib/file_reading.h"
+#include "lua/stdlib/library.h"
+#include "lua/stdlib/native_handles.h"
+#include "lua/stdlib/standard_output.h"
+#include "lua/value/errors.h"
+
+// io.open, io.write, and the methods of files and streams.
+
+namespace tarvel::lua {
+
+namespace internal {
+
+namespace {
+
+constexpr const char* kFailedToWrite = "failed to write file";
+
+// Runs `action` with the file that is the receiver. What the file throws becomes the script's
+// error.
+template <class Action>
+MultiValue withOpenFile(const char* name, ValueSpan args, unsigned line, const Action& action) {
+  NativeObject& object = requireUserData(name, args, 0, line, NativeObject::Kind::File);
+  FileHandle& handle = static_cast<FileHandle&>(*object.handle);
+  if (handle.file == nullptr) failRuntime(line, "file is not open");
+  try {
+    return action(handle);
+  } catch (const FileError& error) {
+    failRuntime(line, error.what());
+  }
+}
+
+// Passes the printable form of each argument from `first` on to `write`, in order.
+template <class Writer>
+void writeArguments(ValueSpan args, std::size_t first, const Writer& write) {
+  std::string rendering;
+  for (std::size_t i = first; i < args.size(); ++i) {
+    if (args[i].isString()) {
+      write(args[i].string->view());
+    } else {
+      rendering.clear();
+      args[i].appendTo(rendering);
+      write(std::string_view(rendering));
+    }
+  }
+}
+
+void writeToStream(StreamHandle::Writer stream, ValueSpan args, std::size_t first, unsigned line) {
+  writeArguments(args, first, [stream, line](std::string_view text) {
+    if (!stream(text)) failRuntime(line, kFailedToWrite);
+  });
+}
+
+// What file:read is asked for: 'a', 'l', 'L' or 'n' as scripts write them, or a number of bytes.
+struct ReadRequest {
+  static constexpr char kBytes = '#';
+
+  char format;
+  std::uint64_t count = 0;
+};
+
+ReadRequest requireReadRequest(ValueSpan args, unsigned line) {
+  if (args.size() < 2) return {'l'};
+  if (args[1].isNumber()) {
+    const std::int64_t count = args[1].asInteger();
+    if (count >= 0) return {ReadRequest::kBytes, static_cast<std::uint64_t>(count)};
+  } else if (args[1].isString()) {
+    std::string_view format = args[1].string->view();
+    if (format.starts_with('*')) format.remove_prefix(1);
+    if (format == "a" || format == "l" || format == "L" || format == "n") return {format[0]};
+  }
+  failRuntime(line, "invalid read format");
+}
+
+Value readRequested(LuaVM& vm, BufferedFile& file, ReadRequest request, unsigned line) {
+  switch (request.format) {
+    case 'a':
+      return readRest(vm, file, line);
+    case 'n':
+      return readNumber(vm, file, line);
+    case ReadRequest::kBytes:
+      return readBytes(vm, file, request.count, line);
+    default:
+      return readLine(vm, file, request.format == 'L', line);
+  }
+}
+
+MultiValue fileRead(LuaVM& vm, ValueSpan args, unsigned line) {  // file:read
+  requireArgumentCount("file:read", args.size(), 1, 2);
+  return withOpenFile("file:read", args, line, [&](FileHandle& handle) {
+    const ReadRequest request = requireReadRequest(args, line);
+    handle.file->startReading();
+    return MultiValue(readRequested(vm, *handle.file, request, line));
+  });
+}
+
+MultiValue fileWrite(LuaVM&, ValueSpan args, unsigned line) {  // file:write
+  requireArgumentCount("file:write", args.size(), 2, kAnyCount);
+  return withOpenFile("file:write", args, line, [args](FileHandle& handle) {
+    writeArguments(args, 1, [&handle](std::string_view text) { handle.file->write(text); });
+    return MultiValue(retain(args[0]));
+  });
+}
+
+int requireWhence(ValueSpan args, unsigned line) {
+  if (args.size() < 2) return SEEK_CUR;
+  const std::string_view name = requireString("file:seek", args, 1, line).view();
+  if (name == "set") return SEEK_SET;
+  if (name == "cur") return SEEK_CUR;
+  if (name == "end") return SEEK_END;
+  failRuntime(line, "invalid seek mode");
+}
+
+MultiValue fileSeek(LuaVM&, ValueSpan args, unsigned line) {  // file:seek
+  requireArgumentCount("file:seek", args.size(), 1, 3);
+  return withOpenFile("file:seek", args, line, [args, line](FileHandle& handle) {
+    const int whence = requireWhence(args, line);
+    const std::int64_t offset = args.size() < 3 ? 0 : requireInteger("file:seek", args, 2, line);
+    const std::optional<std::int64_t> position = handle.file->seek(offset, whence);
+    if (!position) failRuntime(line, "seek failed");
+    return MultiValue(Value(*position));
+  });
+}
+
+MultiValue fileClose(LuaVM&, ValueSpan args, unsigned line) {  // file:close
+  requireArgumentCount("file:close", args.size(), 1, 1);
+  return withOpenFile("file:close", args, line, [](FileHandle& handle) {
+    const std::unique_ptr<BufferedFile> file = std::move(handle.file);
+    file->close();
+    return MultiValue(Value(true));
+  });
+}
+
+MultiValue streamWrite(LuaVM&, ValueSpan args, unsigned line) {  // stream:write
+  requireArgumentCount("stream:write", args.size(), 2, kAnyCount);
+  NativeObject& object = requireUserData("stream:write", args, 0, line, NativeObject::Kind::Stream);
+  const StreamHandle& stream = static_cast<const StreamHandle&>(*object.handle);
+  if (stream.write == nullptr) failRuntime(line, "stream is not available");
+  writeToStream(stream.write, args, 1, line);
+  return MultiValue(retain(args[0]));
+}
+
+struct Method {
+  std::string_view field;
+  const char* name;
+  MultiValue (*function)(LuaVM&, ValueSpan, unsigned);
+};
+
+// A stream has the file methods, too, which then refuse it.
+constexpr Method kMethods[] = {
+    {"read", "file:read", fileRead},
+    {"seek", "file:seek", fileSeek},
+    {"close", "file:close", fileClose},
+};
+constexpr Method kFileWrite = {"write", "file:write", fileWrite};
+constexpr Method kStreamWrite = {"write", "stream:write", streamWrite};
+
+const Method* findMethod(NativeObject::Kind kind, std::string_view field) noexcept {
+  const Method& write = kind == NativeObject::Kind::File ? kFileWrite : kStreamWrite;
+  if (field == write.field) return &write;
+  for (const Method& method : kMethods) {
+    if (field == method.field) return &method;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+// Failing to open is a result, not an error.
+MultiValue ioOpen(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("io.open", args.size(), 1, 2);
+  const std::string path(requireString("io.open", args, 0, line).view());
+  const std::string_view letters =
+      isGiven(args, 1) ? requireString("io.open", args, 1, line).view() : "r";
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  std::unique_ptr<BufferedFile> file = BufferedFile::open(path, OpenMode::fromLetters(letters));
+  if (file == nullptr) {
+    return MultiValue{Value(), interpreter.makeString("failed to open file: " + path)};
+  }
+  return MultiValue(Value(NativeObject::create(interpreter.heap, NativeObject::Kind::File,
+                                               std::make_unique<FileHandle>(std::move(file)))));
+}
+
+MultiValue ioWrite(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("io.write", args.size(), 1, kAnyCount);
+  writeToStream(writeStandardOutput, args, 0, line);
+  return MultiValue(retain(LuaVM::Impl::of(vm).standardOutput.get()));
+}
+
+}  // namespace internal
+
+internal::Value LuaVM::Impl::nativeObjectField(internal::NativeObject& object,
+                                               internal::StringObject* name) {
+  const internal::Method* const method = internal::findMethod(object.kind, name->view());
+  return method != nullptr ? makeNative(method->name, method->function) : Value();
+}
+
+}  // namespace tarvel::lua

@@ -1,0 +1,44 @@
+#include <cmath>
+
+#include "lua/stdlib/arguments.h"
+#include "lua/stdlib/library.h"
+#include "lua/value/number_rules.h"
+
+// math.min, math.max, math.floor. All compute with doubles, so integers beyond 2^53 lose their last
+// digits; this is the dialect's number model.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// A whole result becomes an integer whatever the arguments were.
+template <class Fold>
+MultiValue foldNumbers(const char* name, ValueSpan args, unsigned line, Fold fold) {
+  requireArgumentCount(name, args.size(), 1, kAnyCount);
+  double result = requireNumber(name, args, 0, line);
+  for (std::size_t i = 1; i < args.size(); ++i) {
+    result = fold(result, requireNumber(name, args, i, line));
+  }
+  std::int64_t whole = 0;
+  return MultiValue(wholeNumber(result, whole) ? Value(whole) : Value(result));
+}
+
+}  // namespace
+
+MultiValue mathMin(LuaVM&, ValueSpan args, unsigned line) {
+  return foldNumbers("math.min", args, line, [](double a, double b) { return std::fmin(a, b); });
+}
+
+MultiValue mathMax(LuaVM&, ValueSpan args, unsigned line) {
+  return foldNumbers("math.max", args, line, [](double a, double b) { return std::fmax(a, b); });
+}
+
+// 2^63 itself counts as in range and saturates; NaN becomes 0.
+MultiValue mathFloor(LuaVM&, ValueSpan args, unsigned line) {
+  requireArgumentCount("math.floor", args.size(), 1, 1);
+  const double floored = std::floor(requireNumber("math.floor", args, 0, line));
+  if (std::fabs(floored) > kTwoTo63) return MultiValue(Value(floored));
+  return MultiValue(Value(saturatingInteger(floored)));
+}
+
+}  // namespace tarvel::lua::internal

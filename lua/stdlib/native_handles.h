@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "lua/stdlib/buffered_file.h"
+#include "lua/value/native_object.h"
+
+// What the two kinds of native objects hold.
+
+namespace tarvel::lua::internal {
+
+// NativeObject::Kind::File.
+struct FileHandle final : NativeHandle {
+  explicit FileHandle(std::unique_ptr<BufferedFile> openFile) : file(std::move(openFile)) {}
+
+  std::unique_ptr<BufferedFile> file;  // empty once closed
+};
+
+// NativeObject::Kind::Stream.
+struct StreamHandle final : NativeHandle {
+  // Returns false when the stream could not take all of the text.
+  using Writer = bool (*)(std::string_view text) noexcept;
+
+  explicit StreamHandle(Writer writer) : write(writer) {}
+
+  Writer write;  // null for an object without a stream
+};
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,173 @@
+#include "lua/stdlib/pattern_expression.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "lua/value/value_stack.h"
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// What was measured with g++ and clang, optimised or not, and half as much again at least.
+// Sanitizers widen the frames.
+#ifdef TARVELLUA_CHECKED_HEAP
+constexpr std::size_t kFrameFactor = 4;
+#else
+constexpr std::size_t kFrameFactor = 1;
+#endif
+// The matcher takes up to 320 bytes of stack for a state.
+constexpr std::size_t kStateBytes = 512 * kFrameFactor;
+// The compiler takes up to 143 bytes for each element of a sequence, 560 for each open group.
+constexpr std::size_t kElementBytes = 256 * kFrameFactor;
+constexpr std::size_t kGroupBytes = 1024 * kFrameFactor;
+constexpr std::size_t kCompilerBytes = 8192 * kFrameFactor;  // whatever the expression is
+
+[[noreturn]] void failStack() { throw std::regex_error(std::regex_constants::error_stack); }
+
+std::size_t countOf(std::string_view text, char c) noexcept {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), c));
+}
+
+const std::string& requireRoomToCompile(const std::string& expression) {
+  const std::size_t needed =
+      kCompilerBytes + expression.size() * kElementBytes + countOf(expression, '(') * kGroupBytes;
+  if (needed > hostStackRoom()) failStack();
+  return expression;
+}
+
+bool repeatsWhatCanBeEmpty(char before, char c) noexcept {
+  const auto isQuantifier = [](char q) { return q == '*' || q == '+' || q == '?' || q == '-'; };
+  return isQuantifier(c) && (before == ')' || isQuantifier(before));
+}
+
+const char* addressOf(const char* byte) noexcept { return byte; }
+const char* addressOf(GuardedPosition position) noexcept { return position.address(); }
+
+template <class Submatch>
+std::string_view textOf(const Submatch& part) noexcept {
+  if (!part.matched) return {};
+  const char* const start = addressOf(part.first);
+  return {start, static_cast<std::size_t>(addressOf(part.second) - start)};
+}
+
+template <class Results>
+void report(const Results& results, std::string_view subject, PatternMatch& match) {
+  match.text = textOf(results[0]);
+  match.start = static_cast<std::size_t>(match.text.data() - subject.data());
+  match.end = match.start + match.text.size();
+  match.captures.resize(results.size() - 1);
+  for (std::size_t i = 0; i < match.captures.size(); ++i)
+    match.captures[i] = textOf(results[i + 1]);
+}
+
+}  // namespace
+
+// Every state stems from a byte of the pattern, but for a few around them. Where nothing but single
+// bytes is repeated, a match passes each state once, and the two of a repetition once for every
+// byte. Otherwise it may, between two bytes, enter each repetition twice (the matcher sees to that)
+// and pass every state in between; a lookahead adds a search within the search.
+RecursionBound RecursionBound::of(std::string_view pattern) noexcept {
+  const std::size_t states = pattern.size() + 4;
+  std::size_t rounds = 1;
+  std::size_t searches = 1;
+  for (std::size_t i = 1; i < pattern.size(); ++i) {
+    if (repeatsWhatCanBeEmpty(pattern[i - 1], pattern[i])) rounds += 2;
+    if (pattern[i - 1] == '(' && pattern[i] == '?') ++searches;
+  }
+  const std::size_t statesAtOnce = states * rounds * searches;
+  return {statesAtOnce, rounds == 1 ? 2 * searches : statesAtOnce};
+}
+
+std::size_t RecursionBound::stackForStep() const noexcept { return statesAtOnce * kStateBytes; }
+
+std::size_t RecursionBound::stackFor(std::size_t subjectLength) const noexcept {
+  return (statesAtOnce + statesPerByte * subjectLength) * kStateBytes;
+}
+
+PatternExpression::PatternExpression(std::string_view pattern)
+    : PatternExpression(pattern, translateLuaPatternToRegex(pattern)) {}
+
+PatternExpression::PatternExpression(std::string_view pattern, const std::string& expression)
+    : expression_(requireRoomToCompile(expression)),
+      hints_(findSearchHints(expression)),
+      bound_(RecursionBound::of(pattern)) {}
+
+bool PatternExpression::search(std::string_view subject, std::size_t from, PatternMatch& match) {
+  using namespace std::regex_constants;
+  const char* const begin = subject.data() + from;
+  // At a later position there is nothing that `^` could match.
+  if (hints_.anchored) return searchFrom(begin, subject, match_continuous, match);
+  if (hints_.required && std::memchr(begin, *hints_.required, subject.size() - from) == nullptr) {
+    return false;
+  }
+  const bool oneByOne = !hints_.prefix.empty() || hints_.run;
+  const char* next = findCandidate(subject, begin);
+  while (next != nullptr) {
+    if (hints_.isLiteral) {
+      match.set(subject, static_cast<std::size_t>(next - subject.data()), hints_.prefix.size());
+      return true;
+    }
+    // As std::regex itself goes on to a later position: with a byte in front, so that `^` does not
+    // match there.
+    const auto flags = next == begin ? match_default : match_prev_avail;
+    if (!oneByOne) return searchFrom(next, subject, flags, match);
+    if (searchFrom(next, subject, flags | match_continuous, match)) return true;
+    next = findCandidate(subject, skipFailed(subject, next));
+  }
+  return false;
+}
+
+namespace {
+
+template <class Condition>
+const char* findByte(const char* next, const char* end, Condition condition) noexcept {
+  return std::find_if(
+      next, end, [condition](char byte) { return condition(static_cast<unsigned char>(byte)); });
+}
+
+}  // namespace
+
+const char* PatternExpression::findCandidate(std::string_view subject,
+                                             const char* next) const noexcept {
+  if (!hints_.prefix.empty()) {
+    const auto offset = static_cast<std::size_t>(next - subject.data());
+    const std::size_t start = subject.find(hints_.prefix, offset);
+    return start == std::string_view::npos ? nullptr : subject.data() + start;
+  }
+  if (!hints_.first) return next;
+  const char* const end = subject.data() + subject.size();
+  next = findByte(next, end, [&first = *hints_.first](unsigned char byte) { return first[byte]; });
+  return next == end ? nullptr : next;
+}
+
+const char* PatternExpression::skipFailed(std::string_view subject,
+                                          const char* candidate) const noexcept {
+  if (!hints_.run) return candidate + 1;
+  const char* const end = subject.data() + subject.size();
+  const auto isOutside = [&run = *hints_.run](unsigned char byte) { return !run[byte]; };
+  const char* const runEnd = findByte(candidate, end, isOutside);
+  return std::max(runEnd, candidate + 1);
+}
+
+bool PatternExpression::searchFrom(const char* first, std::string_view subject,
+                                   std::regex_constants::match_flag_type flags,
+                                   PatternMatch& match) {
+  const char* const end = subject.data() + subject.size();
+  const std::size_t room = hostStackRoom();
+  if (bound_.stackFor(static_cast<std::size_t>(end - first)) <= room) {
+    if (!std::regex_search(first, end, results_, expression_, flags)) return false;
+    report(results_, subject, match);
+    return true;
+  }
+  // It may still do, because few searches go as deep as the subject is long.
+  if (bound_.stackForStep() > room) failStack();
+  SearchStackLimit::set(hostStackFloor() + bound_.stackForStep());
+  const bool found = std::regex_search(GuardedPosition(first), GuardedPosition(end),
+                                       guardedResults_, expression_, flags);
+  if (SearchStackLimit::isExceeded()) failStack();
+  if (found) report(guardedResults_, subject, match);
+  return found;
+}
+
+}  // namespace tarvel::lua::internal

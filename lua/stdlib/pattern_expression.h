@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <regex>
+#include <string>
+#include <string_view>
+
+#include "lua/stdlib/guarded_position.h"
+#include "lua/stdlib/pattern.h"
+#include "lua/stdlib/pattern_hints.h"
+
+namespace tarvel::lua::internal {
+
+// How deep the matcher of std::regex can recurse for an expression: it does so for every state of
+// the expression that a match passes through.
+struct RecursionBound {
+  std::size_t statesAtOnce;  // between one byte of the subject and the next
+  std::size_t statesPerByte;
+
+  static RecursionBound of(std::string_view pattern) noexcept;
+
+  // Bytes of stack.
+  std::size_t stackForStep() const noexcept;
+  std::size_t stackFor(std::size_t subjectLength) const noexcept;
+};
+
+// A pattern ready for searching.
+class PatternExpression {
+ public:
+  // Throws std::regex_error: what std::regex says of the expression, or error_stack where the stack
+  // that is left may not do for compiling it.
+  explicit PatternExpression(std::string_view pattern);
+
+  // As PatternSearcher::find.
+  bool search(std::string_view subject, std::size_t from, PatternMatch& match);
+
+  std::size_t captureCount() const noexcept { return expression_.mark_count(); }
+
+ private:
+  PatternExpression(std::string_view pattern, const std::string& expression);
+
+  // The first position from `next` on where a match may start; null if there is none.
+  const char* findCandidate(std::string_view subject, const char* next) const noexcept;
+  // Where to go on when there was no match at a candidate.
+  const char* skipFailed(std::string_view subject, const char* candidate) const noexcept;
+  // Tries the positions from `first` on, or only that one with match_continuous.
+  bool searchFrom(const char* first, std::string_view subject,
+                  std::regex_constants::match_flag_type flags, PatternMatch& match);
+
+  std::regex expression_;
+  SearchHints hints_;
+  RecursionBound bound_;
+  // Scratch, kept for their memory.
+  std::cmatch results_;
+  std::match_results<GuardedPosition> guardedResults_;
+};
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,179 @@
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "lua/lua_vm_impl.h"
+#include "lua/stdlib/arguments.h"
+#include "lua/stdlib/library.h"
+#include "lua/stdlib/text_builder.h"
+
+// string.sub, rep, format, unpack. Positions count bytes from 1.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// A negative position counts from the end.
+std::int64_t fromStart(std::int64_t position, std::int64_t length) noexcept {
+  return position < 0 ? position + length + 1 : position;
+}
+
+// Each step copies all that is there, so that short texts are not copied one by one.
+void fillWithRepetitions(char* target, std::size_t length, std::string_view text) noexcept {
+  std::size_t filled = text.copy(target, text.size());
+  while (filled < length) {
+    filled += std::string_view(target, filled).copy(target + filled, length - filled);
+  }
+}
+
+}  // namespace
+
+MultiValue stringSub(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.sub", args.size(), 2, 3);
+  const std::string_view text = requireString("string.sub", args, 0, line).view();
+  const std::int64_t from = requireInteger("string.sub", args, 1, line);
+  const std::int64_t to = isGiven(args, 2) ? requireInteger("string.sub", args, 2, line) : -1;
+
+  const auto length = static_cast<std::int64_t>(text.size());
+  const std::int64_t first = std::max<std::int64_t>(fromStart(from, length), 1);
+  const std::int64_t last = std::min(fromStart(to, length), length);
+  if (first == 1 && last == length) return MultiValue(retain(args[0]));
+  const std::int64_t count = last >= first ? last - first + 1 : 0;
+  const char* const start = count > 0 ? text.data() + (first - 1) : text.data();
+  return MultiValue(LuaVM::Impl::of(vm).makeString({start, static_cast<std::size_t>(count)}));
+}
+
+MultiValue stringRep(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.rep", args.size(), 2, 2);
+  const std::string_view text = requireString("string.rep", args, 0, line).view();
+  const std::int64_t times = requireInteger("string.rep", args, 1, line);
+
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  if (times < 1 || text.empty()) return MultiValue(interpreter.makeString({}));
+  if (times == 1) return MultiValue(retain(args[0]));
+  const std::size_t most = StringObject::kMaximumLength / text.size();
+  if (static_cast<std::uint64_t>(times) > most) failNotEnoughMemory(line);
+  const std::size_t length = text.size() * static_cast<std::size_t>(times);
+  StringObject* const repeated = createText(interpreter.heap, length, line);
+  fillWithRepetitions(repeated->data(), length, text);
+  return MultiValue(Value(repeated));
+}
+
+// ---- string.format ------------------------------------------------------------------------------
+
+namespace {
+
+const Value& requireNumberFor(const Value& value, const char* message, unsigned line) {
+  if (!value.isNumber()) failRuntime(line, message);
+  return value;
+}
+
+// `%f` is not a fixed notation but the printable form of a float, with six significant digits; this
+// is meant.
+void appendFormatted(TextBuilder& out, char token, const Value& value, unsigned line) {
+  switch (token) {
+    case 'd':
+    case 'i':
+      out.append(
+          Value(requireNumberFor(value, "integer format expects a number", line).asInteger()));
+      return;
+    case 'f':
+      out.append(Value(requireNumberFor(value, "float format expects a number", line).asFloat()));
+      return;
+    case 's':
+      out.append(value);
+      return;
+    default:
+      failRuntime(line, std::string("unsupported format token %") + token);
+  }
+}
+
+constexpr std::size_t kUsualArgumentLength = 8;  // bytes
+
+}  // namespace
+
+MultiValue stringFormat(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.format", args.size(), 1, kAnyCount);
+  std::string_view rest = requireString("string.format", args, 0, line).view();
+  TextBuilder out(LuaVM::Impl::of(vm).heap, rest.size() + args.size() * kUsualArgumentLength, line);
+  for (std::size_t next = 1;;) {
+    const std::size_t percent = rest.find('%');
+    out.append(rest.substr(0, percent));
+    if (percent == std::string_view::npos) return MultiValue(out.take());
+    if (percent + 1 == rest.size()) failRuntime(line, "unterminated format token");
+    const char token = rest[percent + 1];
+    rest.remove_prefix(percent + 2);
+    if (token == '%') {
+      out.append("%");
+      continue;
+    }
+    if (next == args.size()) failRuntime(line, "missing format argument");
+    appendFormatted(out, token, args[next++], line);
+  }
+}
+
+// ---- string.unpack ------------------------------------------------------------------------------
+
+namespace {
+
+constexpr std::size_t kFieldBytes = 4;
+
+bool isWhiteSpace(char byte) noexcept { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
+
+// The width after an `I`. Without digits, or with too many, the call ends with the conversion's own
+// exception.
+int takeFieldWidth(std::string_view& format) {
+  const std::size_t digits = std::min(format.find_first_not_of("0123456789"), format.size());
+  const std::string width(format.substr(0, digits));
+  format.remove_prefix(digits);
+  return std::stoi(width);
+}
+
+// The unsigned field at `offset`, which it moves behind the field.
+std::int64_t takeField(std::string_view data, std::uint64_t& offset, bool bigEndian,
+                       unsigned line) {
+  if (offset + kFieldBytes > data.size()) {
+    failRuntime(line, "string.unpack ran past the end of the buffer");
+  }
+  std::uint32_t field = 0;
+  for (std::size_t i = 0; i < kFieldBytes; ++i) {
+    const std::size_t place = bigEndian ? i : kFieldBytes - 1 - i;
+    field = field << 8 | static_cast<unsigned char>(data[offset + place]);
+  }
+  offset += kFieldBytes;
+  return field;
+}
+
+}  // namespace
+
+// Returns the fields and the position behind the last of them.
+MultiValue stringUnpack(LuaVM&, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.unpack", args.size(), 2, 3);
+  std::string_view format = requireString("string.unpack", args, 0, line).view();
+  const std::string_view data = requireString("string.unpack", args, 1, line).view();
+  const std::int64_t position =
+      args.size() > 2 ? requireInteger("string.unpack", args, 2, line) : 1;
+
+  auto offset = static_cast<std::uint64_t>(std::max<std::int64_t>(position, 1) - 1);
+  bool bigEndian = false;
+  MultiValue results;
+  while (!format.empty()) {
+    const char token = format.front();
+    format.remove_prefix(1);
+    if (token == '<' || token == '>') {
+      bigEndian = token == '>';
+    } else if (token == 'I') {
+      if (takeFieldWidth(format) != kFieldBytes) {
+        failRuntime(line, "TarvelLua only supports string.unpack I4 fields");
+      }
+      results.push(Value(takeField(data, offset, bigEndian, line)));
+    } else if (!isWhiteSpace(token)) {
+      failRuntime(line, "unsupported string.unpack format");
+    }
+  }
+  results.push(Value(static_cast<std::int64_t>(offset + 1)));
+  return results;
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,153 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "lua/lua_vm_impl.h"
+#include "lua/stdlib/arguments.h"
+#include "lua/stdlib/library.h"
+#include "lua/stdlib/pattern.h"
+#include "lua/stdlib/text_builder.h"
+#include "lua/value/iterator_state.h"
+
+// string.find, string.match, string.gmatch, string.gsub.
+
+namespace tarvel::lua::internal {
+
+namespace {
+
+// Positions before the subject are its start; they do not count from the end, unlike in string.sub.
+std::size_t requireInit(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  if (!isGiven(args, index)) return 0;
+  const std::int64_t init = requireInteger(name, args, index, line);
+  return static_cast<std::size_t>(std::max<std::int64_t>(init, 1) - 1);
+}
+
+MultiValue noMatch() { return MultiValue(Value()); }
+
+Value positionValue(std::size_t position) { return Value(static_cast<std::int64_t>(position)); }
+
+// Calls visit(match) for each match from left to right. Each search sees what follows the match
+// before it, or, where that was empty, what follows the next byte.
+template <class Visit>
+void forEachMatch(const PatternSearcher& searcher, std::string_view subject, Visit visit) {
+  PatternMatch match;
+  std::size_t cursor = 0;
+  while (searcher.find(subject, cursor, match)) {
+    visit(match);
+    cursor = match.end;
+    if (match.start != match.end) continue;
+    if (cursor == subject.size()) return;
+    ++cursor;
+  }
+}
+
+// A growing list of owned values.
+class OwnedValues {
+ public:
+  OwnedValues() = default;
+  ~OwnedValues() {
+    for (const Value& value : values_) drop(value);
+  }
+  OwnedValues(const OwnedValues&) = delete;
+  OwnedValues& operator=(const OwnedValues&) = delete;
+
+  void push(OwnedValue value) {
+    values_.push_back(value.get());
+    value.take();
+  }
+  // For a function that takes all of it over or throws.
+  std::vector<Value>&& release() noexcept { return std::move(values_); }
+
+ private:
+  std::vector<Value> values_;
+};
+
+}  // namespace
+
+MultiValue stringFind(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.find", args.size(), 2, 4);
+  const StringObject& subject = requireString("string.find", args, 0, line);
+  StringObject& pattern = requireString("string.find", args, 1, line);
+  const std::size_t init = requireInit("string.find", args, 2, line);
+  const bool plain = isGiven(args, 3) && args[3].isTruthy();
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  PatternMatch match;
+  if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, plain, match)) {
+    return noMatch();
+  }
+  MultiValue results{positionValue(match.start + 1), positionValue(match.end)};
+  for (const std::string_view capture : match.captures) {
+    results.push(interpreter.makeString(capture));
+  }
+  return results;
+}
+
+MultiValue stringMatch(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.match", args.size(), 2, 3);
+  const StringObject& subject = requireString("string.match", args, 0, line);
+  StringObject& pattern = requireString("string.match", args, 1, line);
+  const std::size_t init = requireInit("string.match", args, 2, line);
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  PatternMatch match;
+  if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, false, match)) {
+    return noMatch();
+  }
+  if (match.captures.empty()) return MultiValue(interpreter.makeString(match.text));
+  MultiValue results;
+  for (const std::string_view capture : match.captures) {
+    results.push(interpreter.makeString(capture));
+  }
+  return results;
+}
+
+// All matches are found here, so the loop sees the subject as it is now and a pattern that fails
+// does so in this call.
+MultiValue stringGmatch(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.gmatch", args.size(), 2, 2);
+  const StringObject& subject = requireString("string.gmatch", args, 0, line);
+  StringObject& pattern = requireString("string.gmatch", args, 1, line);
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  const PatternSearcher searcher(*interpreter.patterns, pattern);
+  OwnedValues items;
+  forEachMatch(searcher, subject.view(), [&](const PatternMatch& match) {
+    if (match.captures.empty()) items.push(OwnedValue(interpreter.makeString(match.text)));
+    for (const std::string_view capture : match.captures) {
+      items.push(OwnedValue(interpreter.makeString(capture)));
+    }
+  });
+  const std::size_t itemSize = std::max<std::size_t>(searcher.captureCount(), 1);
+  return MultiValue(Value(IteratorState::createGmatch(interpreter.heap, items.release(),
+                                                      static_cast<std::uint32_t>(itemSize))));
+}
+
+// The replacement goes in as it is: nothing in it is expanded, and a function or table is not asked
+// but rendered.
+MultiValue stringGsub(LuaVM& vm, ValueSpan args, unsigned line) {
+  requireArgumentCount("string.gsub", args.size(), 3, 3);
+  const std::string_view subject = requireString("string.gsub", args, 0, line).view();
+  StringObject& pattern = requireString("string.gsub", args, 1, line);
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  const PatternSearcher searcher(*interpreter.patterns, pattern);
+  const std::string rendering = args[2].isString() ? std::string() : args[2].toString();
+  const std::string_view replacement = args[2].isString() ? args[2].string->view() : rendering;
+  std::optional<TextBuilder> text;
+  std::size_t copied = 0;  // bytes of the subject
+  std::int64_t count = 0;
+  forEachMatch(searcher, subject, [&](const PatternMatch& match) {
+    if (!text) text.emplace(interpreter.heap, subject.size(), line);
+    text->append(subject.substr(copied, match.start - copied));
+    text->append(replacement);
+    copied = match.end;
+    ++count;
+  });
+  if (!text) return MultiValue{retain(args[0]), Value(count)};
+  text->append(subject.substr(copied));
+  return MultiValue{text->take(), Value(count)};
+}
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,42 @@
+#include "lua/stdlib/text_builder.h"
+
+#include <new>
+#include <utility>
+
+#include "lua/value/errors.h"
+
+namespace tarvel::lua::internal {
+
+void failNotEnoughMemory(unsigned line) { failRuntime(line, "not enough memory"); }
+
+StringObject* createText(Heap& heap, std::size_t length, unsigned line) {
+  try {
+    return StringObject::createUninitialized(heap, length);
+  } catch (const std::bad_alloc&) {
+    failNotEnoughMemory(line);
+  }
+}
+
+TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, unsigned line)
+    : heap_(heap), line_(line), text_(createText(heap, expectedLength, line)) {
+  text_.string->length = 0;
+}
+
+void TextBuilder::append(std::string_view bytes) {
+  try {
+    text_.string = StringObject::appendInPlace(heap_, text_.string, bytes);
+  } catch (const std::bad_alloc&) {
+    failNotEnoughMemory(line_);
+  }
+}
+
+void TextBuilder::append(const Value& value) {
+  if (value.isString()) return append(value.string->view());
+  rendering_.clear();
+  value.appendTo(rendering_);
+  append(rendering_);
+}
+
+Value TextBuilder::take() noexcept { return std::exchange(text_, Value()); }
+
+}  // namespace tarvel::lua::internal

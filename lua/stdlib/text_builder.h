@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "lua/value/heap.h"
+#include "lua/value/string_object.h"
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+[[noreturn]] void failNotEnoughMemory(unsigned line);
+
+// A string of `length` bytes for the caller to fill in, owned. Raises "not enough memory" at
+// `line`.
+StringObject* createText(Heap& heap, std::size_t length, unsigned line);
+
+// A string that a library function puts together piece by piece. It grows in the interpreter's own
+// memory, so a text that cannot be held raises "not enough memory" at the line of the call instead
+// of taking what the machine has not got.
+class TextBuilder {
+ public:
+  // `expectedLength` is a guess that saves growing; whoever knows the length exactly gets a string
+  // without spare room.
+  TextBuilder(Heap& heap, std::size_t expectedLength, unsigned line);
+  ~TextBuilder() { drop(text_); }
+  TextBuilder(const TextBuilder&) = delete;
+  TextBuilder& operator=(const TextBuilder&) = delete;
+
+  void append(std::string_view bytes);
+  // Appends the printable form.
+  void append(const Value& value);
+
+  // The finished string, owned by the caller. The builder is empty afterwards and of no further
+  // use.
+  Value take() noexcept;
+
+ private:
+  Heap& heap_;
+  unsigned line_;
+  Value text_;
+  std::string rendering_;
+};
+
+}  // namespace tarvel::lua::internal

@@ -1,0 +1,3 @@
+-- mode: command
+-- args: --compile {script} /dev/full
+-- expect error bare: failed to write file: /dev/full

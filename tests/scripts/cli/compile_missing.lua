@@ -1,0 +1,3 @@
+-- mode: command
+-- args: --compile {tmp}/missing.lua {tmp}/out
+-- expect error bare: failed to open file: {tmp}/missing.lua

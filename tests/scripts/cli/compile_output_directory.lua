@@ -1,0 +1,3 @@
+-- mode: command
+-- args: --compile {script} {tmp}
+-- expect error bare: failed to open file for writing: {tmp}

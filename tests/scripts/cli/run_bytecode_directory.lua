@@ -1,0 +1,3 @@
+-- mode: command
+-- args: --run-bytecode {tmp}
+-- expect error bare: failed to open file: {tmp}

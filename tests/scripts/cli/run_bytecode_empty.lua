@@ -1,0 +1,3 @@
+-- mode: command
+-- args: --run-bytecode /dev/null
+-- expect error bare: bytecode file is too small

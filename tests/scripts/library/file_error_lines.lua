@@ -1,0 +1,48 @@
+-- mode: repl
+-- Uncaught, the errors of files and streams carry the line of the call, but not those about the count of arguments.
+-- stdin: f = io.open("{tmp}/file", "rw")  closed = io.open("/dev/null")  closed:close()  full = io.open("/dev/full", "w")
+-- expect: lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> lua> 
+-- stdin: io.open()
+-- expect stderr: io.open expects between 1 and 2 arguments
+-- stdin: io.open(1)
+-- expect stderr: <repl>:1: io.open expects a string argument
+-- stdin: io.open("x", 1)
+-- expect stderr: <repl>:1: io.open expects a string argument
+-- stdin: io.write()
+-- expect stderr: io.write expects at least 1 arguments
+-- stdin: f.read()
+-- expect stderr: file:read expects between 1 and 2 arguments
+-- stdin: f.read(1)
+-- expect stderr: <repl>:1: file:read expects userdata
+-- stdin: io.stdout:read()
+-- expect stderr: <repl>:1: file:read received the wrong userdata type
+-- stdin: f:read("x")
+-- expect stderr: <repl>:1: invalid read format
+-- stdin: closed:read()
+-- expect stderr: <repl>:1: file is not open
+-- stdin: f:write()
+-- expect stderr: file:write expects at least 2 arguments
+-- stdin: f.write(1, 2)
+-- expect stderr: <repl>:1: file:write expects userdata
+-- stdin: closed:write("x")
+-- expect stderr: <repl>:1: file is not open
+-- stdin: f:seek(1, 2, 3)
+-- expect stderr: file:seek expects between 1 and 3 arguments
+-- stdin: f:seek(1)
+-- expect stderr: <repl>:1: file:seek expects a string argument
+-- stdin: f:seek("set", "x")
+-- expect stderr: <repl>:1: file:seek expects a numeric argument
+-- stdin: f:seek("nowhere")
+-- expect stderr: <repl>:1: invalid seek mode
+-- stdin: f:seek("set", -1)
+-- expect stderr: <repl>:1: seek failed
+-- stdin: f:close(1)
+-- expect stderr: file:close expects 1 argument
+-- stdin: io.stderr:close()
+-- expect stderr: <repl>:1: file:close received the wrong userdata type
+-- stdin: full:write("x") full:close()
+-- expect stderr: <repl>:1: failed to write file
+-- stdin: io.stdout:write()
+-- expect stderr: stream:write expects at least 2 arguments
+-- stdin: io.stdout.write("x", "y")
+-- expect stderr: <repl>:1: stream:write expects userdata
