@@ -158,6 +158,10 @@ void Table::set(TableKey key, Value owned) {
 
 void Table::setBeyondArray(std::int64_t key, Value owned) {
   const std::int64_t size = arraySize_;
+  if (key == size + 1 && arraySize_ < arrayCapacity_ && integerEntries_ == 0) {
+    new (&array_[arraySize_++]) Value(owned);
+    return;
+  }
   if (key < 1 || (key >= kFirstSparseKey && key > size + kDenseReach)) {
     setEntry(TableKey::ofInteger(key), owned);
     return;
