@@ -79,34 +79,39 @@ T* choosePivot(T* first, T* last, Less& less) {
                        medianOfThree(last - 1 - 2 * step, last - 1 - step, last - 1, less), less);
 }
 
-// Puts the pivot where it belongs and returns its place; everything before it is not after it in
-// the order, everything behind it not before. Stops at equal elements, so that many of them still
-// divide the range evenly.
-template <class T, class Less>
-T* partition(T* first, T* last, Less& less) {
-  std::swap(*first, *choosePivot(first, last, less));
-  const T pivot = *first;
-  T* low = first;
-  T* high = last;
-  for (;;) {
-    do ++low;
-    while (low < last && less(*low, pivot));
-    do --high;
-    while (high > first && less(pivot, *high));
-    if (low >= high) break;
-    std::swap(*low, *high);
+// Moves the elements that belong to the front there, keeping their order, and returns the end of
+// them. What `belongs` says is computed with instead of branched on, because no processor could
+// foresee it.
+template <class T, class Belongs>
+T* gather(T* first, T* last, Belongs belongs) {
+  T* end = first;
+  for (T* next = first; next < last; ++next) {
+    const T element = *next;
+    const std::ptrdiff_t advance = belongs(element) ? 1 : 0;
+    T* const place = next - ((next - end) & -advance);
+    *next = *place;
+    *place = element;
+    end += advance;
   }
-  std::swap(*first, *high);
-  return high;
+  return end;
 }
 
+// Each turn sorts what is behind a pivot and goes on with what is before it.
 template <class T, class Less>
 void sortWithin(T* first, T* last, int levelsLeft, Less& less) {
   while (last - first > kShortRun) {
     if (levelsLeft-- == 0) return heapSort(first, last, less);
-    T* const pivot = partition(first, last, less);
-    sortWithin(pivot + 1, last, levelsLeft, less);
-    last = pivot;
+    std::swap(*first, *choosePivot(first, last, less));
+    const T pivot = *first;
+    T* behind = gather(first + 1, last, [&](const T& element) { return less(element, pivot); });
+    T* const place = behind - 1;
+    std::swap(*first, *place);
+    // Few elements before it: there may be many equal ones, which are in their place then.
+    if (place - first < (last - first) / 8) {
+      behind = gather(behind, last, [&](const T& element) { return !less(pivot, element); });
+    }
+    sortWithin(behind, last, levelsLeft, less);
+    last = place;
   }
   insertionSort(first, last, less);
 }

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <stdexcept>
+#include <string_view>
+
+#include "lua/value/function_handle.h"
+#include "lua/value/heap.h"
+#include "lua/value/string_object.h"
+#include "lua/value/table.h"
+#include "lua/value/value.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define TARVELLUA_TEST_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define TARVELLUA_TEST_SANITIZED 1
+#endif
+#endif
+
+namespace tarvel::lua::internal {
+
+#ifdef TARVELLUA_TEST_SANITIZED
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
+// A heap of its own, and what tests make in it.
+class TestHeap {
+ public:
+  TestHeap() : heap_(Heap::create()) {}
+  ~TestHeap() { heap_->removeOwner(); }
+  TestHeap(const TestHeap&) = delete;
+  TestHeap& operator=(const TestHeap&) = delete;
+
+  Heap& get() const { return *heap_; }
+  OwnedValue text(std::string_view bytes) const {
+    return OwnedValue(Value(StringObject::create(*heap_, bytes)));
+  }
+  OwnedValue table(std::uint32_t arrayHint = 0, std::uint32_t entryHint = 0) const {
+    return OwnedValue(Value(Table::create(*heap_, arrayHint, entryHint)));
+  }
+  OwnedValue native(std::string_view name, NativeFunction function = {}) const {
+    StringObject* const text = StringObject::create(*heap_, name);
+    return OwnedValue(Value(FunctionObject::createNative(*heap_, text, std::move(function))));
+  }
+
+ private:
+  Heap* heap_;
+};
+
+inline std::uint64_t countOf(const OwnedValue& value) { return value.get().object->count; }
+
+// Runs `body` on a thread whose stack has `bytes` and waits for its end.
+inline void runOnStack(std::size_t bytes, std::function<void()> body) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_t thread;
+  const auto start = [](void* function) -> void* {
+    (*static_cast<std::function<void()>*>(function))();
+    return nullptr;
+  };
+  const bool started = pthread_attr_setstacksize(&attributes, bytes) == 0 &&
+                       pthread_create(&thread, &attributes, start, &body) == 0;
+  pthread_attr_destroy(&attributes);
+  if (!started) throw std::runtime_error("cannot start a thread");
+  pthread_join(thread, nullptr);
+}
+
+}  // namespace tarvel::lua::internal
