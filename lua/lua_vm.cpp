@@ -43,6 +43,7 @@ LuaVM::Impl::Impl(LuaVM& ownerVm)
       strings(heap),
       patterns(std::make_unique<internal::PatternCache>()) {
   anyFunction = OwnedValue(makeNative("", {}));
+  outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
   stringLibrarySlot = 0;
   bindDefaults();
   stringLibrarySlot = resolveGlobalSlot("string");
@@ -72,26 +73,31 @@ LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,
 
 namespace {
 
-// What a run leaves the interpreter with, however it ends: the stack as it was, nothing on it.
+// What a run leaves the interpreter with, however it ends: the stack as it was, nothing on it, and
+// no exit that would be taken for one of a run around it.
 class RunScope {
  public:
-  explicit RunScope(ValueStack& stack) : stack_(stack), mark_(stack.mark()) {
+  RunScope(ValueStack& stack, bool& exitRequested)
+      : stack_(stack), mark_(stack.mark()), exitRequested_(exitRequested) {
     stack_.enterThread();
   }
-  ~RunScope() { stack_.unwindTo(mark_); }
+  ~RunScope() {
+    stack_.unwindTo(mark_);
+    exitRequested_ = false;
+  }
   RunScope(const RunScope&) = delete;
   RunScope& operator=(const RunScope&) = delete;
 
  private:
   ValueStack& stack_;
   ValueStack::Mark mark_;
+  bool& exitRequested_;
 };
 
 }  // namespace
 
 LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
-  const RunScope scope(stack);
-  exitRequested = false;
+  const RunScope scope(stack, exitRequested);
   try {
     MultiValue results;
     {

@@ -144,6 +144,7 @@ class LuaVM::Impl {
   internal::ValueStack stack;
   internal::OwnedValue standardOutput;  // io.stdout as it was made; scripts may overwrite the field
   internal::OwnedValue anyFunction;     // a function that is always there
+  internal::OwnedValue outOfMemoryText;  // the message, made while there is memory
   std::unique_ptr<internal::PatternCache> patterns;
   // Names to slots, and the slots themselves. A deque, because the tree points at the slots.
   std::unordered_map<std::string, std::size_t> globalSlots;

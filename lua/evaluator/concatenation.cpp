@@ -53,8 +53,8 @@ StringObject* joinTwo(Heap& heap, const Value& left, const Value& right) {
   return text;
 }
 
-// Turns every piece into a string, so that the lengths are known before the result is made.
-StringObject* joinAll(Heap& heap, Value* first, Value* end) {
+// Turns every piece into a string, and returns the length of all of them.
+std::size_t convertPieces(Heap& heap, Value* first, Value* end) {
   std::size_t length = 0;
   for (Value* piece = first; piece != end; ++piece) {
     if (!piece->isString()) {
@@ -62,7 +62,12 @@ StringObject* joinAll(Heap& heap, Value* first, Value* end) {
     }
     length += piece->string->length;
   }
-  StringObject* const text = StringObject::createUninitialized(heap, length);
+  return length;
+}
+
+StringObject* joinAll(Heap& heap, Value* first, Value* end) {
+  StringObject* const text =
+      StringObject::createUninitialized(heap, convertPieces(heap, first, end));
   char* next = text->data();
   for (Value* piece = first; piece != end; ++piece) {
     next = std::copy_n(piece->string->data(), piece->string->length, next);
@@ -92,12 +97,18 @@ void evaluatePieces(const ConcatExpr* concat, std::uint32_t first, Value* base) 
 }
 
 void appendPieces(const ConcatExpr* concat, std::uint32_t first, Value& text, Value* base) {
-  Value* const pieces = piecesOf(concat, base);
-  for (std::uint32_t i = first; i < concat->operands.size; ++i) {
-    const Piece piece(pieces[i]);
-    text.string = StringObject::appendInPlace(concat->interpreter->heap, text.string, piece.text());
-    clearSlot(pieces[i]);
+  Heap& heap = concat->interpreter->heap;
+  Value* const begin = piecesOf(concat, base) + first;
+  Value* const end = piecesOf(concat, base) + concat->operands.size;
+  if (end - begin == 1) {
+    const Piece piece(*begin);
+    text.string = StringObject::reserveInPlace(heap, text.string, piece.text().size());
+    text.string->append(piece.text());
+  } else {
+    text.string = StringObject::reserveInPlace(heap, text.string, convertPieces(heap, begin, end));
+    for (Value* piece = begin; piece != end; ++piece) text.string->append(piece->string->view());
   }
+  clearSlots(begin, end);
 }
 
 void chooseConcat(ConcatExpr& concat) {

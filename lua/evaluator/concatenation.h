@@ -10,8 +10,7 @@ namespace tarvel::lua::internal {
 void evaluatePieces(const ConcatExpr* concat, std::uint32_t first, Value* base);
 
 // Appends the text of the pieces from number `first` on to `text`, a slot that holds the only
-// reference to a string, and empties their slots. On failure (std::bad_alloc) the slot holds what
-// was appended so far.
+// reference to a string, and empties their slots. On failure (std::bad_alloc) nothing is appended.
 void appendPieces(const ConcatExpr* concat, std::uint32_t first, Value& text, Value* base);
 
 }  // namespace tarvel::lua::internal

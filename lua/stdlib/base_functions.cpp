@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <exception>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -103,6 +104,12 @@ MultiValue failedCall(LuaVM::Impl& interpreter, const ValueStack::Mark& mark,
   return MultiValue{Value(false), interpreter.makeString(message)};
 }
 
+// There may be no memory for a message either.
+MultiValue outOfMemory(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
+  interpreter.stack.unwindTo(mark);
+  return MultiValue{Value(false), retain(interpreter.outOfMemoryText.get())};
+}
+
 }  // namespace
 
 // ExitSignal and what a host throws besides standard exceptions pass through.
@@ -119,6 +126,8 @@ MultiValue basePcall(LuaVM& vm, ValueSpan args, unsigned line) {
     return results;
   } catch (const ProtectedRuntimeError& error) {
     return failedCall(interpreter, mark, error.message);
+  } catch (const std::bad_alloc&) {
+    return outOfMemory(interpreter, mark);
   } catch (const std::exception& error) {
     return failedCall(interpreter, mark, exceptionText(error));
   }

@@ -24,10 +24,11 @@ TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, unsigned line)
 
 void TextBuilder::append(std::string_view bytes) {
   try {
-    text_.string = StringObject::appendInPlace(heap_, text_.string, bytes);
+    text_.string = StringObject::reserveInPlace(heap_, text_.string, bytes.size());
   } catch (const std::bad_alloc&) {
     failNotEnoughMemory(line_);
   }
+  text_.string->append(bytes);
 }
 
 void TextBuilder::append(const Value& value) {

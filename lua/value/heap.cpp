@@ -1,6 +1,7 @@
 #include "lua/value/heap.h"
 
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,12 +13,27 @@
 #include <new>
 #include <string>
 
+#include "lua/value/value.h"
+
 namespace tarvel::lua::internal {
 
 namespace {
 
 // Below this nobody asks how much memory the machine has.
 constexpr std::size_t kUnquestionedBytes = std::size_t{64} << 20;
+
+// What is left of the address space that the process may use.
+std::size_t addressSpaceLeft() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
+    return std::numeric_limits<std::size_t>::max();
+  }
+  std::ifstream file("/proc/self/statm");
+  std::size_t pages = 0;
+  file >> pages;
+  const std::size_t used = pages * static_cast<std::size_t>(std::max(sysconf(_SC_PAGESIZE), 1L));
+  return limit.rlim_cur > used ? limit.rlim_cur - used : 0;
+}
 
 std::size_t readLimitFile(const char* path) {
   std::ifstream file(path);
@@ -32,7 +48,7 @@ std::size_t memoryBudget() {
     const auto pages = static_cast<std::size_t>(std::max(sysconf(_SC_PHYS_PAGES), 1L));
     const auto pageBytes = static_cast<std::size_t>(std::max(sysconf(_SC_PAGESIZE), 1L));
     const std::size_t available =
-        std::min({pages * pageBytes, readLimitFile("/sys/fs/cgroup/memory.max"),
+        std::min({pages * pageBytes, addressSpaceLeft(), readLimitFile("/sys/fs/cgroup/memory.max"),
                   readLimitFile("/sys/fs/cgroup/memory/memory.limit_in_bytes")});
     return available / 10 * 8;
   }();
@@ -44,7 +60,9 @@ std::size_t memoryBudget() {
 Heap* Heap::create() { return new Heap; }
 
 void Heap::removeOwner() noexcept {
-  if (--owners_ == 0) delete this;
+  if (--owners_ != 0) return;
+  destroyWaitingObjects();
+  delete this;
 }
 
 void Heap::charge(std::size_t bytes) {
@@ -145,10 +163,30 @@ Heap& Heap::of(const void* smallBlock) noexcept {
 
 void* Heap::carve(std::size_t sizeClass) {
   const std::size_t bytes = std::max<std::size_t>(sizeClass, 1) * kGranularity;
-  if (static_cast<std::size_t>(slabEnd_ - bump_) < bytes) startSlab();
+  if (static_cast<std::size_t>(slabEnd_ - bump_) < bytes) {
+    try {
+      startSlab();
+    } catch (const std::bad_alloc&) {
+      return splitLargerBlock(std::max<std::size_t>(sizeClass, 1));
+    }
+  }
   void* const block = bump_;
   bump_ += bytes;
   return block;
+}
+
+// With no more memory to be had, free blocks of larger classes serve. Throws std::bad_alloc when
+// there are none either.
+void* Heap::splitLargerBlock(std::size_t sizeClass) {
+  for (std::size_t larger = sizeClass + 1; larger < free_.size(); ++larger) {
+    FreeBlock* const block = free_[larger];
+    if (block == nullptr) continue;
+    free_[larger] = block->next;
+    release(reinterpret_cast<std::byte*>(block) + sizeClass * kGranularity,
+            (larger - sizeClass) * kGranularity);
+    return block;
+  }
+  throw std::bad_alloc();
 }
 
 void Heap::startSlab() {

@@ -84,6 +84,7 @@ class Heap {
   ~Heap();
 
   void* carve(std::size_t sizeClass);
+  void* splitLargerBlock(std::size_t sizeClass);
   void startSlab();
   void addRegion();
   void* allocateLarge(std::size_t bytes);

@@ -35,20 +35,21 @@ StringObject* StringObject::create(Heap& heap, std::string_view bytes) {
   return text;
 }
 
-StringObject* StringObject::appendInPlace(Heap& heap, StringObject* text, std::string_view more) {
-  const std::size_t length = text->length + more.size();
-  const std::uint32_t needed = unitsFor(length);
-  if (needed > text->capacityUnits) {
-    const std::uint32_t units = std::max(needed, unitsFor(text->length + text->length / 2));
-    text = static_cast<StringObject*>(
-        heap.reallocate(text, text->blockBytes(), units * Heap::kGranularity));
-    text->capacityUnits = units;
-  }
-  std::copy_n(more.data(), more.size(), text->data() + text->length);
-  text->length = length;
-  text->data()[length] = '\0';
-  text->cachedHash = 0;
+StringObject* StringObject::reserveInPlace(Heap& heap, StringObject* text, std::size_t more) {
+  const std::uint32_t needed = unitsFor(text->length + std::min(more, kMaximumLength));
+  if (needed <= text->capacityUnits) return text;
+  const std::uint32_t units = std::max(needed, unitsFor(text->length + text->length / 2));
+  text = static_cast<StringObject*>(
+      heap.reallocate(text, text->blockBytes(), units * Heap::kGranularity));
+  text->capacityUnits = units;
   return text;
+}
+
+void StringObject::append(std::string_view more) noexcept {
+  std::copy_n(more.data(), more.size(), data() + length);
+  length += more.size();
+  data()[length] = '\0';
+  cachedHash = 0;
 }
 
 // Eight bytes at a time, multiplied and folded; the tail is read as one padded word.

@@ -12,7 +12,7 @@ namespace tarvel::lua::internal {
 
 // An immutable byte string; the bytes follow the header and end with a zero byte that is not part
 // of the length. The one exception to "immutable": whoever holds the only reference may append in
-// place (appendInPlace).
+// place (reserveInPlace, append).
 struct StringObject : Object {
   static constexpr std::size_t kMaximumLength = static_cast<std::size_t>(1) << 40;  // bytes
 
@@ -31,10 +31,12 @@ struct StringObject : Object {
 
   static std::uint32_t hashOf(std::string_view bytes) noexcept;  // never 0
 
-  // Appends to a string that the caller holds the only reference to. Returns the string's new
-  // place; on failure the old one stays as it was. Room grows by half, so that appending n bytes
-  // one by one costs O(n).
-  static StringObject* appendInPlace(Heap& heap, StringObject* text, std::string_view more);
+  // For a string that the caller holds the only reference to: makes room for `more` bytes and
+  // returns the string's new place; on failure (std::bad_alloc) the old one stays as it was. Room
+  // grows by half, so that appending n bytes one by one costs O(n).
+  static StringObject* reserveInPlace(Heap& heap, StringObject* text, std::size_t more);
+  // Appends to such a string, within its room.
+  void append(std::string_view more) noexcept;
 
   std::size_t blockBytes() const noexcept {
     return static_cast<std::size_t>(capacityUnits) * Heap::kGranularity;

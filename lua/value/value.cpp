@@ -85,13 +85,17 @@ void destroyObject(Value value) noexcept {
   }
   dismantling = true;
   dismantle(value);
+  destroyWaitingObjects();
+  dismantling = false;
+}
+
+void destroyWaitingObjects() noexcept {
   while (waiting != 0) {
     Value next = Value::ofTag(waiting & kLinkTagMask);
     next.object = reinterpret_cast<Object*>(waiting & ~kLinkTagMask);
     waiting = next.object->count;
     dismantle(next);
   }
-  dismantling = false;
 }
 
 ValueKind Value::kind() const noexcept {

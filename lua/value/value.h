@@ -118,6 +118,10 @@ const char* describeValueType(const Value& value) noexcept;
 // Releases an object whose count has reached zero. Long chains are released without recursion.
 void destroyObject(Value value) noexcept;
 
+// Completes what destroyObject has put off on this thread. A heap that is about to go does this: a
+// host's object that owns an interpreter may be destroyed along with a function that holds it.
+void destroyWaitingObjects() noexcept;
+
 inline Value retain(Value value) noexcept {
   if (value.isCounted()) ++value.object->count;
   return value;
