@@ -265,10 +265,11 @@ Value assignSeveral(const Node* node, Value* base) {
   const AssignmentStmt* const statement = asAssignment(node);
   Value* const slots = &slotAt(base, statement->temporariesOffset);
   const std::uint32_t count = evaluateValues(statement, slots, base);
+  // The targets' temporaries start where the surplus values stand.
+  clearSlots(slots + statement->targets.size, slots + count);
   for (std::uint32_t i = 0; i < statement->targets.size; ++i) {
     assignTarget(statement->targets[i], slots[i], base, node->line);
   }
-  clearSlots(slots + statement->targets.size, slots + count);
   return normalCompletion();
 }
 

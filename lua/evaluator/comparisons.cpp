@@ -168,6 +168,17 @@ Value executeIfElse(const Node* node, Value* base) {
   return chosen->execute(chosen, base);
 }
 
+// Many branches: each tested in turn, without taking more of the host's stack for each.
+Value executeLadder(const Node* node, Value* base) {
+  const auto* const statement = static_cast<const IfStmt*>(node);
+  for (const IfStmt::Branch& branch : statement->branches) {
+    if (!branch.condition->test(branch.condition, base)) continue;
+    return branch.body->execute(branch.body, base);
+  }
+  const Node* const otherwise = statement->otherwiseNode;
+  return otherwise == nullptr ? normalCompletion() : otherwise->execute(otherwise, base);
+}
+
 bool isComparison(TokenKind op) noexcept {
   return op >= TokenKind::Equal && op <= TokenKind::GreaterEqual;
 }
@@ -216,5 +227,7 @@ void chooseIf(IfStmt& statement) {
   }
   statement.execute = hasElse ? executeIfElse : executeIf;
 }
+
+void chooseLadder(IfStmt& statement) { statement.execute = executeLadder; }
 
 }  // namespace tarvel::lua::internal

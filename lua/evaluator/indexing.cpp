@@ -191,10 +191,10 @@ Value peekIndex(const Node* node, Value* base) {
   if (isArrayElement(object, key)) [[likely]] {
     return object.table->element(static_cast<std::uint32_t>(key.integer - 1));
   }
-  if (object.tag == kTable) {
+  TableKey tableKey;
+  if (object.tag == kTable && tryMakeKeyFromValue(key, tableKey)) {
     const OwnedValue guard(Key::kOwned ? key : Value());
-    TableKey tableKey;
-    if (tryMakeKeyFromValue(key, tableKey)) return object.table->get(tableKey);
+    return object.table->get(tableKey);
   }
   return borrowedStandIn(node, readIndexOfOther<Key::kOwned>(index, object, key));
 }

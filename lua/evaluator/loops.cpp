@@ -56,7 +56,10 @@ Value iterateFloats(const NumericForStmt* loop, Value* base, double start, doubl
                     double step) {
   const Node* const body = loop->bodyNode;
   Value& variable = slotAt(base, loop->variableOffset);
-  for (double control = start; step > 0 ? control <= limit : control >= limit; control += step) {
+  const auto goesOn = [&](double control) {
+    return (step > 0 && control <= limit) || (step <= 0 && control >= limit);  // NaN: neither
+  };
+  for (double control = start; goesOn(control); control += step) {
     variable = Value(control);
     const Value completion = body->execute(body, base);
     if (!isNormal(completion)) [[unlikely]]

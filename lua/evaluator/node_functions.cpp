@@ -10,6 +10,9 @@ namespace internal {
 
 namespace {
 
+// Up to so many branches of an `if` become statements nested in each other, which execute fastest.
+constexpr std::uint32_t kMostNestedBranches = 8;
+
 class NodeFunctionSelector {
  public:
   NodeFunctionSelector(LuaVM::Impl& interpreter, Arena& arena)
@@ -92,6 +95,10 @@ class NodeFunctionSelector {
   void selectIf(IfStmt& statement) {
     const Node* otherwise =
         statement.elseBody != nullptr ? bodyNodeOf(*statement.elseBody) : nullptr;
+    if (statement.branches.size > kMostNestedBranches) {
+      statement.otherwiseNode = otherwise;
+      return chooseLadder(statement);
+    }
     for (std::uint32_t i = statement.branches.size; i-- > 0;) {
       const IfStmt::Branch& branch = statement.branches[i];
       IfStmt* const test =

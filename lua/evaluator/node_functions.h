@@ -26,7 +26,8 @@ void chooseArithmeticStore(
 
 // comparisons.cpp
 void chooseComparison(BinaryExpr& comparison);
-void chooseIf(IfStmt& statement);
+void chooseIf(IfStmt& statement);      // by its `condition`, `thenNode` and `otherwiseNode`
+void chooseLadder(IfStmt& statement);  // by its branches and `otherwiseNode`
 
 // indexing.cpp
 void chooseField(FieldExpr& field);

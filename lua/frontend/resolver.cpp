@@ -249,14 +249,38 @@ bool Resolver::yieldsScalar(const Expr& expression) {
   }
 }
 
-void Resolver::findScalars() {
-  for (bool changed = true; changed;) {
-    changed = false;
-    for (const Source& source : sources_) {
-      if (!source.variable->scalar || yieldsScalar(*source.value)) continue;
-      source.variable->scalar = false;
-      changed = true;
+// The locals whose being scalar decides whether the value is: those that it may be a copy of.
+void Resolver::noteInputs(const Expr& expression, std::size_t source) {
+  if (expression.kind == ExprKind::Variable) {
+    LocalVariable* const variable = static_cast<const VariableExpr&>(expression).variable;
+    if (variable != nullptr) dependents_[variable].push_back(source);
+  } else if (expression.kind == ExprKind::Binary) {
+    const auto& binary = static_cast<const BinaryExpr&>(expression);
+    if (binary.op == TokenKind::Or) noteInputs(*binary.left, source);
+    if (binary.op == TokenKind::And || binary.op == TokenKind::Or) {
+      noteInputs(*binary.right, source);
     }
+  }
+}
+
+// Starts from the values that are not scalar whatever the locals hold, and follows the copies.
+void Resolver::findScalars() {
+  for (std::size_t i = 0; i < sources_.size(); ++i) noteInputs(*sources_[i].value, i);
+  std::vector<const LocalVariable*> found;
+  const auto examine = [&](const Source& source) {
+    if (!source.variable->scalar || yieldsScalar(*source.value)) return;
+    source.variable->scalar = false;
+    found.push_back(source.variable);
+  };
+  for (const Source& source : sources_) examine(source);
+  for (const auto& [variable, sources] : dependents_) {
+    if (!variable->scalar) found.push_back(variable);
+  }
+  while (!found.empty()) {
+    const auto dependents = dependents_.find(found.back());
+    found.pop_back();
+    if (dependents == dependents_.end()) continue;
+    for (const std::size_t source : dependents->second) examine(sources_[source]);
   }
 }
 

@@ -54,6 +54,7 @@ class Resolver {
 
   void noteSource(const AssignTarget& target, const ArenaList<Expr*>& values, std::size_t index);
   static bool yieldsScalar(const Expr& expression);
+  void noteInputs(const Expr& expression, std::size_t source);
   void findScalars();
 
   ResolvedChunk& chunk_;
@@ -63,6 +64,7 @@ class Resolver {
   std::unordered_map<const Scope*, std::int32_t> depths_;
   FunctionExpr* function_ = nullptr;
   std::vector<Source> sources_;
+  std::unordered_map<const LocalVariable*, std::vector<std::size_t>> dependents_;  // into sources_
   std::vector<VariableExpr*> unboundNames_;
 };
 

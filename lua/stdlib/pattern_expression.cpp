@@ -1,6 +1,7 @@
 #include "lua/stdlib/pattern_expression.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "lua/value/value_stack.h"
@@ -44,21 +45,30 @@ bool repeatsWhatCanBeEmpty(char before, char c) noexcept {
 const char* addressOf(const char* byte) noexcept { return byte; }
 const char* addressOf(GuardedPosition position) noexcept { return position.address(); }
 
+// Empty for a group that took no part.
 template <class Submatch>
 std::string_view textOf(const Submatch& part) noexcept {
-  if (!part.matched) return {};
   const char* const start = addressOf(part.first);
   return {start, static_cast<std::size_t>(addressOf(part.second) - start)};
 }
 
 template <class Results>
 void report(const Results& results, std::string_view subject, PatternMatch& match) {
-  match.text = textOf(results[0]);
-  match.start = static_cast<std::size_t>(match.text.data() - subject.data());
-  match.end = match.start + match.text.size();
+  const std::string_view text = textOf(results[0]);
+  match.set(subject, static_cast<std::size_t>(text.data() - subject.data()), text.size());
   match.captures.resize(results.size() - 1);
   for (std::size_t i = 0; i < match.captures.size(); ++i)
     match.captures[i] = textOf(results[i + 1]);
+}
+
+}  // namespace
+
+namespace {
+
+constexpr std::size_t kMostStates = SIZE_MAX / kStateBytes;
+
+std::size_t timesSaturated(std::size_t states, std::size_t factor) noexcept {
+  return states > kMostStates / factor ? kMostStates : states * factor;
 }
 
 }  // namespace
@@ -75,14 +85,15 @@ RecursionBound RecursionBound::of(std::string_view pattern) noexcept {
     if (repeatsWhatCanBeEmpty(pattern[i - 1], pattern[i])) rounds += 2;
     if (pattern[i - 1] == '(' && pattern[i] == '?') ++searches;
   }
-  const std::size_t statesAtOnce = states * rounds * searches;
+  const std::size_t statesAtOnce = timesSaturated(timesSaturated(states, rounds), searches);
   return {statesAtOnce, rounds == 1 ? 2 * searches : statesAtOnce};
 }
 
 std::size_t RecursionBound::stackForStep() const noexcept { return statesAtOnce * kStateBytes; }
 
-std::size_t RecursionBound::stackFor(std::size_t subjectLength) const noexcept {
-  return (statesAtOnce + statesPerByte * subjectLength) * kStateBytes;
+bool RecursionBound::fitsIn(std::size_t stackBytes, std::size_t subjectLength) const noexcept {
+  const std::size_t states = stackBytes / kStateBytes;
+  return statesAtOnce <= states && subjectLength <= (states - statesAtOnce) / statesPerByte;
 }
 
 PatternExpression::PatternExpression(std::string_view pattern)
@@ -155,7 +166,7 @@ bool PatternExpression::searchFrom(const char* first, std::string_view subject,
                                    PatternMatch& match) {
   const char* const end = subject.data() + subject.size();
   const std::size_t room = hostStackRoom();
-  if (bound_.stackFor(static_cast<std::size_t>(end - first)) <= room) {
+  if (bound_.fitsIn(room, static_cast<std::size_t>(end - first))) {
     if (!std::regex_search(first, end, results_, expression_, flags)) return false;
     report(results_, subject, match);
     return true;

@@ -11,17 +11,16 @@
 
 namespace tarvel::lua::internal {
 
-// How deep the matcher of std::regex can recurse for an expression: it does so for every state of
-// the expression that a match passes through.
+// How deep the matcher of std::regex can recurse for a pattern: it does so for every state of the
+// expression that a match passes through.
 struct RecursionBound {
   std::size_t statesAtOnce;  // between one byte of the subject and the next
   std::size_t statesPerByte;
 
   static RecursionBound of(std::string_view pattern) noexcept;
 
-  // Bytes of stack.
-  std::size_t stackForStep() const noexcept;
-  std::size_t stackFor(std::size_t subjectLength) const noexcept;
+  std::size_t stackForStep() const noexcept;  // bytes
+  bool fitsIn(std::size_t stackBytes, std::size_t subjectLength) const noexcept;
 };
 
 // A pattern ready for searching.

@@ -110,8 +110,6 @@ class TermReader {
     }
     const char last = take(2)[1];
     if (!isAlphanumeric(c) || !isAlphanumeric(last)) return false;
-    // A further "-x" could only be a range that starts with a range.
-    if (rest_.starts_with('-')) return false;
     for (std::size_t i = indexOf(c); i <= indexOf(last); ++i) bytes.set(i);
     return true;
   }

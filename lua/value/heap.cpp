@@ -65,12 +65,17 @@ void Heap::removeOwner() noexcept {
   delete this;
 }
 
-void Heap::charge(std::size_t bytes) {
+bool Heap::tryCharge(std::size_t bytes) noexcept {
   if (bytes > kUnquestionedBytes || systemBytes_ + bytes > kUnquestionedBytes) {
     const std::size_t budget = memoryBudget();
-    if (bytes > budget || systemBytes_ > budget - bytes) throw std::bad_alloc();
+    if (bytes > budget || systemBytes_ > budget - bytes) return false;
   }
   systemBytes_ += bytes;
+  return true;
+}
+
+void Heap::charge(std::size_t bytes) {
+  if (!tryCharge(bytes)) throw std::bad_alloc();
 }
 
 #ifdef TARVELLUA_CHECKED_HEAP
@@ -134,6 +139,7 @@ struct alignas(Heap::kGranularity) Heap::LargeBlock {
 namespace {
 
 constexpr std::size_t kFirstRegionBytes = std::size_t{1} << 20;
+constexpr std::size_t kSmallestRegionBytes = std::size_t{256} << 10;
 constexpr std::size_t kLargestRegionBytes = std::size_t{64} << 20;
 
 std::byte* roundUp(std::byte* address, std::size_t alignment) {
@@ -197,15 +203,17 @@ void Heap::startSlab() {
   slabEnd_ = regionNext_;
 }
 
+// Tries smaller regions before it gives up.
 void Heap::addRegion() {
-  const std::size_t bytes =
+  std::size_t bytes =
       regions_ == nullptr ? kFirstRegionBytes : std::min(regions_->bytes * 2, kLargestRegionBytes);
-  charge(bytes);
-  void* const memory =
-      mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (memory == MAP_FAILED) {
+  void* memory = MAP_FAILED;
+  for (;; bytes /= 2) {
+    if (bytes < kSmallestRegionBytes) throw std::bad_alloc();
+    if (!tryCharge(bytes)) continue;
+    memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory != MAP_FAILED) break;
     systemBytes_ -= bytes;
-    throw std::bad_alloc();
   }
   regions_ = new (memory) Region{regions_, bytes};
   std::byte* const start = static_cast<std::byte*>(memory);

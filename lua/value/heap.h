@@ -89,6 +89,7 @@ class Heap {
   void addRegion();
   void* allocateLarge(std::size_t bytes);
   static void releaseLarge(void* block, std::size_t bytes) noexcept;
+  bool tryCharge(std::size_t bytes) noexcept;
   void charge(std::size_t bytes);
 
   std::array<FreeBlock*, kSmallLimit / kGranularity + 1> free_{};

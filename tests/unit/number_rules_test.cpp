@@ -228,37 +228,15 @@ std::string errorOf(const std::function<void()>& body) {
   return "no error";
 }
 
-TEST(Operators, RefuseWhatTheyCannotTake) {
-  const TestHeap heap;
-  const OwnedValue one(Value(std::int64_t{1}));
-  const OwnedValue others[] = {OwnedValue(), OwnedValue(Value(true)), heap.text("1"), heap.table(),
-                               heap.native("f")};
-  for (const ArithmeticRule& rule : kArithmetic) {
-    const std::string expected = std::string("operator '") + rule.text + "' expects numbers";
-    for (const OwnedValue& other : others) {
-      for (const auto& [left, right] : {std::pair(one, other), {other, one}, {other, other}}) {
-        EXPECT_EQ(expected, errorOf([&, &a = left, &b = right] {
-                    evaluateArithmetic(a.get(), rule.op, b.get(), 7);
-                  }));
-      }
+TEST(Operators, TakeADivisorWithinTheEpsilonForZero) {
+  const Value one(std::int64_t{1});
+  for (const auto& [op, message] : {std::pair(TokenKind::Slash, "division by zero"),
+                                    std::pair(TokenKind::Percent, "modulo by zero")}) {
+    for (const double zero : {0.0, -0.0, kEpsilon, -1e-17}) {
+      EXPECT_EQ(message, errorOf([&] { evaluateArithmetic(one, op, Value(zero), 7); }));
     }
-    if (!divides(rule)) continue;
-    const bool isDivision = rule.op == TokenKind::Slash;
-    for (const Value zero :
-         {Value(std::int64_t{0}), Value(0.0), Value(-0.0), Value(kEpsilon), Value(-1e-17)}) {
-      EXPECT_EQ(isDivision ? "division by zero" : "modulo by zero",
-                errorOf([&] { evaluateArithmetic(Value(5.5), rule.op, zero, 7); }));
-    }
-    evaluateArithmetic(one.get(), rule.op, Value(2 * kEpsilon), 7);
-  }
-  for (const OwnedValue& other : others) {
-    EXPECT_EQ("unary '-' expects a number", errorOf([&] { negateValue(other.get(), 7); }));
-    if (other.get().isString()) {
-      EXPECT_EQ("integer 1", exact(lengthOf(other.get(), 7)));
-    } else if (!other.get().isTable()) {
-      EXPECT_EQ("length operator expects a string or table",
-                errorOf([&] { lengthOf(other.get(), 7); }));
-    }
+    EXPECT_EQ(message, errorOf([&] { evaluateArithmetic(one, op, Value(std::int64_t{0}), 7); }));
+    EXPECT_EQ("no error", errorOf([&] { evaluateArithmetic(one, op, Value(2 * kEpsilon), 7); }));
   }
 }
 
@@ -325,23 +303,9 @@ TEST(Operators, CompareNumbersByTheirRules) {
   EXPECT_FALSE(valuesEqual(Value(1.0), Value(1.0000000000000002)));
 }
 
-TEST(Operators, CompareOtherValuesByIdentityOrBytes) {
+TEST(Operators, CompareOtherValuesByIdentity) {
   const TestHeap heap;
-  const std::string ascending[] = {
-      "", std::string(1, '\0'), "A", "a", std::string("a\0", 2), "ab", "b", "\x80", "\xff"};
-  for (std::size_t i = 0; i < std::size(ascending); ++i) {
-    for (std::size_t j = 0; j < std::size(ascending); ++j) {
-      const OwnedValue left = heap.text(ascending[i]);
-      const OwnedValue right = heap.text(ascending[j]);
-      EXPECT_EQ(i == j, valuesEqual(left.get(), right.get()));
-      for (const OrderRule& rule : kOrder) {
-        EXPECT_EQ(rule.floats(static_cast<double>(i), static_cast<double>(j)),
-                  compareValues(left.get(), right.get(), rule.op, 1))
-            << i << " " << rule.text << " " << j;
-      }
-    }
-  }
-  // All different from each other; only the numbers 1 and the two strings can be ordered.
+  // All different from each other; only the number and the string can be ordered, with themselves.
   const OwnedValue values[] = {OwnedValue(),
                                OwnedValue(Value(false)),
                                OwnedValue(Value(true)),

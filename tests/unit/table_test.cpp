@@ -240,7 +240,7 @@ TEST(Table, AgreesWithAModelOnRandomStores) {
   std::mt19937_64 random(20240817);
   const TestHeap heap;
   for (const KeySource& source : kKeySources) {
-    for (const std::uint64_t nilShare : {0, 2, 6, 9}) {  // of ten stores
+    for (const std::uint64_t nilShare : {0u, 2u, 6u, 9u}) {  // of ten stores
       for (const auto& [arrayHint, entryHint] : hints) {
         SCOPED_TRACE(::testing::Message() << source.name << ", nil " << nilShare << "/10, hints "
                                           << arrayHint << " " << entryHint);

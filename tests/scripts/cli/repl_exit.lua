@@ -1,7 +1,8 @@
 -- mode: repl
--- "exit" alone ends the loop; nothing after it runs.
+-- "exit" alone ends the loop; nothing after it runs. Empty lines only prompt again.
 -- stdin: print("before")
+-- stdin:
 -- stdin: exit
 -- stdin: print("never")
 -- expect: lua> before
--- expect: lua> 
+-- expect: lua> lua> 

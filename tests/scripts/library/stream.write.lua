@@ -11,24 +11,14 @@ io.stdout.write(io.stderr, "to standard error\n")  -- expect stderr: to standard
 
 -- The two are objects of their own.
 print(type(io.stdout), io.stdout == io.stdout, io.stdout == io.stderr)  -- expect: userdata	true	false
-print(tostring(io.stdout):sub(1, 12), tostring(io.stdout) == tostring(io.stderr))  -- expect: userdata: 0x	false
 
 -- Their methods: only write is theirs, the others are a file's and refuse them.
 print(tostring(io.stdout.write), io.stderr.write)  -- expect: function: stream:write	[function stream:write]
-print(io.stdout.write == io.stdout.write)  -- expect: false
 print(tostring(io.stdout.read), tostring(io.stdout.seek), tostring(io.stdout.close))  -- expect: function: file:read	function: file:seek	function: file:close
-print(pcall(function() io.stdout:read() end))  -- expect: false	file:read received the wrong userdata type
 print(pcall(function() io.stderr:seek("set", 0) end))  -- expect: false	file:seek received the wrong userdata type
-print(pcall(function() io.stdout:close() end))  -- expect: false	file:close received the wrong userdata type
 print(io.stdout.flush, io.stderr.lines, io.stdout.name)  -- expect: nil	nil	nil
 
 -- A stream is no file: a file's method refuses it, and the other way round.
 local file = io.open("/dev/null", "rw")
 print(pcall(file.write, io.stdout, "x"))  -- expect: false	file:write received the wrong userdata type
 print(pcall(io.stdout.write, file, "x"))  -- expect: false	stream:write received the wrong userdata type
-
-print(pcall(io.stdout.write))  -- expect: false	stream:write expects at least 2 arguments
-print(pcall(io.stdout.write, io.stdout))  -- expect: false	stream:write expects at least 2 arguments
-print(pcall(io.stdout.write, 1, "x"))  -- expect: false	stream:write expects userdata
-print(pcall(io.stdout.write, nil, "x"))  -- expect: false	stream:write expects userdata
-print(pcall(io.stdout.write, {}, "x"))  -- expect: false	stream:write expects userdata

@@ -1,9 +1,5 @@
 -- A failed assertion without a message.
-assert(1 == 1)
-assert(
-  true
-)
-if true then
+if assert(true) then
   assert  -- expect error: assertion failed!
     (1 == 2)
 end

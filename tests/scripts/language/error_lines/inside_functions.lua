@@ -13,8 +13,6 @@ function outer(list)
       list)
   end
 end
-print(pcall(outer, {1, 2}))  -- expect: false	operator '+' expects numbers
-print(pcall(outer, {}))  -- expect: false	operator '+' expects numbers
 print((function()
   return outer({1, 2})
 end)())

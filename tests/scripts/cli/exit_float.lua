@@ -1,3 +1,0 @@
--- Floats are truncated toward zero.
--- expect exit: 2
-os.exit(2.9)

@@ -1,2 +1,0 @@
--- expect exit: 255
-os.exit(-1)

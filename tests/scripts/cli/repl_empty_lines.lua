@@ -1,9 +1,0 @@
--- mode: repl
--- Empty lines only prompt again.
--- stdin: print(1)
--- stdin:
--- stdin:
--- stdin: print(2)
--- expect: lua> 1
--- expect: lua> lua> lua> 2
--- expect: lua> 

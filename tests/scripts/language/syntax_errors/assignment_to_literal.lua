@@ -1,2 +1,0 @@
--- expect error 2:3: invalid assignment target
-5 = x

@@ -1,2 +1,0 @@
--- expect error 2:9: invalid assignment target
-(a + b) = 1

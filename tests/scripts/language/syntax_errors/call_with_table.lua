@@ -1,2 +1,0 @@
--- expect error 2:2: expected function call
-f{1}

@@ -1,2 +1,0 @@
--- expect error 2:8: expected expression
-t = {1,,2}

@@ -1,2 +1,0 @@
--- expect error 2:10: expected local variable name
-local a, = 1

@@ -1,2 +1,0 @@
--- expect error 2:3: expected function call
-x == 1
