@@ -229,15 +229,16 @@ std::string errorOf(const std::function<void()>& body) {
 }
 
 TEST(Operators, TakeADivisorWithinTheEpsilonForZero) {
-  const Value one(std::int64_t{1});
-  for (const auto& [op, message] : {std::pair(TokenKind::Slash, "division by zero"),
-                                    std::pair(TokenKind::Percent, "modulo by zero")}) {
-    for (const double zero : {0.0, -0.0, kEpsilon, -1e-17}) {
-      EXPECT_EQ(message, errorOf([&] { evaluateArithmetic(one, op, Value(zero), 7); }));
-    }
-    EXPECT_EQ(message, errorOf([&] { evaluateArithmetic(one, op, Value(std::int64_t{0}), 7); }));
-    EXPECT_EQ("no error", errorOf([&] { evaluateArithmetic(one, op, Value(2 * kEpsilon), 7); }));
+  const auto outcome = [](TokenKind op, const Value& divisor) {
+    return errorOf([&] { evaluateArithmetic(Value(std::int64_t{1}), op, divisor, 7); });
+  };
+  for (const Value zero :
+       {Value(std::int64_t{0}), Value(0.0), Value(-0.0), Value(kEpsilon), Value(-1e-17)}) {
+    EXPECT_EQ("division by zero", outcome(TokenKind::Slash, zero));
+    EXPECT_EQ("modulo by zero", outcome(TokenKind::Percent, zero));
   }
+  EXPECT_EQ("no error", outcome(TokenKind::Slash, Value(2 * kEpsilon)));
+  EXPECT_EQ("no error", outcome(TokenKind::Percent, Value(-2 * kEpsilon)));
 }
 
 // ---- Comparison ---------------------------------------------------------------------------------

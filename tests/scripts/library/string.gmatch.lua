@@ -22,7 +22,7 @@ for c in string.gmatch("", "a") do print("never") end
 for c in string.gmatch("abc", "%d") do print("never") end
 
 -- An empty match is an item, and the search goes on behind the next byte.
-local function list(subject, pattern)
+function list(subject, pattern)
   local text = ""
   for match in string.gmatch(subject, pattern) do text = text .. "<" .. match .. ">" end
   return text

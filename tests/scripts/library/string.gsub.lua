@@ -16,7 +16,7 @@ print(string.gsub("abc", "b", "[.]*"))  -- expect: a[.]*c	1
 -- Any kind is rendered as tostring does; functions and tables are not asked.
 print(string.gsub("a b", " ", 1), string.gsub("a b", " ", 2.5))  -- expect: a1b	a2.5b	1
 print(string.gsub("a b", " ", nil), string.gsub("a b", " ", true))  -- expect: anilb	atrueb	1
-local function shout(text) return text .. "!" end
+function shout(text) return text .. "!" end
 print(string.gsub("a", "a", shout))  -- expect: function: shout	1
 local map = {a = "never"}
 print(string.gsub("a", "a", map) == tostring(map))  -- expect: true
