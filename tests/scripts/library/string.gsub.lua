@@ -45,8 +45,8 @@ local text, count = string.gsub(long, "%w+", "x")
 print(#text, count)  -- expect: 200000	100000
 text, count = string.gsub(long, "b", "<&>")
 print(#text, count)  -- expect: 500000	100000
-text, count = string.gsub(long .. string.rep(" ", 100000) .. ".", "%s+$", "")
-print(#text, count)  -- expect: 400001	0
+text, count = string.gsub(long .. string.rep(" ", 20000) .. ".", "%s+$", "")
+print(#text, count)  -- expect: 320001	0
 
 print(pcall(string.gsub, "a", "b"))  -- expect: false	string.gsub expects 3 arguments
 print(pcall(string.gsub, 1, "a", "b"))  -- expect: false	string.gsub expects a string argument
