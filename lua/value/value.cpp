@@ -43,8 +43,10 @@ void dismantle(Value value) noexcept {
       FunctionObject* const function = value.function;
       if (function->environment != nullptr) drop(Value(function->environment));
       drop(Value(function->name));
-      function->code->removeReference();
+      // The code goes last: a host's function may hold the last share in the heap that this is in.
+      FunctionCode* const code = function->code;
       destroyIn(function);
+      code->removeReference();
       return;
     }
     case kUserData:
