@@ -1,6 +1,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
@@ -110,7 +111,7 @@ struct Arithmetic {
   [[gnu::noinline]] static Value rightAfterCounted(const Node* node, Value* base, Value left) {
     const OwnedValue leftGuard(left);
     const auto* const binary = static_cast<const BinaryExpr*>(node);
-    const OwnedValue right(binary->right->execute(binary->right, base));
+    const OwnedValue right(evaluateExpression(binary->right, base));
     return evaluateArithmetic(left, Op::kToken, right.get(), node->line);
   }
 

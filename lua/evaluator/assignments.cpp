@@ -1,6 +1,7 @@
 #include <string>
 
 #include "lua/evaluator/concatenation.h"
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
@@ -32,7 +33,7 @@ const AssignmentStmt* asAssignment(const Node* node) noexcept {
 // Each takes the value from a slot that owns it, which an error leaves to the sweep.
 void storeIntoField(const FieldExpr* field, Value& valueSlot, Value* base, unsigned line) {
   Value& objectSlot = slotAt(base, field->temporariesOffset + sizeof(Value));
-  objectSlot = field->object->execute(field->object, base);
+  objectSlot = evaluateExpression(field->object, base);
   if (!objectSlot.isTable()) failAssignInto(objectSlot, line);
   const Value value = valueSlot;
   valueSlot = Value();
@@ -42,9 +43,9 @@ void storeIntoField(const FieldExpr* field, Value& valueSlot, Value* base, unsig
 
 void storeIntoIndex(const IndexExpr* index, Value& valueSlot, Value* base, unsigned line) {
   Value& objectSlot = slotAt(base, index->temporariesOffset + sizeof(Value));
-  objectSlot = index->object->execute(index->object, base);
+  objectSlot = evaluateExpression(index->object, base);
   if (!objectSlot.isTable()) failAssignInto(objectSlot, line);
-  const OwnedValue keyValue(index->key->execute(index->key, base));
+  const OwnedValue keyValue(evaluateExpression(index->key, base));
   TableKey key;
   if (!tryMakeKeyFromValue(keyValue.get(), key)) failTableIndex(line);
   const Value value = valueSlot;
@@ -76,7 +77,7 @@ void assignTarget(const AssignTarget& target, Value& valueSlot, Value* base, uns
 
 Value singleValue(const Node* node, Value* base) {
   const Expr* const value = asAssignment(node)->value;
-  return value->execute(value, base);
+  return evaluateExpression(value, base);
 }
 
 // The slot is above the live locals or holds a scalar: nothing to release.
@@ -215,7 +216,7 @@ Value storeElement(const Node* node, Value* base) {
     dropAndFailAssignInto(value, object, node->line);
   Value& waiting = slotAt(base, target->temporariesOffset);
   waiting = value;
-  const Value key = target->key->execute(target->key, base);
+  const Value key = evaluateExpression(target->key, base);
   waiting = Value();
   if (key.tag == kInteger) [[likely]] {
     object.table->setInteger(key.integer, value);
@@ -236,27 +237,10 @@ Value storeAnywhere(const Node* node, Value* base) {
 
 // ---- Several values or targets ------------------------------------------------------------------
 
-// Evaluates the values into consecutive slots: exactly as many as there are targets, or more where
-// values are surplus. Returns the number of slots used.
+// Evaluates the values into consecutive slots: as many as there are targets, or more where values
+// are surplus. Returns the number of slots used.
 std::uint32_t evaluateValues(const AssignmentStmt* statement, Value* slots, Value* base) {
-  const ArenaList<Expr*>& values = statement->values;
-  std::uint32_t count = 0;
-  for (; count + 1 < values.size; ++count)
-    slots[count] = values[count]->execute(values[count], base);
-  const Expr* const last = values[count];
-  if (last->kind == ExprKind::Call && statement->targets.size > count + 1) {
-    const auto* const call = static_cast<const CallExpr*>(last);
-    const Value result = call->executeMulti(call, base);
-    if (isSingleValue(result)) {
-      slots[count++] = result;
-    } else if (ReturnSignal::isSeveral(result)) {
-      count +=
-          ReturnSignal::count(result);  // they stand where the call's frame started, which is here
-    }
-  } else {
-    slots[count] = last->execute(last, base);
-    ++count;
-  }
+  std::uint32_t count = evaluateExpressionList(statement->values, slots, base);
   while (count < statement->targets.size) slots[count++] = Value();
   return count;
 }
@@ -285,7 +269,7 @@ Value declareSeveral(const Node* node, Value* base) {
 Value declareFunction(const Node* node, Value* base) {
   const auto* const statement = static_cast<const FunctionDeclarationStmt*>(node);
   const Expr* const target = statement->target.expression;
-  const Value function = statement->function->execute(statement->function, base);
+  const Value function = evaluateExpression(statement->function, base);
   if (target->kind == ExprKind::Variable) {
     replaceSlot(variableSlot(static_cast<const VariableExpr*>(target), base), function);
     return normalCompletion();

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
@@ -53,7 +54,7 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
 
 // Runs a script function whose parameters stand in frame[1] on, all of them set.
 inline Value runBody(const FunctionExpr* body, Value* frame) {
-  const Value completion = body->entry->execute(body->entry, frame + 1);
+  const Value completion = executeStatement(body->entry, frame + 1);
   if (!isSingleValue(completion)) [[unlikely]]
     return finishWithoutSingleValue(frame, body, completion);
   clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
@@ -136,7 +137,7 @@ struct CapturedCallee {
 
 struct OtherCallee {
   static Value load(const CallExpr* call, Value* base) {
-    return call->callee->execute(call->callee, base);
+    return evaluateExpression(call->callee, base);
   }
 };
 
@@ -148,7 +149,7 @@ template <std::uint32_t Count>
 inline void evaluateArguments(const CallExpr* call, Value* first, Value* base) {
   for (std::uint32_t i = 0; i < Count; ++i) {
     const Expr* const argument = call->arguments[i];
-    first[i] = argument->execute(argument, base);
+    first[i] = evaluateExpression(argument, base);
   }
 }
 
@@ -164,7 +165,7 @@ Value callFunction(const Node* node, Value* base) {
 // The receiver is evaluated once, then the method is looked up, then the other arguments are
 // evaluated.
 inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
-  const Value receiver = call->object->execute(call->object, base);
+  const Value receiver = evaluateExpression(call->object, base);
   frame[1] = receiver;
   frame[0] =
       receiver.tag == kTable
@@ -190,22 +191,10 @@ Value callWithMany(const Node* node, Value* base) {
     lookUpMethod(call, frame, base);
     count = 1;
   } else {
-    frame[0] = call->callee->execute(call->callee, base);
+    frame[0] = evaluateExpression(call->callee, base);
   }
-  const std::uint32_t last = call->arguments.size;
-  for (std::uint32_t i = 0; i < last; ++i) {
-    const Expr* const argument = call->arguments[i];
-    if (i + 1 < last || argument->kind != ExprKind::Call) {
-      frame[1 + count++] = argument->execute(argument, base);
-      continue;
-    }
-    const Value result = asCall(argument)->executeMulti(argument, base);
-    if (isSingleValue(result)) {
-      frame[1 + count++] = result;
-    } else if (ReturnSignal::isSeveral(result)) {
-      count +=
-          ReturnSignal::count(result);  // they stand where that call's frame started, which is here
-    }
+  if (!call->arguments.empty()) {
+    count += evaluateExpressionList(call->arguments, frame + 1 + count, base);
   }
   return callAny(*call->interpreter, frame, count, call->line);
 }
@@ -273,7 +262,7 @@ void chooseMethodCall(CallExpr& call) {
 // A call as a statement discards all its results.
 Value executeCallStatement(const Node* node, Value* base) {
   const CallExpr* const call = static_cast<const ExpressionStmt*>(node)->expression;
-  const Value result = call->executeMulti(call, base);
+  const Value result = evaluateExpressionMulti(call, base);
   drop(isSingleValue(result) ? result : firstOf(result));
   return normalCompletion();
 }

@@ -1,6 +1,7 @@
 #include <array>
 #include <cstdint>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
@@ -113,7 +114,7 @@ struct Comparison {
   [[gnu::noinline]] static bool rightAfterCounted(const Node* node, Value* base, Value left) {
     const OwnedValue leftGuard(left);
     const auto* const binary = static_cast<const BinaryExpr*>(node);
-    const OwnedValue right(binary->right->execute(binary->right, base));
+    const OwnedValue right(evaluateExpression(binary->right, base));
     return Rule::decide(node, left, right.get());
   }
 
@@ -138,7 +139,7 @@ struct Comparison {
     static Value run(const Node* node, Value* base) {
       const auto* const statement = static_cast<const IfStmt*>(node);
       if (!Condition<Left, Right>::run(statement->condition, base)) return normalCompletion();
-      return statement->thenNode->execute(statement->thenNode, base);
+      return executeStatement(statement->thenNode, base);
     }
   };
 
@@ -149,34 +150,34 @@ struct Comparison {
       const Node* const chosen = Condition<Left, Right>::run(statement->condition, base)
                                      ? statement->thenNode
                                      : statement->otherwiseNode;
-      return chosen->execute(chosen, base);
+      return executeStatement(chosen, base);
     }
   };
 };
 
 Value executeIf(const Node* node, Value* base) {
   const auto* const statement = static_cast<const IfStmt*>(node);
-  if (!statement->condition->test(statement->condition, base)) return normalCompletion();
-  return statement->thenNode->execute(statement->thenNode, base);
+  if (!evaluateCondition(statement->condition, base)) return normalCompletion();
+  return executeStatement(statement->thenNode, base);
 }
 
 Value executeIfElse(const Node* node, Value* base) {
   const auto* const statement = static_cast<const IfStmt*>(node);
-  const Node* const chosen = statement->condition->test(statement->condition, base)
+  const Node* const chosen = evaluateCondition(statement->condition, base)
                                  ? statement->thenNode
                                  : statement->otherwiseNode;
-  return chosen->execute(chosen, base);
+  return executeStatement(chosen, base);
 }
 
 // Many branches: each tested in turn, without taking more of the host's stack for each.
 Value executeLadder(const Node* node, Value* base) {
   const auto* const statement = static_cast<const IfStmt*>(node);
   for (const IfStmt::Branch& branch : statement->branches) {
-    if (!branch.condition->test(branch.condition, base)) continue;
-    return branch.body->execute(branch.body, base);
+    if (!evaluateCondition(branch.condition, base)) continue;
+    return executeStatement(branch.body, base);
   }
   const Node* const otherwise = statement->otherwiseNode;
-  return otherwise == nullptr ? normalCompletion() : otherwise->execute(otherwise, base);
+  return otherwise == nullptr ? normalCompletion() : executeStatement(otherwise, base);
 }
 
 bool isComparison(TokenKind op) noexcept {

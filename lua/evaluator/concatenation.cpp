@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/string_object.h"
@@ -92,7 +93,7 @@ Value evaluateConcat(const Node* node, Value* base) {
 void evaluatePieces(const ConcatExpr* concat, std::uint32_t first, Value* base) {
   Value* const pieces = piecesOf(concat, base);
   for (std::uint32_t i = first; i < concat->operands.size; ++i) {
-    pieces[i] = concat->operands[i]->execute(concat->operands[i], base);
+    pieces[i] = evaluateExpression(concat->operands[i], base);
   }
 }
 

@@ -4,10 +4,12 @@
 #include <stdexcept>
 #include <string>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operators.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
+#include "lua/value/completion.h"
 #include "lua/value/environment.h"
 #include "lua/value/table.h"
 
@@ -36,12 +38,12 @@ bool testLiteral(const Node* node, Value*) {
 
 Value operandOf(const Node* node, Value* base) {
   const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
-  return operand->execute(operand, base);
+  return evaluateExpression(operand, base);
 }
 
 bool testNot(const Node* node, Value* base) {
   const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
-  return !operand->test(operand, base);
+  return !evaluateCondition(operand, base);
 }
 
 Value evaluateNot(const Node* node, Value* base) { return Value(testNot(node, base)); }
@@ -65,26 +67,26 @@ Value evaluateLengthOfVariable(const Node* node, Value* base) {
 
 Value evaluateAnd(const Node* node, Value* base) {
   const auto* const logic = static_cast<const BinaryExpr*>(node);
-  const Value left = logic->left->execute(logic->left, base);
+  const Value left = evaluateExpression(logic->left, base);
   if (!left.isTruthy()) return left;
   drop(left);
-  return logic->right->execute(logic->right, base);
+  return evaluateExpression(logic->right, base);
 }
 
 Value evaluateOr(const Node* node, Value* base) {
   const auto* const logic = static_cast<const BinaryExpr*>(node);
-  const Value left = logic->left->execute(logic->left, base);
-  return left.isTruthy() ? left : logic->right->execute(logic->right, base);
+  const Value left = evaluateExpression(logic->left, base);
+  return left.isTruthy() ? left : evaluateExpression(logic->right, base);
 }
 
 bool testAnd(const Node* node, Value* base) {
   const auto* const logic = static_cast<const BinaryExpr*>(node);
-  return logic->left->test(logic->left, base) && logic->right->test(logic->right, base);
+  return evaluateCondition(logic->left, base) && evaluateCondition(logic->right, base);
 }
 
 bool testOr(const Node* node, Value* base) {
   const auto* const logic = static_cast<const BinaryExpr*>(node);
-  return logic->left->test(logic->left, base) || logic->right->test(logic->right, base);
+  return evaluateCondition(logic->left, base) || evaluateCondition(logic->right, base);
 }
 
 // ---- Table constructors -------------------------------------------------------------------------
@@ -93,11 +95,11 @@ bool testOr(const Node* node, Value* base) {
 // meanwhile.
 void constructKeyedField(const TableExpr::Field& field, Value* temporaries, Value* base) {
   Value& keySlot = temporaries[1];
-  keySlot = field.key->execute(field.key, base);
+  keySlot = evaluateExpression(field.key, base);
   TableKey key;
   if (!tryMakeKeyFromValue(keySlot, key))
     failRuntime(field.line, "table keys must be numbers, strings, or booleans");
-  tableSetByKey(*temporaries[0].table, key, field.value->execute(field.value, base));
+  tableSetByKey(*temporaries[0].table, key, evaluateExpression(field.value, base));
   clearSlot(keySlot);
 }
 
@@ -110,9 +112,9 @@ Value evaluateTable(const Node* node, Value* base) {
   std::int64_t position = 0;
   for (const TableExpr::Field& field : constructor->fields) {
     if (field.kind == TableExpr::FieldKind::Positional) {
-      table->setInteger(++position, field.value->execute(field.value, base));
+      table->setInteger(++position, evaluateExpression(field.value, base));
     } else if (field.kind == TableExpr::FieldKind::Named) {
-      const Value value = field.value->execute(field.value, base);
+      const Value value = evaluateExpression(field.value, base);
       tableSetByKey(*table, TableKey::ofString(field.name), value);
     } else {
       constructKeyedField(field, temporaries, base);
@@ -146,6 +148,24 @@ Value makeScriptFunction(const Node* node, Value* base) {
 }
 
 }  // namespace
+
+std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
+                                     Value* base) {
+  std::uint32_t count = 0;
+  for (; count + 1 < expressions.size; ++count) {
+    slots[count] = evaluateExpression(expressions[count], base);
+  }
+  const Expr* const last = expressions[count];
+  const Value result = last->kind == ExprKind::Call
+                           ? evaluateExpressionMulti(static_cast<const CallExpr*>(last), base)
+                           : evaluateExpression(last, base);
+  if (isSingleValue(result)) {
+    slots[count++] = result;
+  } else if (ReturnSignal::isSeveral(result)) {
+    count += ReturnSignal::count(result);  // they stand where the call's frame started: here
+  }
+  return count;
+}
 
 bool testValue(const Node* node, Value* base) {
   const Value value = node->execute(node, base);

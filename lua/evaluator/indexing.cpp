@@ -1,5 +1,6 @@
 #include <string>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/native_object.h"
@@ -94,7 +95,7 @@ template <class Access>
 struct OwnedObject {
   static constexpr bool kOwned = true;
   static Value load(const Access* node, Value* base) {
-    return node->object->execute(node->object, base);
+    return evaluateExpression(node->object, base);
   }
 };
 
@@ -156,7 +157,7 @@ struct FrameKey {
 struct OtherKey {
   static constexpr bool kOwned = true;
   static Value load(const IndexExpr* node, Value* base) {
-    return node->key->execute(node->key, base);
+    return evaluateExpression(node->key, base);
   }
 };
 
@@ -203,8 +204,8 @@ Value peekIndex(const Node* node, Value* base) {
 Value readIndexKeepingObject(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
   Value& objectSlot = slotAt(base, index->temporariesOffset);
-  objectSlot = index->object->execute(index->object, base);
-  const Value key = index->key->execute(index->key, base);
+  objectSlot = evaluateExpression(index->object, base);
+  const Value key = evaluateExpression(index->key, base);
   const Value result = readIndexOfOther<true>(index, objectSlot, key);
   clearSlot(objectSlot);
   return result;

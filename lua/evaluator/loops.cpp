@@ -1,5 +1,6 @@
 #include <cstdint>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/iteration.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/lua_vm_impl.h"
@@ -16,8 +17,8 @@ Value executeWhile(const Node* node, Value* base) {
   const auto* const loop = static_cast<const WhileStmt*>(node);
   const Expr* const condition = loop->condition;
   const Node* const body = loop->bodyNode;
-  while (condition->test(condition, base)) {
-    const Value completion = body->execute(body, base);
+  while (evaluateCondition(condition, base)) {
+    const Value completion = executeStatement(body, base);
     if (isNormal(completion)) [[likely]]
       continue;
     return BreakSignal::is(completion) ? normalCompletion() : completion;
@@ -44,7 +45,7 @@ Value iterateIntegers(const NumericForStmt* loop, Value* base, std::int64_t star
   auto control = static_cast<std::uint64_t>(start);
   for (;; --remaining, control += static_cast<std::uint64_t>(step)) {
     variable = Value(static_cast<std::int64_t>(control));
-    const Value completion = body->execute(body, base);
+    const Value completion = executeStatement(body, base);
     if (!isNormal(completion)) [[unlikely]]
       return BreakSignal::is(completion) ? normalCompletion() : completion;
     if (remaining == 0) return normalCompletion();
@@ -61,7 +62,7 @@ Value iterateFloats(const NumericForStmt* loop, Value* base, double start, doubl
   };
   for (double control = start; goesOn(control); control += step) {
     variable = Value(control);
-    const Value completion = body->execute(body, base);
+    const Value completion = executeStatement(body, base);
     if (!isNormal(completion)) [[unlikely]]
       return BreakSignal::is(completion) ? normalCompletion() : completion;
   }
@@ -75,9 +76,9 @@ struct Range {
 };
 
 [[gnu::noinline]] Range evaluateRange(const NumericForStmt* loop, Value* base) {
-  const OwnedValue start(loop->start->execute(loop->start, base));
-  const OwnedValue limit(loop->limit->execute(loop->limit, base));
-  const OwnedValue step(loop->step != nullptr ? loop->step->execute(loop->step, base)
+  const OwnedValue start(evaluateExpression(loop->start, base));
+  const OwnedValue limit(evaluateExpression(loop->limit, base));
+  const OwnedValue step(loop->step != nullptr ? evaluateExpression(loop->step, base)
                                               : Value(std::int64_t{1}));
   if (!start.get().isNumber() || !limit.get().isNumber() || !step.get().isNumber()) {
     failRuntime(loop->line, "numeric for loop expects numeric bounds");
@@ -103,7 +104,7 @@ Value executeNumericFor(const Node* node, Value* base) {
 [[gnu::noinline]] void evaluateIterator(const GenericForStmt* loop, Value* slots, Value* base) {
   const ArenaList<Expr*>& iterators = loop->iterators;
   for (std::uint32_t i = 0; i < iterators.size; ++i)
-    slots[i] = iterators[i]->execute(iterators[i], base);
+    slots[i] = evaluateExpression(iterators[i], base);
   clearSlots(slots + 1, slots + iterators.size);
   // Iterator functions are not supported; this is meant.
   if (slots[0].tag != kIterator) failRuntime(loop->line, "generic for loop expects an iterator");
@@ -117,7 +118,7 @@ Value executeGenericFor(const Node* node, Value* base) {
   const Node* const body = loop->bodyNode;
   Value completion = normalCompletion();
   while (isNormal(completion) && nextIteratorItem(*iterator.iterator, names, loop->names.size)) {
-    completion = body->execute(body, base);
+    completion = executeStatement(body, base);
   }
   clearSlot(iterator);
   return BreakSignal::is(completion) ? normalCompletion() : completion;

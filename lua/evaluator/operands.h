@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/value/value.h"
@@ -32,14 +33,14 @@ struct Constant {
 struct LeftOther {
   static constexpr bool kOwned = true;
   static Value load(const BinaryExpr* node, Value* base) {
-    return node->left->execute(node->left, base);
+    return evaluateExpression(node->left, base);
   }
 };
 
 struct RightOther {
   static constexpr bool kOwned = true;
   static Value load(const BinaryExpr* node, Value* base) {
-    return node->right->execute(node->right, base);
+    return evaluateExpression(node->right, base);
   }
 };
 

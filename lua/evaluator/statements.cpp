@@ -1,6 +1,7 @@
 #include <iterator>
 #include <vector>
 
+#include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
@@ -20,7 +21,7 @@ Value runNothing(const Node*, Value*) { return normalCompletion(); }
 
 Value runOne(const Node* node, Value* base) {
   const Node* const only = static_cast<const Block*>(node)->nodes[0];
-  return only->execute(only, base);
+  return executeStatement(only, base);
 }
 
 // A list of known length: each statement but the last has to end normally for the next to run.
@@ -28,16 +29,16 @@ template <std::uint32_t Count>
 Value runSome(const Node* node, Value* base) {
   const Node* const* const nodes = static_cast<const Block*>(node)->nodes.data;
   for (std::uint32_t i = 0; i + 1 < Count; ++i) {
-    const Value completion = nodes[i]->execute(nodes[i], base);
+    const Value completion = executeStatement(nodes[i], base);
     if (!isNormal(completion)) [[unlikely]]
       return completion;
   }
-  return nodes[Count - 1]->execute(nodes[Count - 1], base);
+  return executeStatement(nodes[Count - 1], base);
 }
 
 Value runAll(const Node* node, Value* base) {
   for (const Node* statement : static_cast<const Block*>(node)->nodes) {
-    const Value completion = statement->execute(statement, base);
+    const Value completion = executeStatement(statement, base);
     if (!isNormal(completion)) return completion;
   }
   return normalCompletion();
@@ -112,32 +113,19 @@ Value returnNothing(const Node*, Value*) { return ReturnSignal::noValues(); }
 
 Value returnValue(const Node* node, Value* base) {
   const Expr* const value = asReturn(node)->values[0];
-  return value->execute(value, base);
+  return evaluateExpression(value, base);
 }
 
 // All values of a call. A call that ends without `return` has none.
 Value returnCall(const Node* node, Value* base) {
   const auto* const call = static_cast<const CallExpr*>(asReturn(node)->values[0]);
-  return call->executeMulti(call, base);
+  return evaluateExpressionMulti(call, base);
 }
 
 Value returnSeveral(const Node* node, Value* base) {
   const ReturnStmt* const statement = asReturn(node);
   Value* const slots = &slotAt(base, statement->temporariesOffset);
-  std::uint32_t count = 0;
-  for (; count + 1 < statement->values.size; ++count) {
-    slots[count] = statement->values[count]->execute(statement->values[count], base);
-  }
-  const Expr* const last = statement->values[count];
-  const Value result = last->kind == ExprKind::Call
-                           ? static_cast<const CallExpr*>(last)->executeMulti(last, base)
-                           : last->execute(last, base);
-  if (isSingleValue(result)) {
-    slots[count++] = result;
-  } else if (ReturnSignal::isSeveral(result)) {
-    count +=
-        ReturnSignal::count(result);  // they stand where the call's frame started, which is here
-  }
+  const std::uint32_t count = evaluateExpressionList(statement->values, slots, base);
   return ReturnSignal::severalValues(slots, count);
 }
 
