@@ -1,6 +1,8 @@
 #include <tarvel/lua/lua_vm.h>
 
 #include <exception>
+#include <new>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -12,6 +14,7 @@ namespace tarvel::lua {
 
 using internal::ChunkReference;
 using internal::ExitSignal;
+using internal::HostStackScope;
 using internal::MultiValue;
 using internal::OwnedValue;
 using internal::ProtectedRuntimeError;
@@ -24,6 +27,7 @@ LuaVM::LuaVM() : impl_(std::make_unique<Impl>(*this)) {}
 LuaVM::~LuaVM() = default;
 
 void LuaVM::setGlobal(const std::string& name, const LuaValue& value) {
+  const HostStackScope hostStack;
   impl_->setGlobalValue(name, impl_->publicToValue(value));
 }
 
@@ -44,7 +48,6 @@ LuaVM::Impl::Impl(LuaVM& ownerVm)
       patterns(std::make_unique<internal::PatternCache>()) {
   anyFunction = OwnedValue(makeNative("", {}));
   outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
-  stringLibrarySlot = 0;
   bindDefaults();
   stringLibrarySlot = resolveGlobalSlot("string");
 }
@@ -73,6 +76,9 @@ LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,
 
 namespace {
 
+// With less of the host's stack than this, not even a short script can be read.
+constexpr std::size_t kLeastHostStack = std::size_t{16} << 10;  // bytes
+
 // What a run leaves the interpreter with, however it ends: the stack as it was, nothing on it, and
 // no exit that would be taken for one of a run around it.
 class RunScope {
@@ -89,6 +95,7 @@ class RunScope {
   RunScope& operator=(const RunScope&) = delete;
 
  private:
+  const HostStackScope hostStack_;
   ValueStack& stack_;
   ValueStack::Mark mark_;
   bool& exitRequested_;
@@ -97,8 +104,21 @@ class RunScope {
 }  // namespace
 
 LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
-  const RunScope scope(stack, exitRequested);
+  LuaResult outOfMemory;  // made while there is memory
+  outOfMemory.error = internal::exceptionText(std::bad_alloc());
   try {
+    return tryRun(source, chunkName);
+  } catch (const std::bad_alloc&) {
+    return outOfMemory;
+  }
+}
+
+// Throws std::bad_alloc when there is no memory to say what failed. What the run held is released
+// before that is put into words.
+LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
+  std::optional<RunScope> scope(std::in_place, stack, exitRequested);
+  try {
+    if (internal::hostStackRoom() < kLeastHostStack) throw RuntimeError("stack overflow", 1, true);
     MultiValue results;
     {
       const ChunkReference chunk = parseScript(source, chunkName);
@@ -110,8 +130,10 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
     exitCode = exit.code;
     return makeSuccess(MultiValue(Value(static_cast<std::int64_t>(exit.code))));
   } catch (const ProtectedRuntimeError& error) {
+    scope.reset();
     return makeFailure(error, chunkName);
   } catch (const std::exception& error) {
+    scope.reset();
     return makeFailure(error, chunkName);
   }
 }

@@ -73,6 +73,7 @@ class LuaVM::Impl {
 
   // ---- Facade (lua/) ----
   LuaResult run(const std::string& source, const std::string& chunkName);
+  LuaResult tryRun(const std::string& source, const std::string& chunkName);
   LuaResult makeSuccess(const internal::MultiValue& results) const;
   LuaResult makeFailure(const internal::ProtectedRuntimeError& error,
                         const std::string& chunkName) const;
@@ -81,6 +82,8 @@ class LuaVM::Impl {
   // Borrow their argument; throw std::runtime_error for what cannot cross.
   LuaValue valueToPublic(const Value& value) const;
   Value publicToValue(const LuaValue& value);  // owned
+  // Passes the printable form of a value to `write`, piece by piece.
+  static void writePublic(const LuaValue& value, bool (*write)(std::string_view text) noexcept);
 
   // ---- Front end ----
   // Lexes, parses, resolves and prepares a chunk for running. Throws std::runtime_error

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lua/lua_vm_impl.h"
+#include "lua/value/memory_charge.h"
 #include "lua/value/table.h"
 
 // How values cross between host and interpreter, and how public values print.
@@ -16,6 +17,7 @@ namespace tarvel::lua {
 
 using internal::FunctionObject;
 using internal::Heap;
+using internal::MemoryCharge;
 using internal::MultiValue;
 using internal::OwnedValue;
 using internal::StringObject;
@@ -96,8 +98,6 @@ std::shared_ptr<LuaFunctionHandle> handleOf(const Value& function, Heap& heap) {
 
 // ---- Out of the interpreter ---------------------------------------------------------------------
 
-LuaValue toPublic(const Value& value, Heap& heap, int depth);
-
 // Keys 1 to n and nothing else.
 bool isSequence(Table& table) noexcept {
   if (table.liveEntries() > 0) return false;
@@ -107,54 +107,77 @@ bool isSequence(Table& table) noexcept {
   return true;
 }
 
-LuaValue sequenceOf(Table& table, Heap& heap, int depth) {
-  auto sequence = std::make_shared<LuaValue::Sequence>();
-  const auto length = static_cast<std::uint32_t>(table.length());
-  sequence->reserve(length);
-  for (std::uint32_t i = 0; i < length; ++i)
-    sequence->push_back(toPublic(table.element(i), heap, depth));
-  return LuaValue(std::move(sequence));
-}
+// Copies values for the host. A table that stands in many places is copied as often, so a small
+// script can ask for more than the machine has: while it lives, the copies count as memory of the
+// interpreter.
+class PublicWriter {
+ public:
+  explicit PublicWriter(Heap& heap) : heap_(heap), memory_(heap) {}
 
-LuaValue objectOf(const Table& table, Heap& heap, int depth) {
-  auto object = std::make_shared<LuaValue::Object>();
-  for (std::uint32_t i = 0; i < table.arraySize(); ++i) {
-    if (table.element(i).isNil()) continue;
-    object->insert_or_assign(std::to_string(i + std::uint64_t{1}),
-                             toPublic(table.element(i), heap, depth));
+  LuaValue write(const Value& value, int depth = 0) {
+    switch (value.kind()) {
+      case ValueKind::Nil:
+        return LuaValue();
+      case ValueKind::Integer:
+        return LuaValue(value.integer);
+      case ValueKind::Float:
+        return LuaValue(value.number);
+      case ValueKind::Boolean:
+        return LuaValue(value.isTruthy());
+      case ValueKind::String:
+        memory_.add(value.string->length);
+        return LuaValue(std::string(value.string->view()));
+      case ValueKind::Function:
+        return LuaValue(handleOf(value, heap_));
+      case ValueKind::Table:
+        if (isTooDeep(depth)) failBridgeOut();
+        memory_.add(kTableBytes);
+        return isSequence(*value.table) ? writeSequence(*value.table, depth + 1)
+                                        : writeObject(*value.table, depth + 1);
+      case ValueKind::UserData:
+      case ValueKind::Iterator:
+        break;
+    }
+    failBridgeOut();
   }
-  for (std::uint32_t i = 0; i < table.entryCount(); ++i) {
-    if (table.entryValue(i).isNil()) continue;
-    object->insert_or_assign(table.entryKey(i).toValue().toString(),
-                             toPublic(table.entryValue(i), heap, depth));
-  }
-  return LuaValue(std::move(object));
-}
 
-LuaValue toPublic(const Value& value, Heap& heap, int depth) {
-  switch (value.kind()) {
-    case ValueKind::Nil:
-      return LuaValue();
-    case ValueKind::Integer:
-      return LuaValue(value.integer);
-    case ValueKind::Float:
-      return LuaValue(value.number);
-    case ValueKind::Boolean:
-      return LuaValue(value.isTruthy());
-    case ValueKind::String:
-      return LuaValue(std::string(value.string->view()));
-    case ValueKind::Function:
-      return LuaValue(handleOf(value, heap));
-    case ValueKind::Table:
-      if (isTooDeep(depth)) failBridgeOut();
-      return isSequence(*value.table) ? sequenceOf(*value.table, heap, depth + 1)
-                                      : objectOf(*value.table, heap, depth + 1);
-    case ValueKind::UserData:
-    case ValueKind::Iterator:
-      break;
+ private:
+  // With what the system's allocator adds, and for a member what ordering it for printing takes.
+  static constexpr std::size_t kTableBytes = 96;
+  static constexpr std::size_t kMemberBytes = sizeof(LuaValue::Object::value_type) + 96;
+
+  LuaValue writeSequence(Table& table, int depth) {
+    auto sequence = std::make_shared<LuaValue::Sequence>();
+    const auto length = static_cast<std::uint32_t>(table.length());
+    memory_.add(length * sizeof(LuaValue));
+    sequence->reserve(length);
+    for (std::uint32_t i = 0; i < length; ++i) {
+      sequence->push_back(write(table.element(i), depth));
+    }
+    return LuaValue(std::move(sequence));
   }
-  failBridgeOut();
-}
+
+  LuaValue writeObject(const Table& table, int depth) {
+    auto object = std::make_shared<LuaValue::Object>();
+    for (std::uint32_t i = 0; i < table.arraySize(); ++i) {
+      const Value key(static_cast<std::int64_t>(i) + 1);
+      writeMember(*object, key, table.element(i), depth);
+    }
+    for (std::uint32_t i = 0; i < table.entryCount(); ++i) {
+      writeMember(*object, table.entryKey(i).toValue(), table.entryValue(i), depth);
+    }
+    return LuaValue(std::move(object));
+  }
+
+  void writeMember(LuaValue::Object& object, const Value& key, const Value& value, int depth) {
+    if (value.isNil()) return;
+    memory_.add(kMemberBytes + (key.isString() ? key.string->length : 0));
+    object.insert_or_assign(key.toString(), write(value, depth));
+  }
+
+  Heap& heap_;
+  MemoryCharge memory_;
+};
 
 // ---- Into the interpreter -----------------------------------------------------------------------
 
@@ -241,8 +264,6 @@ class PublicReader {
 
 // ---- Printing -----------------------------------------------------------------------------------
 
-void appendPublic(std::string& out, const LuaValue& value, int depth);
-
 // Keys that are integers first, ascending, then the others bytewise, so that output is
 // reproducible.
 std::vector<const LuaValue::Object::value_type*> orderedMembers(const LuaValue::Object& object) {
@@ -260,72 +281,119 @@ std::vector<const LuaValue::Object::value_type*> orderedMembers(const LuaValue::
   return members;
 }
 
-void appendSequence(std::string& out, const LuaValue::Sequence& sequence, int depth) {
-  const char* separator = "{";
-  for (const LuaValue& element : sequence) {
-    out.append(separator);
-    appendPublic(out, element, depth);
-    separator = ", ";
-  }
-  out.append(sequence.empty() ? "{}" : "}");
-}
+using TextWriter = bool (*)(std::string_view text) noexcept;
 
-void appendObject(std::string& out, const LuaValue::Object& object, int depth) {
-  const char* separator = "{";
-  for (const auto* member : orderedMembers(object)) {
-    out.append(separator).append(member->first).append(": ");
-    appendPublic(out, member->second, depth);
-    separator = ", ";
-  }
-  out.append(object.empty() ? "{}" : "}");
-}
+// Puts the printable form of a value together. With a writer the text leaves in pieces, so it may
+// be larger than memory.
+class PublicPrinter {
+ public:
+  explicit PublicPrinter(TextWriter writer = nullptr) : writer_(writer) {}
 
-void appendFunction(std::string& out, const LuaFunctionHandle* handle) {
-  const std::string name = handle == nullptr ? std::string() : handle->name();
-  out.append("[function ").append(name.empty() ? "anonymous" : name).append("]");
-}
-
-void appendPublic(std::string& out, const LuaValue& value, int depth) {
-  if (isTooDeep(depth)) failBridgeOut();
-  switch (value.data.index()) {
-    case 1:
-      return Value(std::get<std::int64_t>(value.data)).appendTo(out);
-    case 2:
-      return Value(std::get<double>(value.data)).appendTo(out);
-    case 3:
-      return Value(std::get<bool>(value.data)).appendTo(out);
-    case 4:
-      out.append(std::get<std::string>(value.data));
-      return;
-    case 5: {
-      const auto& sequence = std::get<std::shared_ptr<LuaValue::Sequence>>(value.data);
-      return appendSequence(out, sequence == nullptr ? LuaValue::Sequence() : *sequence, depth + 1);
+  void print(const LuaValue& value, int depth = 0) {
+    if (isTooDeep(depth)) failBridgeOut();
+    switch (value.data.index()) {
+      case 1:
+        return Value(std::get<std::int64_t>(value.data)).appendTo(text_);
+      case 2:
+        return Value(std::get<double>(value.data)).appendTo(text_);
+      case 3:
+        return Value(std::get<bool>(value.data)).appendTo(text_);
+      case 4:
+        return append(std::get<std::string>(value.data));
+      case 5:
+        return printSequence(std::get<std::shared_ptr<LuaValue::Sequence>>(value.data).get(),
+                             depth + 1);
+      case 6:
+        return printObject(std::get<std::shared_ptr<LuaValue::Object>>(value.data).get(),
+                           depth + 1);
+      case 7:
+        return printFunction(std::get<std::shared_ptr<LuaFunctionHandle>>(value.data).get());
+      default:
+        append("nil");
     }
-    case 6: {
-      const auto& object = std::get<std::shared_ptr<LuaValue::Object>>(value.data);
-      return appendObject(out, object == nullptr ? LuaValue::Object() : *object, depth + 1);
-    }
-    case 7:
-      return appendFunction(out, std::get<std::shared_ptr<LuaFunctionHandle>>(value.data).get());
-    default:
-      out.append("nil");
   }
-}
+
+  // Hands over what has not been written.
+  std::string take() { return std::move(text_); }
+  void flush() {
+    writer_(text_);
+    text_.clear();
+  }
+
+ private:
+  static constexpr std::size_t kPieceBytes = 4096;
+
+  void append(std::string_view text) {
+    if (writer_ != nullptr && text_.size() + text.size() > kPieceBytes) {
+      flush();
+      if (text.size() > kPieceBytes) {
+        writer_(text);
+        return;
+      }
+    }
+    text_.append(text);
+  }
+
+  void printSequence(const LuaValue::Sequence* sequence, int depth) {
+    append("{");
+    const char* separator = "";
+    if (sequence != nullptr) {
+      for (const LuaValue& element : *sequence) {
+        append(std::exchange(separator, ", "));
+        print(element, depth);
+      }
+    }
+    append("}");
+  }
+
+  void printObject(const LuaValue::Object* object, int depth) {
+    append("{");
+    const char* separator = "";
+    if (object != nullptr) {
+      for (const auto* member : orderedMembers(*object)) {
+        append(std::exchange(separator, ", "));
+        append(member->first);
+        append(": ");
+        print(member->second, depth);
+      }
+    }
+    append("}");
+  }
+
+  void printFunction(const LuaFunctionHandle* handle) {
+    const std::string name = handle == nullptr ? std::string() : handle->name();
+    append("[function ");
+    append(name.empty() ? "anonymous" : std::string_view(name));
+    append("]");
+  }
+
+  TextWriter writer_;
+  std::string text_;
+};
 
 }  // namespace
 
 std::string LuaValue::toString() const {
-  std::string text;
-  appendPublic(text, *this, 0);
-  return text;
+  const internal::HostStackScope hostStack;
+  PublicPrinter printer;
+  printer.print(*this);
+  return printer.take();
 }
 
 // ---- The interpreter's side ---------------------------------------------------------------------
 
-LuaValue LuaVM::Impl::valueToPublic(const Value& value) const { return toPublic(value, heap, 0); }
+LuaValue LuaVM::Impl::valueToPublic(const Value& value) const {
+  return PublicWriter(heap).write(value);
+}
 
 LuaVM::Impl::Value LuaVM::Impl::publicToValue(const LuaValue& value) {
   return PublicReader(heap).read(value, 0);
+}
+
+void LuaVM::Impl::writePublic(const LuaValue& value, TextWriter write) {
+  PublicPrinter printer(write);
+  printer.print(value);
+  printer.flush();
 }
 
 void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
@@ -336,10 +404,11 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
   bindNativeGlobal(name,
                    [function = std::move(function)](LuaVM& vm, ValueSpan arguments, unsigned) {
                      Impl& interpreter = Impl::of(vm);
+                     PublicWriter writer(interpreter.heap);
                      std::vector<LuaValue> publicArguments;
                      publicArguments.reserve(arguments.size());
                      for (const Value& argument : arguments)
-                       publicArguments.push_back(interpreter.valueToPublic(argument));
+                       publicArguments.push_back(writer.write(argument));
                      return MultiValue(interpreter.publicToValue(function(vm, publicArguments)));
                    });
 }

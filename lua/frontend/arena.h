@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "lua/value/memory_charge.h"
+
 namespace tarvel::lua::internal {
 
 // A list of fixed length whose elements live in an arena.
@@ -28,6 +30,9 @@ struct ArenaList {
 // destructor.
 class Arena {
  public:
+  // The memory counts as part of what `heap` takes, which must outlive the arena.
+  explicit Arena(Heap& heap) : charge_(heap) {}
+
   template <class T, class... Arguments>
   T* make(Arguments&&... arguments) {
     static_assert(std::is_trivially_destructible_v<T>);
@@ -50,6 +55,7 @@ class Arena {
     next_ = (next_ + alignment - 1) / alignment * alignment;
     if (blocks_.empty() || next_ + bytes > blockBytes_) {
       const std::size_t size = std::max(kBlockBytes, bytes);
+      charge_.add(size);
       blocks_.push_back(std::make_unique<std::byte[]>(size));
       blockBytes_ = size;
       next_ = 0;
@@ -59,6 +65,7 @@ class Arena {
     return result;
   }
 
+  MemoryCharge charge_;
   std::vector<std::unique_ptr<std::byte[]>> blocks_;
   std::size_t blockBytes_ = 0;  // size of the last block
   std::size_t next_ = 0;        // first unused byte of the last block

@@ -89,7 +89,12 @@ void failParse(const std::string& chunkName, std::uint32_t line, std::uint32_t c
 
 std::vector<Token> Lexer::tokenise() {
   std::vector<Token> tokens;
-  for (skipBlanksAndComments(); !atEnd(); skipBlanksAndComments()) tokens.push_back(readToken());
+  for (skipBlanksAndComments(); !atEnd(); skipBlanksAndComments()) {
+    Token token = readToken();
+    // Twice, because the vector doubles as it grows.
+    memory_.add(2 * sizeof(Token) + token.text.size());
+    tokens.push_back(std::move(token));
+  }
   tokens.push_back(lexeme(TokenKind::EndOfFile, position_));
   return tokens;
 }

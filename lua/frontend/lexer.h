@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "lua/frontend/token.h"
+#include "lua/value/memory_charge.h"
 
 namespace tarvel::lua::internal {
 
@@ -15,15 +16,16 @@ namespace tarvel::lua::internal {
 [[noreturn]] void failParse(const std::string& chunkName, std::uint32_t line, std::uint32_t column,
                             const std::string& message);
 
-// Turns the text of one chunk into tokens. Borrows both texts, which must outlive it.
+// Turns the text of one chunk into tokens. Borrows what it is given, which must outlive it; the
+// tokens are charged to `memory`.
 class Lexer {
  public:
-  Lexer(std::string_view source, const std::string& chunkName)
-      : source_(source), chunkName_(chunkName) {}
+  Lexer(std::string_view source, const std::string& chunkName, MemoryCharge& memory)
+      : source_(source), chunkName_(chunkName), memory_(memory) {}
 
   // Returns all tokens of the text, the last of which is the only EndOfFile. Throws what failParse
-  // throws at the first byte that fits no token and at a string or comment that does not end. To be
-  // called once.
+  // throws at the first byte that fits no token and at a string or comment that does not end, and
+  // std::bad_alloc. To be called once.
   std::vector<Token> tokenise();
 
  private:
@@ -57,6 +59,7 @@ class Lexer {
 
   std::string_view source_;
   const std::string& chunkName_;
+  MemoryCharge& memory_;
   std::size_t position_ = 0;   // of the next unread byte
   std::size_t lineStart_ = 0;  // position of the current line's first byte
   std::uint32_t line_ = 1;

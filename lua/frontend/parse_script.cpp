@@ -52,8 +52,9 @@ ChunkReference::~ChunkReference() {
 
 internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
                                                   const std::string& chunkName) {
-  internal::ChunkReference chunk(new internal::ResolvedChunk);
-  std::vector<internal::Token> tokens = internal::Lexer(source, chunkName).tokenise();
+  internal::ChunkReference chunk(new internal::ResolvedChunk(heap));
+  internal::MemoryCharge tokenMemory(heap);
+  std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
   internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk();
   internal::Resolver resolver(*chunk);

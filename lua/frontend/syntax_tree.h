@@ -401,6 +401,7 @@ struct BreakStmt : Stmt {
 // A parsed script: owns its tree and the strings in it. Shared by the run and by every closure made
 // from it.
 struct ResolvedChunk final : FunctionCode {
+  explicit ResolvedChunk(Heap& heap) : arena(heap) {}
   ~ResolvedChunk() override;
 
   // Keeps `text`, an owned reference, alive as long as the tree, and returns it.

@@ -17,14 +17,13 @@
 
 namespace tarvel::lua::internal {
 
+// That the output cannot take it shows when the stream is closed at the end.
 LuaValue basePrint(LuaVM&, const std::vector<LuaValue>& arguments) {
-  std::string line;
   for (const LuaValue& argument : arguments) {
-    if (&argument != &arguments.front()) line.push_back('\t');
-    line.append(argument.toString());
+    if (&argument != &arguments.front()) writeStandardOutput("\t");
+    LuaVM::Impl::writePublic(argument, writeStandardOutput);
   }
-  line.push_back('\n');
-  writeStandardOutput(line);  // a failure shows when the stream is closed at the end
+  writeStandardOutput("\n");
   return LuaValue();
 }
 
@@ -81,19 +80,36 @@ MultiValue baseType(LuaVM& vm, ValueSpan args, unsigned) {
   return MultiValue(Value(LuaVM::Impl::of(vm).strings.intern(describeValueType(args[0]))));
 }
 
-MultiValue baseAssert(LuaVM&, ValueSpan args, unsigned line) {
+namespace {
+
+// An error carries its text outside the interpreter's memory, and it is copied on the way to
+// whoever reports it.
+constexpr std::size_t kErrorTextCopies = 4;
+
+[[noreturn]] void failWithText(LuaVM& vm, const Value& text, unsigned line) {
+  const PrintableText printable(text);
+  LuaVM::Impl::of(vm).heap.requireRoom(kErrorTextCopies * printable.view().size());
+  failRuntime(line, std::string(printable.view()));
+}
+
+}  // namespace
+
+MultiValue baseAssert(LuaVM& vm, ValueSpan args, unsigned line) {
   requireArgumentCount("assert", args.size(), 1, kAnyCount);
-  if (!args[0].isTruthy())
-    failRuntime(line, args.size() == 1 ? "assertion failed!" : args[1].toString());
+  if (!args[0].isTruthy()) {
+    if (args.size() == 1) failRuntime(line, "assertion failed!");
+    failWithText(vm, args[1], line);
+  }
   MultiValue results;
   for (const Value& argument : args) results.push(retain(argument));
   return results;
 }
 
 // The level is accepted and has no effect. An error value is always a string.
-MultiValue baseError(LuaVM&, ValueSpan args, unsigned line) {
+MultiValue baseError(LuaVM& vm, ValueSpan args, unsigned line) {
   requireArgumentCount("error", args.size(), 0, 2);
-  failRuntime(line, args.empty() ? "error" : args[0].toString());
+  if (args.empty()) failRuntime(line, "error");
+  failWithText(vm, args[0], line);
 }
 
 namespace {

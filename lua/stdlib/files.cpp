@@ -41,16 +41,7 @@ MultiValue withOpenFile(const char* name, ValueSpan args, unsigned line, const A
 // Passes the printable form of each argument from `first` on to `write`, in order.
 template <class Writer>
 void writeArguments(ValueSpan args, std::size_t first, const Writer& write) {
-  std::string rendering;
-  for (std::size_t i = first; i < args.size(); ++i) {
-    if (args[i].isString()) {
-      write(args[i].string->view());
-    } else {
-      rendering.clear();
-      args[i].appendTo(rendering);
-      write(std::string_view(rendering));
-    }
-  }
+  for (std::size_t i = first; i < args.size(); ++i) write(PrintableText(args[i]).view());
 }
 
 void writeToStream(StreamHandle::Writer stream, ValueSpan args, std::size_t first, unsigned line) {

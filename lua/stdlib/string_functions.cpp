@@ -148,12 +148,16 @@ std::int64_t takeField(std::string_view data, std::uint64_t& offset, bool bigEnd
 }  // namespace
 
 // Returns the fields and the position behind the last of them.
-MultiValue stringUnpack(LuaVM&, ValueSpan args, unsigned line) {
+MultiValue stringUnpack(LuaVM& vm, ValueSpan args, unsigned line) {
   requireArgumentCount("string.unpack", args.size(), 2, 3);
   std::string_view format = requireString("string.unpack", args, 0, line).view();
   const std::string_view data = requireString("string.unpack", args, 1, line).view();
   const std::int64_t position =
       args.size() > 2 ? requireInteger("string.unpack", args, 2, line) : 1;
+
+  // The list of results stands outside the interpreter's memory and doubles as it grows.
+  const std::size_t mostResults = std::min(format.size() / 2, data.size() / kFieldBytes) + 1;
+  LuaVM::Impl::of(vm).heap.requireRoom(3 * sizeof(Value) * mostResults);
 
   auto offset = static_cast<std::uint64_t>(std::max<std::int64_t>(position, 1) - 1);
   bool bigEndian = false;

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
@@ -45,27 +44,6 @@ void forEachMatch(const PatternSearcher& searcher, std::string_view subject, Vis
     ++cursor;
   }
 }
-
-// A growing list of owned values.
-class OwnedValues {
- public:
-  OwnedValues() = default;
-  ~OwnedValues() {
-    for (const Value& value : values_) drop(value);
-  }
-  OwnedValues(const OwnedValues&) = delete;
-  OwnedValues& operator=(const OwnedValues&) = delete;
-
-  void push(OwnedValue value) {
-    values_.push_back(value.get());
-    value.take();
-  }
-  // For a function that takes all of it over or throws.
-  std::vector<Value>&& release() noexcept { return std::move(values_); }
-
- private:
-  std::vector<Value> values_;
-};
 
 }  // namespace
 
@@ -113,15 +91,15 @@ MultiValue stringGmatch(LuaVM& vm, ValueSpan args, unsigned line) {
   StringObject& pattern = requireString("string.gmatch", args, 1, line);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const PatternSearcher searcher(*interpreter.patterns, pattern);
-  OwnedValues items;
+  ValueList items(interpreter.heap);
   forEachMatch(searcher, subject.view(), [&](const PatternMatch& match) {
-    if (match.captures.empty()) items.push(OwnedValue(interpreter.makeString(match.text)));
+    if (match.captures.empty()) items.push(interpreter.makeString(match.text));
     for (const std::string_view capture : match.captures) {
-      items.push(OwnedValue(interpreter.makeString(capture)));
+      items.push(interpreter.makeString(capture));
     }
   });
   const std::size_t itemSize = std::max<std::size_t>(searcher.captureCount(), 1);
-  return MultiValue(Value(IteratorState::createGmatch(interpreter.heap, items.release(),
+  return MultiValue(Value(IteratorState::createGmatch(interpreter.heap, std::move(items),
                                                       static_cast<std::uint32_t>(itemSize))));
 }
 
@@ -133,15 +111,14 @@ MultiValue stringGsub(LuaVM& vm, ValueSpan args, unsigned line) {
   StringObject& pattern = requireString("string.gsub", args, 1, line);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const PatternSearcher searcher(*interpreter.patterns, pattern);
-  const std::string rendering = args[2].isString() ? std::string() : args[2].toString();
-  const std::string_view replacement = args[2].isString() ? args[2].string->view() : rendering;
+  const PrintableText replacement(args[2]);
   std::optional<TextBuilder> text;
   std::size_t copied = 0;  // bytes of the subject
   std::int64_t count = 0;
   forEachMatch(searcher, subject, [&](const PatternMatch& match) {
     if (!text) text.emplace(interpreter.heap, subject.size(), line);
     text->append(subject.substr(copied, match.start - copied));
-    text->append(replacement);
+    text->append(replacement.view());
     copied = match.end;
     ++count;
   });

@@ -64,7 +64,8 @@ std::size_t expectedLength(const Value& value) noexcept {
 MultiValue tableConcat(LuaVM& vm, ValueSpan args, unsigned line) {
   requireArgumentCount("table.concat", args.size(), 1, 2);
   Table& table = requireTable("table.concat", args, 0, line);
-  const std::string separator = args.size() > 1 ? args[1].toString() : std::string();
+  const PrintableText separatorText(args.size() > 1 ? args[1] : Value());
+  const std::string_view separator = args.size() > 1 ? separatorText.view() : std::string_view();
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const std::int64_t count = table.length();
   if (count == 0) return MultiValue(interpreter.makeString({}));

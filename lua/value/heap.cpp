@@ -1,17 +1,17 @@
 #include "lua/value/heap.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
-#include <fstream>
 #include <limits>
 #include <new>
-#include <string>
 
 #include "lua/value/value.h"
 
@@ -22,38 +22,46 @@ namespace {
 // Below this nobody asks how much memory the machine has.
 constexpr std::size_t kUnquestionedBytes = std::size_t{64} << 20;
 
+// The number that a file of the system starts with; the largest one where there is none. Needs no
+// memory.
+std::size_t readNumber(const char* path) noexcept {
+  std::array<char, 32> text{};
+  const int file = open(path, O_RDONLY | O_CLOEXEC);
+  const ssize_t length = file < 0 ? -1 : read(file, text.data(), text.size());
+  if (file >= 0) close(file);
+  std::size_t number = std::numeric_limits<std::size_t>::max();
+  if (length > 0) std::from_chars(text.data(), text.data() + length, number);
+  return number;
+}
+
+std::size_t systemValue(int name) noexcept {
+  return static_cast<std::size_t>(std::max(sysconf(name), 1L));
+}
+
 // What is left of the address space that the process may use.
-std::size_t addressSpaceLeft() {
+std::size_t addressSpaceLeft() noexcept {
   rlimit limit{};
   if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
     return std::numeric_limits<std::size_t>::max();
   }
-  std::ifstream file("/proc/self/statm");
-  std::size_t pages = 0;
-  file >> pages;
-  const std::size_t used = pages * static_cast<std::size_t>(std::max(sysconf(_SC_PAGESIZE), 1L));
-  return limit.rlim_cur > used ? limit.rlim_cur - used : 0;
+  const std::size_t pagesUsed = readNumber("/proc/self/statm");
+  const std::size_t pages = limit.rlim_cur / systemValue(_SC_PAGESIZE);
+  return (pages > pagesUsed ? pages - pagesUsed : pages) * systemValue(_SC_PAGESIZE);
 }
 
-std::size_t readLimitFile(const char* path) {
-  std::ifstream file(path);
-  std::size_t bytes = 0;
-  return file >> bytes ? bytes : std::numeric_limits<std::size_t>::max();
-}
-
-// What one interpreter may take: most of the memory that this process can get. Beyond it the system
-// would end the process instead of refusing, so the refusal has to be ours.
-std::size_t memoryBudget() {
-  static const std::size_t budget = [] {
-    const auto pages = static_cast<std::size_t>(std::max(sysconf(_SC_PHYS_PAGES), 1L));
-    const auto pageBytes = static_cast<std::size_t>(std::max(sysconf(_SC_PAGESIZE), 1L));
-    const std::size_t available =
-        std::min({pages * pageBytes, addressSpaceLeft(), readLimitFile("/sys/fs/cgroup/memory.max"),
-                  readLimitFile("/sys/fs/cgroup/memory/memory.limit_in_bytes")});
-    return available / 10 * 8;
-  }();
+// What all interpreters of this process together may take: most of the memory that it can get.
+// Beyond it the system would end the process instead of refusing, so the refusal has to be ours.
+std::size_t memoryBudget() noexcept {
+  static const std::size_t budget =
+      std::min({systemValue(_SC_PHYS_PAGES) * systemValue(_SC_PAGESIZE), addressSpaceLeft(),
+                readNumber("/sys/fs/cgroup/memory.max"),
+                readNumber("/sys/fs/cgroup/memory/memory.limit_in_bytes")}) /
+      10 * 8;
   return budget;
 }
+
+// What all heaps of the process have taken from the system or been charged with.
+std::atomic<std::size_t> processBytes{0};
 
 }  // namespace
 
@@ -66,16 +74,25 @@ void Heap::removeOwner() noexcept {
 }
 
 bool Heap::tryCharge(std::size_t bytes) noexcept {
-  if (bytes > kUnquestionedBytes || systemBytes_ + bytes > kUnquestionedBytes) {
-    const std::size_t budget = memoryBudget();
-    if (bytes > budget || systemBytes_ > budget - bytes) return false;
+  if (bytes > kUnquestionedBytes && bytes > memoryBudget()) return false;
+  const std::size_t total = processBytes.fetch_add(bytes, std::memory_order_relaxed) + bytes;
+  if (total > kUnquestionedBytes && total > memoryBudget()) {
+    processBytes.fetch_sub(bytes, std::memory_order_relaxed);
+    return false;
   }
-  systemBytes_ += bytes;
+  chargedBytes_ += bytes;
   return true;
 }
 
 void Heap::charge(std::size_t bytes) {
+  if (tryCharge(bytes)) return;
+  if (bytes <= memoryBudget()) reclaimSlabs();
   if (!tryCharge(bytes)) throw std::bad_alloc();
+}
+
+void Heap::discharge(std::size_t bytes) noexcept {
+  chargedBytes_ -= bytes;
+  processBytes.fetch_sub(bytes, std::memory_order_relaxed);
 }
 
 #ifdef TARVELLUA_CHECKED_HEAP
@@ -86,7 +103,7 @@ std::atomic<std::size_t> blockCount{0};
 
 }  // namespace
 
-Heap::~Heap() = default;
+Heap::~Heap() { discharge(chargedBytes_); }
 
 // A block does not know its heap here, and needs not to: all heaps allocate alike.
 Heap& Heap::of(const void*) noexcept {
@@ -114,6 +131,9 @@ void* Heap::reallocate(void* block, std::size_t, std::size_t newBytes) {
   return moved;
 }
 
+// There are no slabs here.
+void Heap::reclaimSlabs() noexcept {}
+
 std::size_t Heap::liveBlocks() noexcept { return blockCount; }
 
 #else
@@ -121,23 +141,12 @@ std::size_t Heap::liveBlocks() noexcept { return blockCount; }
 // At a slab's start, which every block in it finds by rounding its address down.
 struct Heap::SlabHeader {
   Heap* heap;
-};
-
-// A run of slabs taken from the system at once.
-struct Heap::Region {
-  Region* next;
-  std::size_t bytes;
-};
-
-// In front of every large block; the list is what the heap returns with its end.
-struct alignas(Heap::kGranularity) Heap::LargeBlock {
-  LargeBlock* previous;
-  LargeBlock* next;
-  Heap* heap;
+  std::size_t freeBytes;  // in its free blocks; of meaning only while slabs are reclaimed
 };
 
 namespace {
 
+constexpr std::size_t kSlabBlockBytes = Heap::kSlabBytes - Heap::kGranularity;
 constexpr std::size_t kFirstRegionBytes = std::size_t{1} << 20;
 constexpr std::size_t kSmallestRegionBytes = std::size_t{256} << 10;
 constexpr std::size_t kLargestRegionBytes = std::size_t{64} << 20;
@@ -147,7 +156,51 @@ std::byte* roundUp(std::byte* address, std::size_t alignment) {
   return address + (alignment - value % alignment) % alignment;
 }
 
+std::size_t bytesOfClass(std::size_t sizeClass) {
+  return std::max<std::size_t>(sizeClass, 1) * Heap::kGranularity;
+}
+
+// The header of a block's slab.
+template <class SlabHeader>
+SlabHeader& slabOf(const void* block) noexcept {
+  const auto address = reinterpret_cast<std::uintptr_t>(block);
+  return *reinterpret_cast<SlabHeader*>(address - address % Heap::kSlabBytes);
+}
+
 }  // namespace
+
+// A run of slabs taken from the system at once.
+struct Heap::Region {
+  Region* next;
+  std::size_t bytes;
+  std::byte* unstarted;  // where the next slab would start
+
+  std::byte* firstSlab() noexcept {
+    return roundUp(reinterpret_cast<std::byte*>(this + 1), kSlabBytes);
+  }
+  bool hasRoom() noexcept {
+    const std::byte* const end = reinterpret_cast<std::byte*>(this) + bytes;
+    return static_cast<std::size_t>(end - unstarted) >= kSlabBytes;
+  }
+  template <class Visit>
+  void forEachSlab(Visit visit) {
+    for (std::byte* slab = firstSlab(); slab != unstarted; slab += kSlabBytes) {
+      visit(*reinterpret_cast<SlabHeader*>(slab));
+    }
+  }
+};
+
+// In front of every large block; the list is what the heap returns with its end.
+struct alignas(Heap::kGranularity) Heap::LargeBlock {
+  LargeBlock* previous;
+  LargeBlock* next;
+  Heap* heap;
+
+  // What a block of so many bytes costs, with what the system's allocator adds.
+  static std::size_t cost(std::size_t bytes) noexcept {
+    return bytes + sizeof(LargeBlock) + kGranularity;
+  }
+};
 
 Heap::~Heap() {
   while (large_ != nullptr) {
@@ -160,30 +213,29 @@ Heap::~Heap() {
     regions_ = region->next;
     munmap(region, region->bytes);
   }
+  discharge(chargedBytes_);
 }
 
-Heap& Heap::of(const void* smallBlock) noexcept {
-  const auto address = reinterpret_cast<std::uintptr_t>(smallBlock);
-  return *reinterpret_cast<const SlabHeader*>(address - address % kSlabBytes)->heap;
-}
+Heap& Heap::of(const void* smallBlock) noexcept { return *slabOf<SlabHeader>(smallBlock).heap; }
 
+// ---- Small blocks -------------------------------------------------------------------------------
+
+// With no more memory to be had, free blocks of larger classes serve, and then slabs in which
+// nothing is in use any more.
 void* Heap::carve(std::size_t sizeClass) {
-  const std::size_t bytes = std::max<std::size_t>(sizeClass, 1) * kGranularity;
-  if (static_cast<std::size_t>(slabEnd_ - bump_) < bytes) {
-    try {
-      startSlab();
-    } catch (const std::bad_alloc&) {
-      return splitLargerBlock(std::max<std::size_t>(sizeClass, 1));
-    }
+  const std::size_t bytes = bytesOfClass(sizeClass);
+  if (static_cast<std::size_t>(slabEnd_ - bump_) < bytes && !startSlab()) {
+    if (void* const block = splitLargerBlock(bytes / kGranularity)) return block;
+    reclaimSlabs();
+    if (!startSlab()) throw std::bad_alloc();
   }
   void* const block = bump_;
   bump_ += bytes;
   return block;
 }
 
-// With no more memory to be had, free blocks of larger classes serve. Throws std::bad_alloc when
-// there are none either.
-void* Heap::splitLargerBlock(std::size_t sizeClass) {
+// Null when there is none.
+void* Heap::splitLargerBlock(std::size_t sizeClass) noexcept {
   for (std::size_t larger = sizeClass + 1; larger < free_.size(); ++larger) {
     FreeBlock* const block = free_[larger];
     if (block == nullptr) continue;
@@ -192,40 +244,117 @@ void* Heap::splitLargerBlock(std::size_t sizeClass) {
             (larger - sizeClass) * kGranularity);
     return block;
   }
-  throw std::bad_alloc();
+  return nullptr;
 }
 
-void Heap::startSlab() {
-  if (static_cast<std::size_t>(regionEnd_ - regionNext_) < kSlabBytes) addRegion();
-  new (regionNext_) SlabHeader{this};
-  bump_ = regionNext_ + kGranularity;
-  regionNext_ += kSlabBytes;
-  slabEnd_ = regionNext_;
+bool Heap::startSlab() noexcept {
+  leaveSlab();
+  if (freeSlabs_ != nullptr) {
+    bump_ = reinterpret_cast<std::byte*>(freeSlabs_);
+    freeSlabs_ = freeSlabs_->next;
+  } else if ((regions_ != nullptr && regions_->hasRoom()) || addRegion()) {
+    new (regions_->unstarted) SlabHeader{this, 0};
+    bump_ = regions_->unstarted + kGranularity;
+    regions_->unstarted += kSlabBytes;
+  } else {
+    return false;
+  }
+  slabEnd_ = bump_ + kSlabBlockBytes;
+  return true;
+}
+
+// The unused rest of the current slab becomes free blocks: blocks make up the whole of every slab
+// but the current one.
+void Heap::leaveSlab() noexcept {
+  while (bump_ != slabEnd_) {
+    const std::size_t bytes = std::min(kSmallLimit, static_cast<std::size_t>(slabEnd_ - bump_));
+    release(bump_, bytes);
+    bump_ += bytes;
+  }
+  bump_ = slabEnd_ = nullptr;
 }
 
 // Tries smaller regions before it gives up.
-void Heap::addRegion() {
+bool Heap::addRegion() noexcept {
   std::size_t bytes =
       regions_ == nullptr ? kFirstRegionBytes : std::min(regions_->bytes * 2, kLargestRegionBytes);
   void* memory = MAP_FAILED;
   for (;; bytes /= 2) {
-    if (bytes < kSmallestRegionBytes) throw std::bad_alloc();
+    if (bytes < kSmallestRegionBytes) return false;
     if (!tryCharge(bytes)) continue;
     memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory != MAP_FAILED) break;
-    systemBytes_ -= bytes;
+    discharge(bytes);
   }
-  regions_ = new (memory) Region{regions_, bytes};
-  std::byte* const start = static_cast<std::byte*>(memory);
-  regionNext_ = roundUp(start + sizeof(Region), kSlabBytes);
-  regionEnd_ = start + bytes;
+  regions_ = new (memory) Region{regions_, bytes, nullptr};
+  regions_->unstarted = regions_->firstSlab();
+  return true;
 }
 
+// ---- Slabs in which nothing is in use any more --------------------------------------------------
+
+// Returns whole regions to the system and keeps other free slabs for blocks of any size. The time
+// is proportional to the number of free blocks; so this is done only where an allocation would fail
+// otherwise.
+void Heap::reclaimSlabs() noexcept {
+  leaveSlab();
+  countFreeBytes();
+  forgetBlocksOfFreeSlabs();
+  releaseFreeRegions();
+}
+
+void Heap::countFreeBytes() noexcept {
+  for (Region* region = regions_; region != nullptr; region = region->next) {
+    region->forEachSlab([](SlabHeader& slab) { slab.freeBytes = 0; });
+  }
+  for (FreeBlock* slab = freeSlabs_; slab != nullptr; slab = slab->next) {
+    slabOf<SlabHeader>(slab).freeBytes = kSlabBlockBytes;
+  }
+  for (std::size_t sizeClass = 0; sizeClass < free_.size(); ++sizeClass) {
+    for (FreeBlock* block = free_[sizeClass]; block != nullptr; block = block->next) {
+      slabOf<SlabHeader>(block).freeBytes += bytesOfClass(sizeClass);
+    }
+  }
+}
+
+void Heap::forgetBlocksOfFreeSlabs() noexcept {
+  for (FreeBlock*& list : free_) {
+    FreeBlock** link = &list;
+    for (FreeBlock* block = list; block != nullptr; block = block->next) {
+      if (slabOf<SlabHeader>(block).freeBytes == kSlabBlockBytes) continue;
+      *link = block;
+      link = &block->next;
+    }
+    *link = nullptr;
+  }
+}
+
+void Heap::releaseFreeRegions() noexcept {
+  freeSlabs_ = nullptr;
+  Region** link = &regions_;
+  while (Region* const region = *link) {
+    bool inUse = false;
+    region->forEachSlab([&](SlabHeader& slab) { inUse |= slab.freeBytes != kSlabBlockBytes; });
+    if (!inUse) {
+      *link = region->next;
+      discharge(region->bytes);
+      munmap(region, region->bytes);
+      continue;
+    }
+    region->forEachSlab([&](SlabHeader& slab) {
+      if (slab.freeBytes == kSlabBlockBytes) freeSlabs_ = new (&slab + 1) FreeBlock{freeSlabs_};
+    });
+    link = &region->next;
+  }
+}
+
+// ---- Large blocks -------------------------------------------------------------------------------
+
 void* Heap::allocateLarge(std::size_t bytes) {
-  charge(bytes);
-  auto* const block = static_cast<LargeBlock*>(std::malloc(sizeof(LargeBlock) + bytes));
+  charge(LargeBlock::cost(bytes));
+  LargeBlock* const block = resizeLarge(nullptr, bytes);
   if (block == nullptr) {
-    systemBytes_ -= bytes;
+    discharge(LargeBlock::cost(bytes));
     throw std::bad_alloc();
   }
   new (block) LargeBlock{nullptr, large_, this};
@@ -234,11 +363,21 @@ void* Heap::allocateLarge(std::size_t bytes) {
   return block + 1;
 }
 
+// Null when the system refuses, also once it has got free slabs back. A null block makes a new one.
+Heap::LargeBlock* Heap::resizeLarge(LargeBlock* block, std::size_t bytes) noexcept {
+  void* resized = std::realloc(block, sizeof(LargeBlock) + bytes);
+  if (resized == nullptr) {
+    reclaimSlabs();
+    resized = std::realloc(block, sizeof(LargeBlock) + bytes);
+  }
+  return static_cast<LargeBlock*>(resized);
+}
+
 void Heap::releaseLarge(void* memory, std::size_t bytes) noexcept {
   auto* const block = static_cast<LargeBlock*>(memory) - 1;
   if (block->next != nullptr) block->next->previous = block->previous;
   (block->previous != nullptr ? block->previous->next : block->heap->large_) = block->next;
-  block->heap->systemBytes_ -= bytes;
+  block->heap->discharge(LargeBlock::cost(bytes));
   std::free(block);
 }
 
@@ -251,13 +390,12 @@ void* Heap::reallocate(void* block, std::size_t oldBytes, std::size_t newBytes) 
     return moved;
   }
   if (newBytes > oldBytes) charge(newBytes - oldBytes);
-  auto* const header = static_cast<LargeBlock*>(
-      std::realloc(static_cast<LargeBlock*>(block) - 1, sizeof(LargeBlock) + newBytes));
+  LargeBlock* const header = resizeLarge(static_cast<LargeBlock*>(block) - 1, newBytes);
   if (header == nullptr) {
-    if (newBytes > oldBytes) systemBytes_ -= newBytes - oldBytes;
+    if (newBytes > oldBytes) discharge(newBytes - oldBytes);
     throw std::bad_alloc();
   }
-  if (newBytes < oldBytes) systemBytes_ -= oldBytes - newBytes;
+  if (newBytes < oldBytes) discharge(oldBytes - newBytes);
   if (header->next != nullptr) header->next->previous = header;
   (header->previous != nullptr ? header->previous->next : large_) = header;
   return header + 1;

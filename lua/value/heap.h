@@ -32,7 +32,7 @@ class Heap {
   // The heap that a small block (at most kSmallLimit bytes) belongs to.
   static Heap& of(const void* smallBlock) noexcept;
 
-  // Throws std::bad_alloc when the system refuses or the interpreter's share of the machine's
+  // Throws std::bad_alloc when the system refuses or what this process may take of the machine's
   // memory is used up.
   void* allocate(std::size_t bytes) {
 #ifndef TARVELLUA_CHECKED_HEAP
@@ -65,6 +65,16 @@ class Heap {
   // valid.
   void* reallocate(void* block, std::size_t oldBytes, std::size_t newBytes);
 
+  // Counts memory that stands elsewhere against what this process may take, as MemoryCharge does
+  // for as long as it lives. Throws std::bad_alloc when there is not so much left.
+  void charge(std::size_t bytes);
+  void discharge(std::size_t bytes) noexcept;
+  // For copies that are soon gone: throws std::bad_alloc unless so much is left now.
+  void requireRoom(std::size_t bytes) {
+    charge(bytes);
+    discharge(bytes);
+  }
+
   // Blocks that are allocated and not released, in all heaps of the process. Counted in checked
   // builds only; 0 otherwise.
   static std::size_t liveBlocks() noexcept;
@@ -84,22 +94,27 @@ class Heap {
   ~Heap();
 
   void* carve(std::size_t sizeClass);
-  void* splitLargerBlock(std::size_t sizeClass);
-  void startSlab();
-  void addRegion();
+  void* splitLargerBlock(std::size_t sizeClass) noexcept;
+  bool startSlab() noexcept;
+  void leaveSlab() noexcept;
+  bool addRegion() noexcept;
   void* allocateLarge(std::size_t bytes);
+  LargeBlock* resizeLarge(LargeBlock* block, std::size_t bytes) noexcept;
   static void releaseLarge(void* block, std::size_t bytes) noexcept;
   bool tryCharge(std::size_t bytes) noexcept;
-  void charge(std::size_t bytes);
+
+  void reclaimSlabs() noexcept;
+  void countFreeBytes() noexcept;
+  void forgetBlocksOfFreeSlabs() noexcept;
+  void releaseFreeRegions() noexcept;
 
   std::array<FreeBlock*, kSmallLimit / kGranularity + 1> free_{};
   std::byte* bump_ = nullptr;  // the unused rest of the current slab
   std::byte* slabEnd_ = nullptr;
-  std::byte* regionNext_ = nullptr;  // the unused rest of the current region, in whole slabs
-  std::byte* regionEnd_ = nullptr;
-  Region* regions_ = nullptr;
+  FreeBlock* freeSlabs_ = nullptr;  // each the whole room of a slab in which nothing is in use
+  Region* regions_ = nullptr;       // the latest first, which alone has room for more slabs
   LargeBlock* large_ = nullptr;
-  std::size_t systemBytes_ = 0;  // taken from the system and not returned
+  std::size_t chargedBytes_ = 0;  // this heap's part of what the process has taken
   std::size_t owners_ = 1;
 };
 

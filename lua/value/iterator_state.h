@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "lua/value/heap.h"
 #include "lua/value/table.h"
 #include "lua/value/value.h"
+#include "lua/value/value_list.h"
 
 namespace tarvel::lua::internal {
 
@@ -16,7 +16,7 @@ struct IteratorState : Object {
 
   Kind kind;
   // Pairs, Gmatch: all items as they were when the iterator was made, `itemSize` owned values each.
-  std::vector<Value> values;
+  ValueList values;
   std::uint32_t itemSize = 2;
   // The next item's first value in `values`; Ipairs: the last index delivered.
   std::uint64_t position = 0;
@@ -24,14 +24,14 @@ struct IteratorState : Object {
   Table* table = nullptr;
   std::uint64_t limit = 0;
 
-  explicit IteratorState(Kind iteratorKind) : kind(iteratorKind) {}
+  IteratorState(Kind iteratorKind, ValueList&& items)
+      : kind(iteratorKind), values(std::move(items)) {}
   ~IteratorState();
 
   // All return an owned reference.
   static IteratorState* createPairs(Heap& heap, Table& table);
   static IteratorState* createIpairs(Heap& heap, Table& table);
-  static IteratorState* createGmatch(Heap& heap, std::vector<Value>&& ownedValues,
-                                     std::uint32_t valuesPerMatch);
+  static IteratorState* createGmatch(Heap& heap, ValueList&& items, std::uint32_t valuesPerMatch);
 };
 
 }  // namespace tarvel::lua::internal

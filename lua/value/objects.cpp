@@ -51,41 +51,37 @@ NativeObject* NativeObject::create(Heap& heap, Kind kind, std::unique_ptr<Native
 }
 
 IteratorState::~IteratorState() {
-  for (const Value& value : values) drop(value);
   if (table != nullptr) drop(Value(table));
 }
 
 IteratorState* IteratorState::createPairs(Heap& heap, Table& table) {
-  std::vector<Value> items;
-  items.reserve(2 * (std::size_t{table.arraySize()} + table.liveEntries()));
+  ValueList items(heap, 2 * (std::size_t{table.arraySize()} + table.liveEntries()));
   for (std::uint32_t i = 0; i < table.arraySize(); ++i) {
     if (table.element(i).isNil()) continue;
-    items.push_back(Value(static_cast<std::int64_t>(i) + 1));
-    items.push_back(table.element(i));
+    items.push(Value(static_cast<std::int64_t>(i) + 1));
+    items.push(retain(table.element(i)));
   }
   for (std::uint32_t i = 0; i < table.entryCount(); ++i) {
     if (table.entryValue(i).isNil()) continue;
-    items.push_back(table.entryKey(i).toValue());
-    items.push_back(table.entryValue(i));
+    items.push(retain(table.entryKey(i).toValue()));
+    items.push(retain(table.entryValue(i)));
   }
-  auto* const iterator = new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Pairs);
-  for (const Value& value : items) retain(value);
-  iterator->values = std::move(items);
-  return iterator;
+  return new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Pairs, std::move(items));
 }
 
 IteratorState* IteratorState::createIpairs(Heap& heap, Table& table) {
-  auto* const iterator = new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Ipairs);
+  auto* const iterator =
+      new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Ipairs, ValueList(heap));
   ++table.count;
   iterator->table = &table;
   iterator->limit = static_cast<std::uint64_t>(table.length());
   return iterator;
 }
 
-IteratorState* IteratorState::createGmatch(Heap& heap, std::vector<Value>&& ownedValues,
+IteratorState* IteratorState::createGmatch(Heap& heap, ValueList&& items,
                                            std::uint32_t valuesPerMatch) {
-  auto* const iterator = new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Gmatch);
-  iterator->values = std::move(ownedValues);
+  auto* const iterator =
+      new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Gmatch, std::move(items));
   iterator->itemSize = valuesPerMatch;
   return iterator;
 }

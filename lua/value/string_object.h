@@ -72,4 +72,21 @@ class StringInterner {
   std::size_t used_ = 0;
 };
 
+// The printable form of a value. Of a string it is the string itself, which must outlive it.
+class PrintableText {
+ public:
+  explicit PrintableText(const Value& value) {
+    if (!value.isString()) value.appendTo(rendering_);
+    view_ = value.isString() ? value.string->view() : std::string_view(rendering_);
+  }
+  PrintableText(const PrintableText&) = delete;
+  PrintableText& operator=(const PrintableText&) = delete;
+
+  std::string_view view() const noexcept { return view_; }
+
+ private:
+  std::string rendering_;
+  std::string_view view_;
+};
+
 }  // namespace tarvel::lua::internal

@@ -17,8 +17,8 @@ constexpr std::ptrdiff_t kLimitStep = 256;  // slots by which the soft limit ris
 // Kept free for what runs at the deepest point: the C++ library, the unwinder, a native function's
 // own frames.
 constexpr std::size_t kHostReserve = std::size_t{96} << 10;  // bytes
-// Assumed where the thread's bounds do not contain its stack pointer, as on a stack that the host
-// switched to itself.
+// Assumed at the start of a HostStackScope where the thread's bounds do not contain its stack
+// pointer.
 constexpr std::size_t kUnknownStackBudget = std::size_t{64} << 10;
 
 struct StackBounds {
@@ -42,12 +42,27 @@ StackBounds threadStackBounds() noexcept {
   return bounds;
 }
 
+thread_local std::uintptr_t notedFloor = 0;
+
+// Whether a floor is that of the stack on which the stack pointer is `here`.
+bool isFloorOf(std::uintptr_t floor, std::uintptr_t here) noexcept {
+  return here >= floor - kHostReserve && here <= floor + kUnknownStackBudget;
+}
+
 }  // namespace
+
+HostStackScope::HostStackScope() noexcept : outerFloor_(notedFloor) {
+  notedFloor = hostStackFloor();
+}
+
+HostStackScope::~HostStackScope() { notedFloor = outerFloor_; }
 
 std::uintptr_t hostStackFloor() noexcept {
   thread_local const StackBounds bounds = threadStackBounds();
   const std::uintptr_t here = hostStackPointer();
-  if (here <= bounds.low || here > bounds.high) return here - kUnknownStackBudget;
+  if (here <= bounds.low || here > bounds.high) {
+    return isFloorOf(notedFloor, here) ? notedFloor : here - kUnknownStackBudget;
+  }
   return bounds.low + std::min<std::size_t>(kHostReserve, (bounds.high - bounds.low) / 4);
 }
 

@@ -23,8 +23,22 @@ inline std::uintptr_t hostStackPointer() noexcept {
 }
 
 // The lowest stack pointer that code of this thread may reach and still have room for library calls
-// and for raising an exception. Derived from the real bounds of the thread's stack.
+// and for raising an exception. Derived from the real bounds of the thread's stack; on a stack that
+// the host switched to itself, whose bounds nobody knows, from where a HostStackScope began.
 std::uintptr_t hostStackFloor() noexcept;
+
+// Notes the floor for everything that runs on this thread and stack while it lives. Stands around
+// whatever recurses as deep as the stack allows.
+class HostStackScope {
+ public:
+  HostStackScope() noexcept;
+  ~HostStackScope();
+  HostStackScope(const HostStackScope&) = delete;
+  HostStackScope& operator=(const HostStackScope&) = delete;
+
+ private:
+  std::uintptr_t outerFloor_;
+};
 
 // Bytes of the host's stack that are left above the floor.
 std::size_t hostStackRoom() noexcept;

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/unit/value_support.h"
+
 namespace tarvel::lua::internal {
 namespace {
 
@@ -25,8 +27,10 @@ constexpr const char* kKindNames[] = {
 };
 
 std::vector<Token> tokensOf(std::string_view source) {
+  const TestHeap heap;
+  MemoryCharge memory(heap.get());
   const std::string chunkName = "t";
-  return Lexer(source, chunkName).tokenise();
+  return Lexer(source, chunkName, memory).tokenise();
 }
 
 // "Kind(text)" for each token, EndOfFile included.

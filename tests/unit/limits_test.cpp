@@ -1,13 +1,18 @@
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <tarvel/lua/lua_vm.h>
+#include <ucontext.h>
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/value_support.h"
@@ -64,22 +69,61 @@ TEST(Recursion, IsAnErrorOnEveryStack) {
   }
 }
 
+// A run inside a run inside a run.
+std::string recurseThroughHost() {
+  LuaVM vm;
+  std::string deepest;
+  vm.bindFunction("again", [&](LuaVM& caller, const Arguments&) {
+    const LuaResult result = caller.runScriptString("return {again()}", "again");
+    if (!result.ok && deepest.empty()) deepest = result.error;
+    return result.value;
+  });
+  EXPECT_EQ("nil", run(vm, "again()"));
+  EXPECT_EQ(kBusyOutcome, run(vm, kBusyScript));
+  return deepest;
+}
+
 TEST(Recursion, ThroughTheHostIsAnErrorToo) {
   for (const std::size_t stack : {256 * kKilobyte, 8 * kMegabyte}) {
-    runOnStack(stack, [] {
-      LuaVM vm;
-      std::string deepest;
-      vm.bindFunction("again", [&](LuaVM& caller, const Arguments&) {
-        const LuaResult result = caller.runScriptString("return {again()}", "again");
-        if (!result.ok && deepest.empty()) deepest = result.error;
-        return result.value;
-      });
-      EXPECT_EQ("nil", run(vm, "again()"));
-      EXPECT_TRUE(deepest.ends_with("stack overflow") || deepest.ends_with("too deeply"))
-          << deepest;
-      EXPECT_EQ(kBusyOutcome, run(vm, kBusyScript));
-    });
+    runOnStack(stack, [] { EXPECT_EQ("again:1: stack overflow", recurseThroughHost()); });
   }
+}
+
+// Runs `body` on a stack that the thread switches to by itself, with a guard page below.
+void runOnSwitchedStack(std::size_t bytes, std::function<void()> body) {
+  static std::function<void()> current;
+  static ucontext_t host;
+  current = std::move(body);
+  const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  auto* const memory = static_cast<std::byte*>(
+      mmap(nullptr, page + bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  mprotect(memory, page, PROT_NONE);
+  ucontext_t context;
+  getcontext(&context);
+  context.uc_stack.ss_sp = memory + page;
+  context.uc_stack.ss_size = bytes;
+  context.uc_link = &host;
+  makecontext(
+      &context, [] { current(); }, 0);
+  swapcontext(&host, &context);
+  munmap(memory, page + bytes);
+}
+
+TEST(Recursion, IsAnErrorOnAStackThatTheHostSwitchedTo) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer has to be told of such a stack";
+  runOnSwitchedStack(256 * kKilobyte, [] {
+    for (const auto& c : kRecursions) EXPECT_GE(recurse(c.source, c.outcome), 20) << c.source;
+    EXPECT_EQ("again:1: stack overflow", recurseThroughHost());
+    LuaVM vm;
+    const std::string tooDeep = "error value cannot be bridged out of TarvelLua";
+    EXPECT_EQ(tooDeep, run(vm, "local t = {} for i = 1, 990 do t = {t} end return t"));
+    EXPECT_TRUE(run(vm, "return " + repeated("(", 9000) + "1" + repeated(")", 9000))
+                    .ends_with(": source is nested too deeply"));
+    LuaValue deep;
+    for (int i = 0; i < 990; ++i) deep = sequence(deep);
+    EXPECT_THROW(deep.toString(), std::runtime_error);
+    EXPECT_THROW(vm.setGlobal("deep", deep), std::runtime_error);
+  });
 }
 
 // Source texts that nest or chain and would return 7: a head, then `before` as often as asked for,
@@ -144,64 +188,111 @@ TEST(Nesting, IsNoCrashHoweverDeep) {
   runOnStack(64 * kMegabyte, [] { EXPECT_EQ("i7", run(kNestings[0].source(1000))); });
 }
 
-// What this process may use of the address space beyond what it uses now.
+// Sets what this process may use of the address space beyond what it uses now.
 void limitMemory(std::size_t bytes) {
   std::ifstream file("/proc/self/statm");
   std::size_t pages = 0;
   file >> pages;
-  const rlim_t total = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + bytes;
-  const rlimit limit{total, total};
+  rlimit limit{};
+  getrlimit(RLIMIT_AS, &limit);
+  limit.rlim_cur = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + bytes;
   setrlimit(RLIMIT_AS, &limit);
 }
 
-// Runs a script in this process with a limited address space and ends the process, with status 0 if
-// the script returned true and the interpreter still runs others (or, where all memory went into
-// small objects, at least says why not).
-[[noreturn]] void runWithLittleMemory(const std::string& script, bool recovers) {
-  limitMemory(700 * kMegabyte);
+constexpr std::size_t kLittleMemory = 300 * kMegabyte;
+
+// An interpreter asks what there is when it first needs much.
+void needMuchMemory(LuaVM& vm) {
+  EXPECT_EQ("i100000000", run(vm, "return #string.rep('x', 100000000)"));
+}
+
+// Runs a script in this process with little memory and ends the process, with status 0 if the
+// script returned true and the interpreter still runs others. Either the system enforces the limit,
+// or the interpreter does, by its own count.
+[[noreturn]] void runWithLittleMemory(const std::string& script, bool systemEnforces) {
   LuaVM vm;
+  if (systemEnforces) needMuchMemory(vm);
+  limitMemory(kLittleMemory);
+  if (!systemEnforces) {
+    needMuchMemory(vm);
+    limitMemory(5 * kLittleMemory);
+  }
   const std::string text = run(vm, script);
   const std::string afterwards = run(vm, kBusyScript);
-  std::cerr << text << ' ' << afterwards << '\n';
-  const bool usable =
-      afterwards == kBusyOutcome || (!recovers && afterwards == "error not enough memory");
-  _exit(text == "true" && usable ? 0 : 1);
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  const auto peak = static_cast<std::size_t>(usage.ru_maxrss) * kKilobyte;
+  std::cerr << text << ' ' << afterwards << ' ' << peak << '\n';
+  _exit(text == "true" && afterwards == kBusyOutcome && peak < kLittleMemory + 64 * kMegabyte ? 0
+                                                                                              : 1);
+}
+
+void expectNotEnoughMemory(const std::string& script) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  // A process of its own each, because how much there is is asked only once in a process.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (const bool systemEnforces : {true, false}) {
+    EXPECT_EXIT(runWithLittleMemory(script, systemEnforces), ::testing::ExitedWithCode(0), "")
+        << script << (systemEnforces ? "" : ", by its own count");
+  }
 }
 
 TEST(Memory, RunningOutIsAnError) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
-  const struct {
-    std::string body;
-    bool recovers;
-  } cases[] = {
-      {"local s = 'x' while true do s = s .. s end", true},
-      {"local s = 'x' while true do local t = s .. s s = t end", true},
-      {"local t = {} local i = 0 while true do i = i + 1 t[i] = i end", true},
-      {"local t = {} local i = 0 while true do i = i + 1 t['key' .. i] = i end", true},
-      {"local a = {1} for i = 1, 40 do a = {a, a} end print(a)", true},
-      {"local s = string.rep('x', 9000000000000)", true},
-      {"local t = {} while true do t = {t} end", false},
-      {"local t = {} while true do t = {x = t} end", false},
-      {"local f = 1 while true do f = around(f) end", false},
+  const char* const bodies[] = {
+      "local s = 'x' while true do s = s .. s end",
+      "local s = 'x' while true do local t = s .. s s = t end",
+      "local t = {} local i = 0 while true do i = i + 1 t[i] = i end",
+      "local t = {} local i = 0 while true do i = i + 1 t['key' .. i] = i end",
+      "local s = string.rep('x', 9000000000000)",
+      "local t = {} while true do t = {x = t} end",
+      "local f = 1 while true do f = around(f) end",
+      // Small blocks, then large ones, with the small ones free again but for a few.
+      "local all, few = {}, {} pcall(function() for i = 1, 1000000000 do all = {all, i} "
+      "if i % 100000 == 0 then few = {few} end end end) all = nil "
+      "for i = 1, 10 do string.rep('x', 100000000) end local s = 'x' while true do s = s .. s end",
+      // Memory that is not the script's own: what print, error, loops and functions hand on.
+      "local a = {1} for i = 1, 40 do a = {a, a} end print(a)",
+      "local a = {x = 1} for i = 1, 40 do a = {x = a, y = a} end print(a)",
+      "local s = string.rep('x', 150000000) error(s)",
+      "local t = {} for i = 1, 4000000 do t[i] = i end "
+      "local all = {} for i = 1, 9 do all[i] = pairs(t) end",
+      "string.gmatch(string.rep('xy', 50000000), '(x)(y)')",
+      "string.unpack(string.rep('I4', 9000000), string.rep('x', 36000000))",
   };
-  for (const auto& c : cases) {
-    const std::string script =
+  for (const std::string body : bodies) {
+    expectNotEnoughMemory(
         "function around(g) return function() return g end end "
         "local ok, message = pcall(function() " +
-        c.body + " end) return not ok and message == 'not enough memory'";
-    EXPECT_EXIT(runWithLittleMemory(script, c.recovers), ::testing::ExitedWithCode(0), "")
-        << c.body;
+        body + " end) return not ok and message == 'not enough memory'");
+  }
+}
+
+// What a run returns is copied, and a chunk's tokens and tree take many times its text.
+TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  const auto runOut = [](const std::string& source) {
+    LuaVM vm;
+    limitMemory(kLittleMemory);
+    const std::string text = run(vm, source);
+    std::cerr << text << '\n';
+    _exit(text == "error not enough memory" && run(vm, kBusyScript) == kBusyOutcome ? 0 : 1);
+  };
+  for (const std::string& source : {
+           std::string("local a = {1} for i = 1, 40 do a = {a, a} end return a"),
+           std::string("local t = {} while true do t = {t} end"),
+           "return {" + repeated("1,", 2000000) + "}",
+       }) {
+    EXPECT_EXIT(runOut(source), ::testing::ExitedWithCode(0), "");
   }
 }
 
 // An assignment that fails stores nothing, also where it would have appended in place.
 TEST(Memory, AFailedAppendLeavesTheString) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
   const std::string script =
       "local big = 'x' for i = 1, 26 do big = big .. big end local s = 'a' .. 'b' "
       "local ok = pcall(function() s = s .. 'tail' .. big .. big .. big .. big .. big .. big end) "
       "return not ok and s == 'ab'";
-  EXPECT_EXIT(runWithLittleMemory(script, true), ::testing::ExitedWithCode(0), "");
+  expectNotEnoughMemory(script);
 }
 
 }  // namespace

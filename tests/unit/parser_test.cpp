@@ -23,7 +23,9 @@ class ParsedChunk {
  public:
   explicit ParsedChunk(std::string_view source, std::uint32_t nestingLimit = kAmpleLimit) {
     const std::string chunkName = "t";
-    Parser parser(Lexer(source, chunkName).tokenise(), chunkName, chunk_, strings_, nestingLimit);
+    MemoryCharge memory(*heap_);
+    Parser parser(Lexer(source, chunkName, memory).tokenise(), chunkName, chunk_, strings_,
+                  nestingLimit);
     statements_ = parser.parseChunk();
   }
 
@@ -41,7 +43,7 @@ class ParsedChunk {
 
   std::unique_ptr<Heap, RemoveOwner> heap_{Heap::create()};
   StringInterner strings_{*heap_};
-  ResolvedChunk chunk_;
+  ResolvedChunk chunk_{*heap_};
   ArenaList<Stmt*> statements_;
 };
 

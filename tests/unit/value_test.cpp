@@ -262,8 +262,11 @@ OwnedValue link(const TestHeap& heap, FunctionCode& code, const OwnedValue& name
       return OwnedValue(Value(FunctionObject::createClosure(
           memory, nullptr, &code, name.get().string, inner.get().environment)));
     }
-    case 4:  // an iterator's item
-      return OwnedValue(Value(IteratorState::createGmatch(memory, {next.take()}, 1)));
+    case 4: {  // an iterator's item
+      ValueList items(memory);
+      items.push(next.take());
+      return OwnedValue(Value(IteratorState::createGmatch(memory, std::move(items), 1)));
+    }
     default:  // what a native function holds
       return heap.native("holder", [next](LuaVM&, ValueSpan, unsigned) { return MultiValue(); });
   }
