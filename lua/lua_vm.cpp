@@ -77,7 +77,11 @@ LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,
 namespace {
 
 // With less of the host's stack than this, not even a short script can be read.
-constexpr std::size_t kLeastHostStack = std::size_t{16} << 10;  // bytes
+#if defined(TARVELLUA_CHECKED_HEAP) || !defined(__OPTIMIZE__)
+constexpr std::size_t kLeastHostStack = std::size_t{48} << 10;  // bytes
+#else
+constexpr std::size_t kLeastHostStack = std::size_t{16} << 10;
+#endif
 
 // What a run leaves the interpreter with, however it ends: the stack as it was, nothing on it, and
 // no exit that would be taken for one of a run around it.

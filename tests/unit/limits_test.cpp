@@ -247,15 +247,16 @@ TEST(Memory, RunningOutIsAnError) {
       "local t = {} while true do t = {x = t} end",
       "local f = 1 while true do f = around(f) end",
       // Small blocks, then large ones, with the small ones free again but for a few.
-      "local all, few = {}, {} pcall(function() for i = 1, 1000000000 do all = {all, i} "
-      "if i % 100000 == 0 then few = {few} end end end) all = nil "
-      "for i = 1, 10 do string.rep('x', 100000000) end local s = 'x' while true do s = s .. s end",
+      ("local all, few = {}, {} pcall(function() for i = 1, 1000000000 do all = {all, i} "
+       "if i % 100000 == 0 then few = {few} end end end) all = nil "
+       "for i = 1, 10 do string.rep('x', 100000000) end local s = 'x' while true do s = s .. s "
+       "end"),
       // Memory that is not the script's own: what print, error, loops and functions hand on.
       "local a = {1} for i = 1, 40 do a = {a, a} end print(a)",
       "local a = {x = 1} for i = 1, 40 do a = {x = a, y = a} end print(a)",
       "local s = string.rep('x', 150000000) error(s)",
-      "local t = {} for i = 1, 4000000 do t[i] = i end "
-      "local all = {} for i = 1, 9 do all[i] = pairs(t) end",
+      ("local t = {} for i = 1, 4000000 do t[i] = i end "
+       "local all = {} for i = 1, 9 do all[i] = pairs(t) end"),
       "string.gmatch(string.rep('xy', 50000000), '(x)(y)')",
       "string.unpack(string.rep('I4', 9000000), string.rep('x', 36000000))",
   };
