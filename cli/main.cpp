@@ -120,7 +120,7 @@ int runInteractively(LuaVM& vm) {
   for (std::string line;;) {
     std::fputs("lua> ", stdout);
     std::fflush(stdout);
-    if (!std::getline(std::cin, line) || line == "exit" || line == "quit") return 0;
+    if (!readScriptLine(std::cin, line) || line == "exit" || line == "quit") return 0;
     if (line.empty()) continue;
     try {
       requireOk(vm.runScriptString(line, "<repl>"));

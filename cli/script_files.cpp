@@ -10,6 +10,8 @@ namespace tarvel::lua {
 
 namespace {
 
+// Far beyond any script; a device may never end.
+constexpr std::size_t kLargestFile = std::size_t{1} << 30;  // bytes
 constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
 
 [[noreturn]] void fail(const char* failure, const std::string& path) {
@@ -40,6 +42,7 @@ std::string readScriptFile(const std::string& path, const char* openFailure) {
   do {
     file.read(piece.data(), piece.size());
     text.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+    if (text.size() > kLargestFile) fail("file is too large: ", path);
   } while (file);
   if (file.bad()) fail("failed to read file: ", path);
   return text;
@@ -50,11 +53,23 @@ std::string readContainerFile(const std::string& path) {
   file.seekg(0, std::ios::end);
   const std::streamoff size = file.tellg();
   if (size < 0) fail("failed to size file: ", path);
+  if (static_cast<std::size_t>(size) > kLargestFile) fail("file is too large: ", path);
   file.seekg(0);
   std::string bytes(static_cast<std::size_t>(size), '\0');
   file.read(bytes.data(), size);
   if (!file) fail("failed to read file: ", path);
   return bytes;
+}
+
+bool readScriptLine(std::istream& input, std::string& line) {
+  line.clear();
+  using Bytes = std::istream::traits_type;
+  for (int byte = input.rdbuf()->sbumpc(); byte != '\n'; byte = input.rdbuf()->sbumpc()) {
+    if (byte == Bytes::eof()) return !line.empty();
+    line.push_back(Bytes::to_char_type(byte));
+    if (line.size() > kLargestFile) throw std::runtime_error("line is too long");
+  }
+  return true;
 }
 
 void writeContainerFile(const std::string& path, std::string_view bytes) {

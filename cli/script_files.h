@@ -1,10 +1,12 @@
 #pragma once
 
+#include <istream>
 #include <string>
 #include <string_view>
 
 // Reading and writing whole files. Every failure is a std::runtime_error whose text ends with the
-// path.
+// path; what is larger than a gigabyte, such as a device without end, fails with "file is too
+// large: ".
 
 namespace tarvel::lua {
 
@@ -15,6 +17,10 @@ std::string readScriptFile(const std::string& path, const char* openFailure);
 // A container's bytes. Throws "failed to open file: ", "failed to size file: " or "failed to read
 // file: ".
 std::string readContainerFile(const std::string& path);
+
+// The next line, without its line feed; the last one may lack it. False at the end of the input.
+// Throws std::runtime_error "line is too long" beyond a gigabyte.
+bool readScriptLine(std::istream& input, std::string& line);
 
 // Throws "failed to open file for writing: ", or "failed to write file: ", which leaves no regular
 // file behind.
