@@ -37,7 +37,9 @@ const std::string& requireRoomToCompile(const std::string& expression) {
   return expression;
 }
 
+// A group that is only optional is passed once, like what is not repeated.
 bool repeatsWhatCanBeEmpty(char before, char c) noexcept {
+  if (before == ')' && c == '?') return false;
   const auto isQuantifier = [](char q) { return q == '*' || q == '+' || q == '?' || q == '-'; };
   return isQuantifier(c) && (before == ')' || isQuantifier(before));
 }
