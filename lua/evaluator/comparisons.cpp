@@ -6,6 +6,7 @@
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
 #include "lua/value/completion.h"
+#include "lua/value/number_rules.h"
 
 // The nodes of the comparison operators, as values and as conditions, and `if`, into which a
 // comparison is fused.
@@ -54,11 +55,12 @@ struct OrderRule {
   static bool tryFast(Value left, Value right, bool& out) noexcept {
     if (left.tag == kInteger && right.tag == kInteger) {
       out = Order::decide(left.integer, right.integer);
-    } else if (left.tag == kFloat && right.tag == kFloat) {
-      out = Order::decide(left.number, right.number);
-    } else {
-      return false;
+      return true;
     }
+    double a = 0;
+    double b = 0;
+    if (!tryAsFloat(left, a) || !tryAsFloat(right, b)) return false;
+    out = Order::decide(a, b);
     return true;
   }
   static bool decide(const Node* node, const Value& left, const Value& right) {

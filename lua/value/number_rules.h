@@ -27,6 +27,16 @@ inline std::int64_t saturatingInteger(double value) noexcept {
   return std::isnan(value) ? 0 : static_cast<std::int64_t>(value);
 }
 
+// A number as a float, for operators that mix the two kinds; false for any other value.
+inline bool tryAsFloat(const Value& value, double& out) noexcept {
+  if (value.tag == kFloat) {
+    out = value.number;
+    return true;
+  }
+  out = static_cast<double>(value.integer);
+  return value.tag == kInteger;
+}
+
 // The integer that a float within the epsilon of a whole number in range becomes; false for any
 // other float. NaN is not whole here.
 bool wholeNumber(double value, std::int64_t& out) noexcept;
