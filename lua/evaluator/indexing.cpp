@@ -200,6 +200,23 @@ Value peekIndex(const Node* node, Value* base) {
   return borrowedStandIn(node, readIndexOfOther<Key::kOwned>(index, object, key));
 }
 
+template <bool KeyOwned>
+[[gnu::noinline]] bool testIndexOfOther(const IndexExpr* node, Value object, Value key) {
+  const OwnedValue value(readIndexOfOther<KeyOwned>(node, object, key));
+  return value.get().isTruthy();
+}
+
+template <class Object, class Key>
+bool testIndex(const Node* node, Value* base) {
+  const auto* const index = static_cast<const IndexExpr*>(node);
+  const Value object = Object::load(index, base);
+  const Value key = Key::load(index, base);
+  if (isArrayElement(object, key)) [[likely]] {
+    return object.table->element(static_cast<std::uint32_t>(key.integer - 1)).isTruthy();
+  }
+  return testIndexOfOther<Key::kOwned>(index, object, key);
+}
+
 // The object must be kept while the key runs: in a slot, where an error finds it.
 Value readIndexKeepingObject(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
@@ -211,15 +228,20 @@ Value readIndexKeepingObject(const Node* node, Value* base) {
   return result;
 }
 
+template <class Object, class Key>
+void chooseObjectAndKey(IndexExpr& index) {
+  index.execute = readIndex<Object, Key>;
+  index.peek = peekIndex<Object, Key>;
+  index.test = testIndex<Object, Key>;
+}
+
 template <class Object>
 void chooseKey(IndexExpr& index) {
   if (isFrameVariable(*index.key)) {
     index.keyOffset = frameOffsetOf(*index.key);
-    index.execute = readIndex<Object, FrameKey>;
-    index.peek = peekIndex<Object, FrameKey>;
+    chooseObjectAndKey<Object, FrameKey>(index);
   } else {
-    index.execute = readIndex<Object, OtherKey>;
-    index.peek = peekIndex<Object, OtherKey>;
+    chooseObjectAndKey<Object, OtherKey>(index);
   }
 }
 
@@ -252,7 +274,6 @@ void chooseField(FieldExpr& field) {
 }
 
 void chooseIndex(IndexExpr& index) {
-  index.test = testValue;
   if (isFrameVariable(*index.object)) {
     index.objectOffset = frameOffsetOf(*index.object);
     chooseKey<FrameObject<IndexExpr>>(index);
@@ -260,6 +281,7 @@ void chooseIndex(IndexExpr& index) {
     chooseKey<PeekedObject<IndexExpr>>(index);
   } else {
     index.execute = readIndexKeepingObject;
+    index.test = testValue;
   }
 }
 
