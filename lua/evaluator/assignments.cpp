@@ -187,9 +187,20 @@ Value storeField(const Node* node, Value* base) {
   tableSetByKey(table, key, valueGuard.take());
 }
 
-template <class Object>
+// What is stored: a literal that needs no reference, or anything else.
+struct ScalarLiteral {
+  static Value evaluate(const Node* node, Value*) noexcept {
+    return literalValue(*asAssignment(node)->value);
+  }
+};
+
+struct AnyValue {
+  static Value evaluate(const Node* node, Value* base) { return singleValue(node, base); }
+};
+
+template <class Object, class Source>
 Value storeElementAtLocal(const Node* node, Value* base) {
-  const Value value = singleValue(node, base);
+  const Value value = Source::evaluate(node, base);
   const auto* const target =
       static_cast<const IndexExpr*>(asAssignment(node)->targets[0].expression);
   const Value object = Object::load(target, base);
@@ -324,14 +335,21 @@ NodeFunction fieldStore(FieldExpr& target) noexcept {
   return target.object->kind == ExprKind::Variable ? storeField<InVariable> : storeAnywhere;
 }
 
-NodeFunction indexStore(IndexExpr& target) noexcept {
+template <class Object>
+NodeFunction storeAtLocal(const Expr& value) noexcept {
+  return isLiteral(value) && !literalValue(value).isCounted()
+             ? storeElementAtLocal<Object, ScalarLiteral>
+             : storeElementAtLocal<Object, AnyValue>;
+}
+
+NodeFunction indexStore(IndexExpr& target, const Expr& value) noexcept {
   const bool inFrame = isFrameVariable(*target.object);
   if (inFrame) target.objectOffset = frameOffsetOf(*target.object);
   if (!inFrame && (target.object->kind != ExprKind::Variable || target.key->containsCall))
     return storeAnywhere;
   if (isFrameVariable(*target.key)) {
     target.keyOffset = frameOffsetOf(*target.key);
-    return inFrame ? storeElementAtLocal<InFrame> : storeElementAtLocal<InVariable>;
+    return inFrame ? storeAtLocal<InFrame>(value) : storeAtLocal<InVariable>(value);
   }
   return inFrame ? storeElement<InFrame> : storeElement<InVariable>;
 }
@@ -361,7 +379,7 @@ void chooseAssignment(AssignmentStmt& statement) {
   } else if (target.kind == ExprKind::Field) {
     statement.execute = fieldStore(static_cast<FieldExpr&>(target));
   } else {
-    statement.execute = indexStore(static_cast<IndexExpr&>(target));
+    statement.execute = indexStore(static_cast<IndexExpr&>(target), *statement.value);
   }
 }
 
