@@ -1,9 +1,5 @@
 #pragma once
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -41,19 +37,13 @@ inline bool tryAsFloat(const Value& value, double& out) noexcept {
 // other float. NaN is not whole here.
 bool wholeNumber(double value, std::int64_t& out) noexcept;
 
-// Truncates toward zero. A value beyond the 64-bit range gives some integer that is far from it.
-inline std::int64_t truncated(double value) noexcept {
-#if defined(__SSE2__)
-  return _mm_cvttsd_si64(_mm_set_sd(value));  // a C++ cast would be undefined out of range
-#else
-  return std::fabs(value) < kTwoTo63 ? static_cast<std::int64_t>(value) : 0;
-#endif
-}
-
 // A filter for normalizeWhole: true only where that keeps the float as it is. False decides
 // nothing.
 inline bool isClearlyFractional(double value) noexcept {
-  const double fraction = value - static_cast<double>(truncated(value));
+  // Adding and subtracting this rounds to an integer; without the conversions between registers
+  // that a cast takes. Values too large for that are whole, and so is then what is left of them.
+  constexpr double kRounding = 6755399441055744.0;  // 1.5 * 2^52
+  const double fraction = value - ((value + kRounding) - kRounding);
   return std::fabs(std::fabs(fraction) - 0.5) < 0.5 - kNumberEpsilon;
 }
 
