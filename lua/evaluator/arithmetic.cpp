@@ -92,6 +92,9 @@ inline bool tryArithmetic(Value left, Value right, Value& out) noexcept {
   if (left.tag == kInteger && right.tag == kInteger) [[likely]] {
     return Op::integers(left.integer, right.integer, out);
   }
+  if (left.tag == kFloat && right.tag == kFloat) [[likely]] {
+    return Op::floats(left.number, right.number, out);
+  }
   double a = 0;
   double b = 0;
   if (!tryAsFloat(left, a) || !tryAsFloat(right, b)) return false;
