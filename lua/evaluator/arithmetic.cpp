@@ -79,12 +79,15 @@ struct Modulo {
   static bool floats(double, double, Value&) noexcept { return false; }
 };
 
-// What the operator's inline cases leave. Drops the owned operands.
-template <class Op, bool LeftOwned, bool RightOwned>
-[[gnu::noinline]] Value finishArithmetic(const Node* node, Value left, Value right) {
-  const OwnedValue leftGuard(LeftOwned ? left : Value());
-  const OwnedValue rightGuard(RightOwned ? right : Value());
-  return evaluateArithmetic(left, Op::kToken, right, node->line);
+// What the operator's inline cases leave. Takes over the owned operands.
+template <class Op, class Left, class Right>
+[[gnu::noinline]] Value finishArithmetic(const Node* node, Value* base, Value ownedLeft,
+                                         Value ownedRight) {
+  const OwnedValue leftGuard(ownedLeft);
+  const OwnedValue rightGuard(ownedRight);
+  const auto* const binary = static_cast<const BinaryExpr*>(node);
+  return evaluateArithmetic(reload<Left>(binary, base, ownedLeft), Op::kToken,
+                            reload<Right>(binary, base, ownedRight), node->line);
 }
 
 template <class Op>
@@ -105,12 +108,13 @@ template <class Op>
 struct Arithmetic {
   using Result = Value;
 
-  template <bool LeftOwned, bool RightOwned>
-  static Value apply(const Node* node, Value*, Value left, Value right) {
+  template <class Left, class Right>
+  static Value apply(const Node* node, Value* base, Value left, Value right) {
     Value result;
     if (tryArithmetic<Op>(left, right, result)) [[likely]]
       return result;
-    return finishArithmetic<Op, LeftOwned, RightOwned>(node, left, right);
+    return finishArithmetic<Op, Left, Right>(node, base, onlyOwned<Left>(left),
+                                             onlyOwned<Right>(right));
   }
 
   [[gnu::noinline]] static Value rightAfterCounted(const Node* node, Value* base, Value left) {
@@ -134,21 +138,22 @@ template <class Op>
 struct ArithmeticStore {
   using Result = Value;
 
-  template <bool LeftOwned, bool RightOwned>
+  template <class Left, class Right>
   static Value apply(const Node* node, Value* base, Value left, Value right) {
     Value result;
     if (!tryArithmetic<Op>(left, right, result)) [[unlikely]] {
-      return finish<LeftOwned, RightOwned>(node, base, left, right);
+      return finish<Left, Right>(node, base, onlyOwned<Left>(left), onlyOwned<Right>(right));
     }
     slotAt(base, static_cast<const AssignmentStmt*>(node)->targetOffset) = result;
     return normalCompletion();
   }
 
-  template <bool LeftOwned, bool RightOwned>
-  [[gnu::noinline]] static Value finish(const Node* node, Value* base, Value left, Value right) {
+  template <class Left, class Right>
+  [[gnu::noinline]] static Value finish(const Node* node, Value* base, Value ownedLeft,
+                                        Value ownedRight) {
     const auto* const statement = static_cast<const AssignmentStmt*>(node);
     slotAt(base, statement->targetOffset) =
-        finishArithmetic<Op, LeftOwned, RightOwned>(statement->value, left, right);
+        finishArithmetic<Op, Left, Right>(statement->value, base, ownedLeft, ownedRight);
     return normalCompletion();
   }
 

@@ -94,23 +94,27 @@ struct EqualityRule {
   }
 };
 
-template <class Rule, bool LeftOwned, bool RightOwned>
-[[gnu::noinline]] bool finishComparison(const Node* node, Value left, Value right) {
-  const OwnedValue leftGuard(LeftOwned ? left : Value());
-  const OwnedValue rightGuard(RightOwned ? right : Value());
-  return Rule::decide(node, left, right);
+template <class Rule, class Left, class Right>
+[[gnu::noinline]] bool finishComparison(const Node* node, Value* base, Value ownedLeft,
+                                        Value ownedRight) {
+  const OwnedValue leftGuard(ownedLeft);
+  const OwnedValue rightGuard(ownedRight);
+  const auto* const binary = static_cast<const BinaryExpr*>(node);
+  return Rule::decide(node, reload<Left>(binary, base, ownedLeft),
+                      reload<Right>(binary, base, ownedRight));
 }
 
 template <class Rule>
 struct Comparison {
   using Result = bool;
 
-  template <bool LeftOwned, bool RightOwned>
-  static bool apply(const Node* node, Value*, Value left, Value right) {
+  template <class Left, class Right>
+  static bool apply(const Node* node, Value* base, Value left, Value right) {
     bool result = false;
-    if (Rule::template tryFast<LeftOwned, RightOwned>(left, right, result)) [[likely]]
+    if (Rule::template tryFast<Left::kOwned, Right::kOwned>(left, right, result)) [[likely]]
       return result;
-    return finishComparison<Rule, LeftOwned, RightOwned>(node, left, right);
+    return finishComparison<Rule, Left, Right>(node, base, onlyOwned<Left>(left),
+                                               onlyOwned<Right>(right));
   }
 
   [[gnu::noinline]] static bool rightAfterCounted(const Node* node, Value* base, Value left) {

@@ -44,16 +44,27 @@ struct RightOther {
   }
 };
 
-// Evaluates the operands of `node` and passes them to `Use::apply(statement, base, left, right)`,
-// which drops those that are owned, also when it raises an error. `statement` is the node that is
-// being executed: the operator itself, or a statement that it is fused into.
+// An operand for code off the common path: what was evaluated where it is owned, otherwise loaded
+// again, so that the common path need not keep it at hand.
+template <class Operand>
+inline Value reload(const BinaryExpr* node, Value* base, Value owned) {
+  if constexpr (Operand::kOwned) return owned;
+  return Operand::load(node, base);
+}
+template <class Operand>
+inline Value onlyOwned(Value operand) noexcept {
+  return Operand::kOwned ? operand : Value();
+}
+
+// Evaluates the operands of `node` and passes them to `Use::apply<Left, Right>(statement, base,
+// left, right)`, which drops those that are owned, also when it raises an error. `statement` is the
+// node that is being executed: the operator itself, or a statement that it is fused into.
 template <class Use, class Left, class Right>
 inline typename Use::Result withOperands(const BinaryExpr* node, const Node* statement,
                                          Value* base) {
   if constexpr (!Left::kOwned) {
     const Value right = Right::load(node, base);
-    return Use::template apply<Left::kOwned, Right::kOwned>(statement, base, Left::load(node, base),
-                                                            right);
+    return Use::template apply<Left, Right>(statement, base, Left::load(node, base), right);
   } else {
     const Value left = Left::load(node, base);
     if constexpr (Right::kOwned) {
@@ -62,7 +73,7 @@ inline typename Use::Result withOperands(const BinaryExpr* node, const Node* sta
         return Use::rightAfterCounted(statement, base, left);
     }
     const Value right = Right::load(node, base);
-    return Use::template apply<Left::kOwned, Right::kOwned>(statement, base, left, right);
+    return Use::template apply<Left, Right>(statement, base, left, right);
   }
 }
 
