@@ -60,7 +60,6 @@ void FramePlanner::planFunction(FunctionExpr& function) {
 
 void FramePlanner::planBlock(Block& block, Top top) {
   Scope& scope = *block.scope;
-  block.releaseOffset = offsetOf(top);
   for (LocalVariable* variable : scope.variables) {
     variable->inEnvironment = belongsInEnvironment(*variable);
     scope.hasEnvironment = scope.hasEnvironment || variable->inEnvironment;
@@ -69,20 +68,24 @@ void FramePlanner::planBlock(Block& block, Top top) {
     LocalVariable& variable = *scope.variables[i];
     variable.offset = offsetOf(top++);
     if (variable.inEnvironment) variable.environmentIndex = scope.environmentSize++;
-    if (!variable.scalar) block.releaseEnd = offsetOf(top);
   }
-  if (scope.hasEnvironment) {
-    scope.environmentOffset = offsetOf(top++);
-    block.releaseEnd = offsetOf(top);
-  }
+  if (scope.hasEnvironment) scope.environmentOffset = offsetOf(top++);
   use(top);
   for (Stmt* statement : block.statements) top = planStatement(*statement, top);
-  for (LocalVariable* variable : scope.variables) {
-    if (variable->inEnvironment || variable->scalar) continue;
-    block.releaseEnd =
-        std::max(block.releaseEnd, variable->offset + static_cast<SlotOffset>(sizeof(Value)));
+  planRelease(block);
+}
+
+// The slots from the first to the last that may own something when the block ends.
+void FramePlanner::planRelease(Block& block) {
+  const auto include = [&](SlotOffset offset) {
+    const bool isFirst = block.releaseEnd == 0;
+    block.releaseOffset = isFirst ? offset : std::min(block.releaseOffset, offset);
+    block.releaseEnd = std::max(block.releaseEnd, offset + static_cast<SlotOffset>(sizeof(Value)));
+  };
+  for (const LocalVariable* variable : block.scope->variables) {
+    if (!variable->inEnvironment && !variable->scalar) include(variable->offset);
   }
-  block.releaseEnd = std::max(block.releaseEnd, block.releaseOffset);
+  if (block.scope->hasEnvironment) include(block.scope->environmentOffset);
 }
 
 FramePlanner::Top FramePlanner::declare(LocalVariable& variable, Top top) {

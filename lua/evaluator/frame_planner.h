@@ -34,6 +34,7 @@ class FramePlanner {
   void planNumericFor(NumericForStmt& loop, Top top);
   void planGenericFor(GenericForStmt& loop, Top top);
   void planBlock(Block& block, Top top);
+  void planRelease(Block& block);
   Top declare(LocalVariable& variable, Top top);
   void planTarget(Expr& target, Top top);
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -47,31 +48,23 @@ Value runAll(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-constexpr std::uint32_t kLongestUnrolled = 12;
-
-template <std::uint32_t... Counts>
-NodeFunction runnerAmong(std::integer_sequence<std::uint32_t, Counts...>, std::uint32_t count) {
-  static constexpr NodeFunction kRunners[] = {runNothing, runSome<Counts + 1>...};
-  return count < std::size(kRunners) ? kRunners[count] : runAll;
-}
-
-NodeFunction runnerFor(std::uint32_t count) noexcept {
-  return runnerAmong(std::make_integer_sequence<std::uint32_t, kLongestUnrolled>(), count);
-}
-
 // ---- Blocks that own something ------------------------------------------------------------------
 
 // Values on their way out stand above the live locals, perhaps in slots of locals that were not yet
 // declared.
 void releaseLocals(const Block* block, Value* base, Value completion) noexcept {
+  Value* const first = &slotAt(base, block->releaseOffset);
   Value* end = &slotAt(base, block->releaseEnd);
-  if (ReturnSignal::isSeveral(completion) && completion.values < end) end = completion.values;
-  clearSlots(&slotAt(base, block->releaseOffset), end);
+  if (ReturnSignal::isSeveral(completion) && completion.values < end)
+    end = std::max(completion.values, first);
+  clearSlots(first, end);
 }
 
+// `Run` is the function for the statements.
+template <NodeFunction Run>
 Value runReleasing(const Node* node, Value* base) {
   const auto* const block = static_cast<const Block*>(node);
-  const Value completion = runAll(node, base);
+  const Value completion = Run(node, base);
   releaseLocals(block, base, completion);
   return completion;
 }
@@ -101,13 +94,34 @@ void openEnvironment(const Block* block, Value* base) {
 
 Value runInEnvironment(const Node* node, Value* base) {
   openEnvironment(static_cast<const Block*>(node), base);
-  return runReleasing(node, base);
+  return runReleasing<runAll>(node, base);
 }
 
 // A function's own block leaves the release to the call, which has to visit the parameters anyway.
 Value runFunctionInEnvironment(const Node* node, Value* base) {
   openEnvironment(static_cast<const Block*>(node), base);
   return runAll(node, base);
+}
+
+// ---- Choosing how a block runs ------------------------------------------------------------------
+
+constexpr std::uint32_t kLongestUnrolled = 12;  // statements
+
+struct Runners {
+  NodeFunction plain;
+  NodeFunction releasing;
+};
+
+template <std::uint32_t... Counts>
+Runners runnersAmong(std::integer_sequence<std::uint32_t, Counts...>, std::uint32_t count) {
+  static constexpr Runners kRunners[] = {
+      {runNothing, runReleasing<runNothing>},
+      {runSome<Counts + 1>, runReleasing<runSome<Counts + 1>>}...};
+  return count < std::size(kRunners) ? kRunners[count] : Runners{runAll, runReleasing<runAll>};
+}
+
+Runners runnersFor(std::uint32_t count) noexcept {
+  return runnersAmong(std::make_integer_sequence<std::uint32_t, kLongestUnrolled>(), count);
 }
 
 bool isFunctionBody(const Block& block) noexcept { return block.scope->function->body == &block; }
@@ -159,13 +173,13 @@ void chooseBlock(Block& block, Arena& arena) {
   }
   block.nodes = arena.list(nodes);
   const bool owns = block.releaseEnd > block.releaseOffset;
+  const Runners runners = runnersFor(block.nodes.size);
   if (isFunctionBody(block)) {
-    block.execute =
-        block.scope->hasEnvironment ? runFunctionInEnvironment : runnerFor(block.nodes.size);
+    block.execute = block.scope->hasEnvironment ? runFunctionInEnvironment : runners.plain;
   } else if (block.scope->hasEnvironment) {
     block.execute = runInEnvironment;
   } else {
-    block.execute = owns ? runReleasing : runnerFor(block.nodes.size);
+    block.execute = owns ? runners.releasing : runners.plain;
   }
 }
 
