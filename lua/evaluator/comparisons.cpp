@@ -57,6 +57,16 @@ struct OrderRule {
       out = Order::decide(left.integer, right.integer);
       return true;
     }
+    if (left.tag == kFloat && right.tag == kFloat) {
+      out = Order::decide(left.number, right.number);
+      return true;
+    }
+    if (!LeftOwned && !RightOwned && left.tag == kString && right.tag == kString) {
+      const int a = firstByte(left.string);
+      const int b = firstByte(right.string);
+      out = Order::decide(a, b);
+      return a != b;
+    }
     double a = 0;
     double b = 0;
     if (!tryAsFloat(left, a) || !tryAsFloat(right, b)) return false;
@@ -81,11 +91,10 @@ struct EqualityRule {
       out = (left.tag == right.tag) == WhenEqual;
       return (!LeftOwned || !left.isCounted()) && (!RightOwned || !right.isCounted());
     }
-    if constexpr (!LeftOwned && !RightOwned) {
-      if (left.tag == kString && right.tag == kString && left.string == right.string) {
-        out = WhenEqual;
-        return true;
-      }
+    if (!LeftOwned && !RightOwned && left.tag == kString && right.tag == kString) {
+      const bool isSame = left.string == right.string;
+      out = isSame == WhenEqual;
+      return isSame || firstByte(left.string) != firstByte(right.string);
     }
     return false;
   }

@@ -46,6 +46,11 @@ struct StringObject : Object {
   std::uint32_t computeHash() noexcept;
 };
 
+// Of an empty string the zero byte behind it, so that where two differ, they order the strings.
+inline int firstByte(const StringObject* text) noexcept {
+  return static_cast<unsigned char>(text->data()[0]);
+}
+
 bool stringsEqual(StringObject* a, StringObject* b) noexcept;
 
 // Orders by unsigned bytes, then the shorter string first: negative, zero or positive.
