@@ -80,12 +80,16 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, un
   const auto* const code = static_cast<const NativeCode*>(frame[0].function->code);
   if (!code->function) failRuntime(line, "attempt to call an empty function");
   ValueStack& stack = interpreter.stack;
-  if (!stack.makeRoom(frame + 1 + count, kNativeHostBytes)) failStackOverflow(line);
+  Value* const end = frame + 1 + count;
+  if (!stack.hasRoom(end, kNativeHostBytes) && !stack.makeRoom(end, kNativeHostBytes))
+      [[unlikely]] {
+    failStackOverflow(line);
+  }
   Value* const outerTop = stack.top();
-  stack.setTop(frame + 1 + count);
+  stack.setTop(end);
   MultiValue results = code->function(interpreter.owner, ValueSpan(frame + 1, count), line);
   stack.setTop(outerTop);
-  clearSlots(frame, frame + 1 + count);
+  clearSlots(frame, end);
   return settleResults(stack, frame, std::move(results), line);
 }
 

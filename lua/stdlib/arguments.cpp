@@ -7,23 +7,11 @@
 
 namespace tarvel::lua::internal {
 
-namespace {
-
-[[noreturn]] void failArgument(const char* name, const char* text, unsigned line) {
+void failArgument(const char* name, const char* text, unsigned line) {
   failRuntime(line, std::string(name) + text);
 }
 
-const Value& requireNumeric(const char* name, ValueSpan args, std::size_t index, unsigned line) {
-  if (index >= args.size() || !args[index].isNumber())
-    failArgument(name, " expects a numeric argument", line);
-  return args[index];
-}
-
-}  // namespace
-
-void requireArgumentCount(const char* name, std::size_t count, std::size_t minimum,
-                          std::size_t maximum) {
-  if (count >= minimum && count <= maximum) return;
+void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximum) {
   std::string message(name);
   message.append(" expects ");
   if (minimum == maximum) {
@@ -36,25 +24,6 @@ void requireArgumentCount(const char* name, std::size_t count, std::size_t minim
     message.append(std::to_string(maximum)).append(" arguments");
   }
   throw std::runtime_error(message);
-}
-
-std::int64_t requireInteger(const char* name, ValueSpan args, std::size_t index, unsigned line) {
-  return requireNumeric(name, args, index, line).asInteger();
-}
-
-double requireNumber(const char* name, ValueSpan args, std::size_t index, unsigned line) {
-  return requireNumeric(name, args, index, line).asFloat();
-}
-
-StringObject& requireString(const char* name, ValueSpan args, std::size_t index, unsigned line) {
-  if (index >= args.size() || !args[index].isString())
-    failArgument(name, " expects a string argument", line);
-  return *args[index].string;
-}
-
-Table& requireTable(const char* name, ValueSpan args, std::size_t index, unsigned line) {
-  if (index >= args.size() || !args[index].isTable()) failArgument(name, " expects a table", line);
-  return *args[index].table;
 }
 
 NativeObject& requireUserData(const char* name, ValueSpan args, std::size_t index, unsigned line,

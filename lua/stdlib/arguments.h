@@ -17,19 +17,45 @@ namespace tarvel::lua::internal {
 
 constexpr std::size_t kAnyCount = SIZE_MAX;
 
+[[noreturn]] void failArgument(const char* name, const char* text, unsigned line);
+[[noreturn]] void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximum);
+
 // Throws std::runtime_error without a location, unlike every other check; this is meant.
-void requireArgumentCount(const char* name, std::size_t count, std::size_t minimum,
-                          std::size_t maximum);
+inline void requireArgumentCount(const char* name, std::size_t count, std::size_t minimum,
+                                 std::size_t maximum) {
+  if (count < minimum || count > maximum) failArgumentCount(name, minimum, maximum);
+}
+
+inline const Value& requireNumeric(const char* name, ValueSpan args, std::size_t index,
+                                   unsigned line) {
+  if (index >= args.size() || !args[index].isNumber())
+    failArgument(name, " expects a numeric argument", line);
+  return args[index];
+}
 
 // A float is truncated, see Value::asInteger. Raises "... expects a numeric argument".
-std::int64_t requireInteger(const char* name, ValueSpan args, std::size_t index, unsigned line);
-double requireNumber(const char* name, ValueSpan args, std::size_t index, unsigned line);
+inline std::int64_t requireInteger(const char* name, ValueSpan args, std::size_t index,
+                                   unsigned line) {
+  const Value& number = requireNumeric(name, args, index, line);
+  return number.isInteger() ? number.integer : number.asInteger();
+}
+inline double requireNumber(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  return requireNumeric(name, args, index, line).asFloat();
+}
 
 // Numbers are not accepted. Raises "... expects a string argument".
-StringObject& requireString(const char* name, ValueSpan args, std::size_t index, unsigned line);
+inline StringObject& requireString(const char* name, ValueSpan args, std::size_t index,
+                                   unsigned line) {
+  if (index >= args.size() || !args[index].isString())
+    failArgument(name, " expects a string argument", line);
+  return *args[index].string;
+}
 
 // Raises "... expects a table".
-Table& requireTable(const char* name, ValueSpan args, std::size_t index, unsigned line);
+inline Table& requireTable(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+  if (index >= args.size() || !args[index].isTable()) failArgument(name, " expects a table", line);
+  return *args[index].table;
+}
 
 // Raises "... expects userdata", or "... received the wrong userdata type" for the other kind or an
 // empty object.
