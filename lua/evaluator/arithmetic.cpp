@@ -126,7 +126,7 @@ struct Arithmetic {
 
   template <class Left, class Right>
   struct Execute {
-    static Value run(const Node* node, Value* base) {
+    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
       return withOperands<Arithmetic, Left, Right>(static_cast<const BinaryExpr*>(node), node,
                                                    base);
     }
@@ -166,7 +166,7 @@ struct ArithmeticStore {
 
   template <class Left, class Right>
   struct Execute {
-    static Value run(const Node* node, Value* base) {
+    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
       const auto* const value =
           static_cast<const BinaryExpr*>(static_cast<const AssignmentStmt*>(node)->value);
       return withOperands<ArithmeticStore, Left, Right>(value, node, base);

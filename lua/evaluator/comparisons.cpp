@@ -135,7 +135,7 @@ struct Comparison {
 
   template <class Left, class Right>
   struct Condition {
-    static bool run(const Node* node, Value* base) {
+    [[gnu::flatten]] static bool run(const Node* node, Value* base) {
       return withOperands<Comparison, Left, Right>(static_cast<const BinaryExpr*>(node), node,
                                                    base);
     }
@@ -143,7 +143,7 @@ struct Comparison {
 
   template <class Left, class Right>
   struct AsValue {
-    static Value run(const Node* node, Value* base) {
+    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
       return Value(Condition<Left, Right>::run(node, base));
     }
   };
@@ -151,7 +151,7 @@ struct Comparison {
   // `if` on this comparison, with nothing or something to do when it is false.
   template <class Left, class Right>
   struct If {
-    static Value run(const Node* node, Value* base) {
+    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
       const auto* const statement = static_cast<const IfStmt*>(node);
       if (!Condition<Left, Right>::run(statement->condition, base)) return normalCompletion();
       return executeStatement(statement->thenNode, base);
@@ -160,7 +160,7 @@ struct Comparison {
 
   template <class Left, class Right>
   struct IfElse {
-    static Value run(const Node* node, Value* base) {
+    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
       const auto* const statement = static_cast<const IfStmt*>(node);
       const Node* const chosen = Condition<Left, Right>::run(statement->condition, base)
                                      ? statement->thenNode

@@ -105,7 +105,7 @@ Value runFunctionInEnvironment(const Node* node, Value* base) {
 
 // ---- Choosing how a block runs ------------------------------------------------------------------
 
-constexpr std::uint32_t kLongestUnrolled = 12;  // statements
+constexpr std::uint32_t kLongestUnrolled = 20;  // statements
 
 struct Runners {
   NodeFunction plain;
