@@ -1,8 +1,12 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/frontend/syntax_tree.h"
+#include "lua/value/table.h"
 #include "lua/value/value.h"
 
 // Operand policies: how the functions of binary operators get at an operand. A frame variable and a
@@ -44,6 +48,29 @@ struct RightOther {
   }
 };
 
+// A field that holds a number, of a record that a frame variable holds, and which the hint finds.
+// Whatever else the operand turns out to be is evaluated as any other.
+inline Value loadField(const Expr* operand, Value* base) {
+  const auto* const field = static_cast<const FieldExpr*>(operand);
+  const Value object = slotAt(base, field->objectOffset);
+  if (object.tag == kTable) [[likely]] {
+    const Value value = object.table->getHinted(field->name, field->hint);
+    if (value.isNumber()) [[likely]]
+      return value;
+  }
+  return evaluateExpression(operand, base);
+}
+
+struct LeftField {
+  static constexpr bool kOwned = true;
+  static Value load(const BinaryExpr* node, Value* base) { return loadField(node->left, base); }
+};
+
+struct RightField {
+  static constexpr bool kOwned = true;
+  static Value load(const BinaryExpr* node, Value* base) { return loadField(node->right, base); }
+};
+
 // An operand for code off the common path: what was evaluated where it is owned, otherwise loaded
 // again, so that the common path need not keep it at hand.
 template <class Operand>
@@ -77,41 +104,52 @@ inline typename Use::Result withOperands(const BinaryExpr* node, const Node* sta
   }
 }
 
+enum class OperandShape { Frame = 0, Constant = 1, Other = 2, Field = 3 };
+
 struct OperandShapes {
-  int left;  // 0 frame, 1 constant, 2 other
-  int right;
+  OperandShape left;
+  OperandShape right;
 };
-inline int operandShape(const Expr& operand) noexcept {
-  return isFrameVariable(operand) ? 0 : isLiteral(operand) ? 1 : 2;
+
+inline OperandShape operandShape(const Expr& operand) noexcept {
+  if (isFrameVariable(operand)) return OperandShape::Frame;
+  if (isLiteral(operand)) return OperandShape::Constant;
+  if (operand.kind == ExprKind::Field &&
+      isFrameVariable(*static_cast<const FieldExpr&>(operand).object))
+    return OperandShape::Field;
+  return OperandShape::Other;
 }
 
 inline OperandShapes operandShapes(const BinaryExpr& node) noexcept {
-  const OperandShapes shapes{operandShape(*node.left), operandShape(*node.right)};
+  OperandShapes shapes{operandShape(*node.left), operandShape(*node.right)};
   // Only one constant fits into a node; two literal operands are rare.
-  return shapes.left == 1 && shapes.right == 1 ? OperandShapes{2, 1} : shapes;
+  if (shapes.left == OperandShape::Constant && shapes.right == OperandShape::Constant)
+    shapes.left = OperandShape::Other;
+  return shapes;
 }
 
 inline OperandShapes noteOperands(BinaryExpr& node) noexcept {
   const OperandShapes shapes = operandShapes(node);
-  if (shapes.left == 0) node.leftOffset = frameOffsetOf(*node.left);
-  if (shapes.right == 0) node.rightOffset = frameOffsetOf(*node.right);
-  if (shapes.left == 1) node.constant = literalValue(*node.left);
-  if (shapes.right == 1) node.constant = literalValue(*node.right);
+  if (shapes.left == OperandShape::Frame) node.leftOffset = frameOffsetOf(*node.left);
+  if (shapes.right == OperandShape::Frame) node.rightOffset = frameOffsetOf(*node.right);
+  if (shapes.left == OperandShape::Constant) node.constant = literalValue(*node.left);
+  if (shapes.right == OperandShape::Constant) node.constant = literalValue(*node.right);
   return shapes;
 }
 
-// The entry for the shapes in a table of the functions for {frame, constant, other} x {frame,
-// constant, other}.
+// One left operand with every right one, in the order of OperandShape.
+template <template <class, class> class Function, class Pointer, class Left>
+constexpr std::array<Pointer, 4> kByRightShape = {
+    Function<Left, RightFrame>::run, Function<Left, Constant>::run, Function<Left, RightOther>::run,
+    Function<Left, RightField>::run};
+
+// The entry for the shapes in a table of the functions for every pair of operands.
 template <template <class, class> class Function, class Pointer>
 Pointer chooseByShapes(OperandShapes shapes) noexcept {
-  static constexpr Pointer kFunctions[3][3] = {
-      {Function<LeftFrame, RightFrame>::run, Function<LeftFrame, Constant>::run,
-       Function<LeftFrame, RightOther>::run},
-      {Function<Constant, RightFrame>::run, nullptr, Function<Constant, RightOther>::run},
-      {Function<LeftOther, RightFrame>::run, Function<LeftOther, Constant>::run,
-       Function<LeftOther, RightOther>::run},
-  };
-  return kFunctions[shapes.left][shapes.right];
+  static constexpr std::array<Pointer, 4> kFunctions[] = {
+      kByRightShape<Function, Pointer, LeftFrame>, kByRightShape<Function, Pointer, Constant>,
+      kByRightShape<Function, Pointer, LeftOther>, kByRightShape<Function, Pointer, LeftField>};
+  return kFunctions[static_cast<int>(shapes.left)][static_cast<std::size_t>(shapes.right)];
 }
 
 }  // namespace tarvel::lua::internal

@@ -56,11 +56,11 @@ class Table : public Object {
   // As getString, remembering the entry's number in `hint` so that the next look-up by the same
   // code is two comparisons.
   Value getString(StringObject* key, std::uint32_t& hint) const noexcept {
-    if (hint < entryCount_ && entries_[hint].key.string == key &&
-        static_cast<std::uint32_t>(entries_[hint].key.word) == kString) {
-      return entries_[hint].value;
-    }
-    return findWithHint(key, hint);
+    return isEntryOf(key, hint) ? entries_[hint].value : findWithHint(key, hint);
+  }
+  // The value under the key where the hint is right, otherwise nil.
+  Value getHinted(StringObject* key, std::uint32_t hint) const noexcept {
+    return isEntryOf(key, hint) ? entries_[hint].value : Value();
   }
 
   // Store an owned value. On failure (std::bad_alloc) the value is dropped and the table unchanged.
@@ -74,9 +74,7 @@ class Table : public Object {
     setBeyondArray(key, owned);
   }
   void setString(StringObject* key, Value owned, std::uint32_t& hint) {
-    if (hint < entryCount_ && entries_[hint].key.string == key &&
-        static_cast<std::uint32_t>(entries_[hint].key.word) == kString &&
-        !entries_[hint].value.isNil() && !owned.isNil()) {
+    if (isEntryOf(key, hint) && !entries_[hint].value.isNil() && !owned.isNil()) {
       replaceSlot(entries_[hint].value, owned);
       return;
     }
@@ -106,6 +104,10 @@ class Table : public Object {
     Value value;
   };
 
+  bool isEntryOf(StringObject* key, std::uint32_t number) const noexcept {
+    return number < entryCount_ && entries_[number].key.string == key &&
+           entries_[number].key.tag() == kString;
+  }
   Value getEntry(TableKey key) const noexcept;
   Value findWithHint(StringObject* key, std::uint32_t& hint) const noexcept;
   std::uint32_t findEntry(TableKey key) const noexcept;
