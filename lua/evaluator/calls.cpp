@@ -245,6 +245,8 @@ void chooseFunctionCall(CallExpr& call) {
       return choose<callFunction<Callee, 2>>(call);
     case 3:
       return choose<callFunction<Callee, 3>>(call);
+    case 4:
+      return choose<callFunction<Callee, 4>>(call);
     default:
       return choose<callWithMany>(call);
   }
@@ -258,6 +260,8 @@ void chooseMethodCall(CallExpr& call) {
       return choose<callMethod<1>>(call);
     case 2:
       return choose<callMethod<2>>(call);
+    case 3:
+      return choose<callMethod<3>>(call);
     default:
       return choose<callWithMany>(call);
   }
