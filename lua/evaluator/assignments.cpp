@@ -190,7 +190,7 @@ Value storeField(const Node* node, Value* base) {
 // What is stored: a literal that needs no reference, or anything else.
 struct ScalarLiteral {
   static Value evaluate(const Node* node, Value*) noexcept {
-    return literalValue(*asAssignment(node)->value);
+    return static_cast<const LiteralExpr*>(asAssignment(node)->value)->value;
   }
 };
 
@@ -337,7 +337,7 @@ NodeFunction fieldStore(FieldExpr& target) noexcept {
 
 template <class Object>
 NodeFunction storeAtLocal(const Expr& value) noexcept {
-  return isLiteral(value) && !literalValue(value).isCounted()
+  return value.kind == ExprKind::Literal && !literalValue(value).isCounted()
              ? storeElementAtLocal<Object, ScalarLiteral>
              : storeElementAtLocal<Object, AnyValue>;
 }

@@ -53,6 +53,17 @@ Value evaluateNegation(const Node* node, Value* base) {
   return negateValue(operand.get(), node->line);
 }
 
+Value evaluateNegatedNumber(const Node* node, Value*) {
+  return static_cast<const UnaryExpr*>(node)->constant;
+}
+
+void chooseNegation(UnaryExpr& unary) {
+  unary.execute = evaluateNegation;
+  if (!isLiteral(*unary.operand) || !literalValue(*unary.operand).isNumber()) return;
+  unary.constant = negateValue(literalValue(*unary.operand), unary.line);
+  unary.execute = evaluateNegatedNumber;
+}
+
 Value evaluateLength(const Node* node, Value* base) {
   const OwnedValue operand(operandOf(node, base));
   return lengthOf(operand.get(), node->line);
@@ -190,8 +201,7 @@ void chooseUnary(UnaryExpr& unary) {
       unary.execute = unary.operand->peekable ? evaluateLengthOfVariable : evaluateLength;
       return;
     default:
-      unary.execute = evaluateNegation;
-      return;
+      return chooseNegation(unary);
   }
 }
 

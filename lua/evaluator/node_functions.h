@@ -66,11 +66,15 @@ inline bool isFrameVariable(const Expr& expression) noexcept {
 inline SlotOffset frameOffsetOf(const Expr& expression) noexcept {
   return static_cast<const VariableExpr&>(expression).offset;
 }
+// A literal, or a number with a minus in front.
 inline bool isLiteral(const Expr& expression) noexcept {
-  return expression.kind == ExprKind::Literal;
+  return expression.kind == ExprKind::Literal ||
+         (expression.kind == ExprKind::Unary &&
+          !static_cast<const UnaryExpr&>(expression).constant.isNil());
 }
 inline Value literalValue(const Expr& expression) noexcept {
-  return static_cast<const LiteralExpr&>(expression).value;
+  return expression.kind == ExprKind::Literal ? static_cast<const LiteralExpr&>(expression).value
+                                              : static_cast<const UnaryExpr&>(expression).constant;
 }
 
 }  // namespace tarvel::lua::internal

@@ -137,6 +137,7 @@ struct UnaryExpr : Expr {
 
   TokenKind op;  // Minus, Hash or Not
   Expr* operand;
+  Value constant;  // of a negated number; otherwise nil
 };
 
 // Every binary operator but `..`.
