@@ -121,6 +121,12 @@ bool PatternExpression::search(std::string_view subject, std::size_t from, Patte
       match.set(subject, static_cast<std::size_t>(next - subject.data()), hints_.prefix.size());
       return true;
     }
+    if (hints_.isRun && hasRoom(subject, next)) {
+      const char* const end = endOfRun(subject, next, *hints_.first);
+      match.set(subject, static_cast<std::size_t>(next - subject.data()),
+                static_cast<std::size_t>(end - next));
+      return true;
+    }
     // As std::regex itself goes on to a later position: with a byte in front, so that `^` does not
     // match there.
     const auto flags = next == begin ? match_default : match_prev_avail;
@@ -154,27 +160,34 @@ const char* PatternExpression::findCandidate(std::string_view subject,
   return next == end ? nullptr : next;
 }
 
+const char* PatternExpression::endOfRun(std::string_view subject, const char* start,
+                                        const ByteSet& set) noexcept {
+  return findByte(start, subject.data() + subject.size(),
+                  [&set](unsigned char byte) { return !set[byte]; });
+}
+
 const char* PatternExpression::skipFailed(std::string_view subject,
                                           const char* candidate) const noexcept {
   if (!hints_.run) return candidate + 1;
+  return std::max(endOfRun(subject, candidate, *hints_.run), candidate + 1);
+}
+
+bool PatternExpression::hasRoom(std::string_view subject, const char* first) const noexcept {
   const char* const end = subject.data() + subject.size();
-  const auto isOutside = [&run = *hints_.run](unsigned char byte) { return !run[byte]; };
-  const char* const runEnd = findByte(candidate, end, isOutside);
-  return std::max(runEnd, candidate + 1);
+  return bound_.fitsIn(hostStackRoom(), static_cast<std::size_t>(end - first));
 }
 
 bool PatternExpression::searchFrom(const char* first, std::string_view subject,
                                    std::regex_constants::match_flag_type flags,
                                    PatternMatch& match) {
   const char* const end = subject.data() + subject.size();
-  const std::size_t room = hostStackRoom();
-  if (bound_.fitsIn(room, static_cast<std::size_t>(end - first))) {
+  if (hasRoom(subject, first)) {
     if (!std::regex_search(first, end, results_, expression_, flags)) return false;
     report(results_, subject, match);
     return true;
   }
   // It may still do, because few searches go as deep as the subject is long.
-  if (bound_.stackForStep() > room) failStack();
+  if (bound_.stackForStep() > hostStackRoom()) failStack();
   SearchStackLimit::set(hostStackFloor() + bound_.stackForStep());
   const bool found = std::regex_search(GuardedPosition(first), GuardedPosition(end),
                                        guardedResults_, expression_, flags);

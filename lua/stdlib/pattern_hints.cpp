@@ -31,6 +31,7 @@ struct Term {
   bool repeated = false;   // there are quantifiers
   bool optional = false;   // the quantifiers may let it match nothing
   bool unlimited = false;  // the quantifiers let it match any number of times
+  bool isRun = false;      // one or more, as many as there are
 };
 
 // Cuts an expression into terms.
@@ -48,6 +49,7 @@ class TermReader {
     term.repeated = !quantifiers.empty();
     const bool isPlus = quantifiers == "+" || quantifiers == "+?";
     term.optional = term.repeated && !isPlus;
+    term.isRun = quantifiers == "+";
     term.unlimited = isPlus || quantifiers == "*" || quantifiers == "*?";
     return term;
   }
@@ -141,6 +143,11 @@ char onlyByteOf(const ByteSet& bytes) noexcept {
   return static_cast<char>(i);
 }
 
+bool isSingleRun(TermReader terms) {
+  const Term only = terms.next();
+  return only.kind == Term::Kind::OneByte && only.isRun && terms.next().kind == Term::Kind::End;
+}
+
 class HintCollector {
  public:
   SearchHints collect(TermReader terms) {
@@ -216,7 +223,9 @@ SearchHints findSearchHints(std::string_view expression) {
   SearchHints hints;
   hints.anchored = expression.starts_with('^');
   if (hints.anchored || mayHaveOptionalGroup(expression)) return hints;
-  return HintCollector().collect(TermReader(expression));
+  hints = HintCollector().collect(TermReader(expression));
+  hints.isRun = isSingleRun(TermReader(expression));
+  return hints;
 }
 
 }  // namespace tarvel::lua::internal

@@ -21,6 +21,8 @@ struct SearchHints {
   bool isLiteral = false;
   // The bytes that a match can start with; a match is never empty then.
   std::optional<ByteSet> first;
+  // One or more of the bytes in `first`, as many as there are, is all there is: no groups.
+  bool isRun = false;
   // The expression starts with a repetition of these bytes, and none of them can follow on it. So
   // where it does not match at one position of a run of them, it does not at the later ones. Known
   // only together with `first`.

@@ -121,6 +121,7 @@ std::string describe(const SearchHints& hints) {
   if (hints.anchored) text += "anchored ";
   if (!hints.prefix.empty()) text += "prefix=" + hints.prefix + " ";
   if (hints.isLiteral) text += "literal ";
+  if (hints.isRun) text += "whole ";
   if (hints.required) text += "required="s + *hints.required + " ";
   if (hints.run) text += "run:" + std::to_string(hints.run->count()) + " ";
   if (hints.first) text += "first:" + std::to_string(hints.first->count());
@@ -148,6 +149,12 @@ TEST(PatternTest, KnowsWhatMatchesHaveInCommon) {
       {"([ab]+)+c", "required=c first:2"},
       {"[ab]+c?", "first:2"},
       {"[ab]+$", "run:2 first:2"},
+      {"[ab]+", "whole first:2"},
+      {"a+", "prefix=a whole first:1"},
+      {"[ab]+?", "first:2"},
+      {"[ab]++", ""},
+      {"([ab]+)", "first:2"},
+      {"[ab]+[cd]+", "run:2 first:2"},
       {"a?", ""},
       {"a*$", ""},
       {"a*b", "required=b run:1 first:2"},
