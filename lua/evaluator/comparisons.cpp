@@ -1,5 +1,4 @@
-#include <array>
-#include <cstdint>
+#include <cstddef>
 
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
@@ -195,6 +194,9 @@ Value executeLadder(const Node* node, Value* base) {
   return otherwise == nullptr ? normalCompletion() : executeStatement(otherwise, base);
 }
 
+// Products are rare here.
+constexpr std::size_t kShapes = static_cast<std::size_t>(OperandShape::Product);
+
 bool isComparison(TokenKind op) noexcept {
   return op >= TokenKind::Equal && op <= TokenKind::GreaterEqual;
 }
@@ -223,8 +225,8 @@ void withComparison(TokenKind op, Use use) {
 void chooseComparison(BinaryExpr& node) {
   const OperandShapes shapes = noteOperands(node);
   withComparison(node.op, [&]<class Kind>(Kind) {
-    node.execute = chooseByShapes<Kind::template AsValue, NodeFunction>(shapes);
-    node.test = chooseByShapes<Kind::template Condition, ConditionFunction>(shapes);
+    node.execute = chooseByShapes<Kind::template AsValue, NodeFunction, kShapes>(shapes);
+    node.test = chooseByShapes<Kind::template Condition, ConditionFunction, kShapes>(shapes);
   });
 }
 
@@ -235,8 +237,9 @@ void chooseIf(IfStmt& statement) {
     if (isComparison(condition.op)) {
       const OperandShapes shapes = operandShapes(condition);
       withComparison(condition.op, [&]<class Kind>(Kind) {
-        statement.execute = hasElse ? chooseByShapes<Kind::template IfElse, NodeFunction>(shapes)
-                                    : chooseByShapes<Kind::template If, NodeFunction>(shapes);
+        statement.execute =
+            hasElse ? chooseByShapes<Kind::template IfElse, NodeFunction, kShapes>(shapes)
+                    : chooseByShapes<Kind::template If, NodeFunction, kShapes>(shapes);
       });
       return;
     }
