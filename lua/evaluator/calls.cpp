@@ -110,18 +110,18 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, un
 // The common case: a script function that takes exactly the arguments it gets, with room on both
 // stacks.
 template <std::uint32_t Count>
-inline Value callFixed(const CallExpr* call, Value* frame) {
+inline Value callFixed(LuaVM::Impl& interpreter, Value* frame, unsigned line) {
   const Value callee = frame[0];
   if (callee.tag == kFunction) [[likely]] {
     const FunctionExpr* const body = callee.function->body;
     if (body != nullptr && body->parameterCount == Count) [[likely]] {
-      if (call->interpreter->stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
+      if (interpreter.stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
           [[likely]] {
         return runBody(body, frame);
       }
     }
   }
-  return callAny(*call->interpreter, frame, Count, call->line);
+  return callAny(interpreter, frame, Count, line);
 }
 
 // ---- The callee ---------------------------------------------------------------------------------
@@ -163,7 +163,7 @@ Value callFunction(const Node* node, Value* base) {
   Value* const frame = &slotAt(base, call->frameOffset);
   frame[0] = Callee::load(call, base);
   evaluateArguments<Count>(call, frame + 1, base);
-  return callFixed<Count>(call, frame);
+  return callFixed<Count>(*call->interpreter, frame, call->line);
 }
 
 // The receiver is evaluated once, then the method is looked up, then the other arguments are
@@ -183,7 +183,7 @@ Value callMethod(const Node* node, Value* base) {
   Value* const frame = &slotAt(base, call->frameOffset);
   lookUpMethod(call, frame, base);
   evaluateArguments<Count>(call, frame + 2, base);
-  return callFixed<Count + 1>(call, frame);
+  return callFixed<Count + 1>(*call->interpreter, frame, call->line);
 }
 
 // Any number of arguments, the last of which may be a call that gives several.
@@ -331,11 +331,12 @@ MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, unsi
 bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const Value& second,
                                 unsigned line) {
   Value* const frame = stack.top();
-  if (!stack.makeRoom(frame + 3, 0)) internal::failStackOverflow(line);
+  Value* const end = frame + 3;
+  if (!stack.hasRoom(end, 0) && !stack.makeRoom(end, 0)) internal::failStackOverflow(line);
   frame[0] = retain(callee);
   frame[1] = retain(first);
   frame[2] = retain(second);
-  Value result = callFrame(frame, 2, line);
+  Value result = internal::callFixed<2>(*this, frame, line);
   if (!isSingleValue(result)) result = internal::firstOf(result);
   drop(result);
   return result.isTruthy();
