@@ -175,6 +175,13 @@ Value executeIf(const Node* node, Value* base) {
   return executeStatement(statement->thenNode, base);
 }
 
+// `if not x`.
+Value executeIfNot(const Node* node, Value* base) {
+  const auto* const statement = static_cast<const IfStmt*>(node);
+  if (evaluateCondition(statement->condition, base)) return normalCompletion();
+  return executeStatement(statement->thenNode, base);
+}
+
 Value executeIfElse(const Node* node, Value* base) {
   const auto* const statement = static_cast<const IfStmt*>(node);
   const Node* const chosen = evaluateCondition(statement->condition, base)
@@ -199,6 +206,11 @@ constexpr std::size_t kShapes = static_cast<std::size_t>(OperandShape::Product);
 
 bool isComparison(TokenKind op) noexcept {
   return op >= TokenKind::Equal && op <= TokenKind::GreaterEqual;
+}
+
+bool isNegation(const Expr& condition) noexcept {
+  return condition.kind == ExprKind::Unary &&
+         static_cast<const UnaryExpr&>(condition).op == TokenKind::Not;
 }
 
 // Calls `use` with the Comparison of an operator.
@@ -243,6 +255,11 @@ void chooseIf(IfStmt& statement) {
       });
       return;
     }
+  }
+  if (!hasElse && isNegation(*statement.condition)) {
+    statement.condition = static_cast<const UnaryExpr&>(*statement.condition).operand;
+    statement.execute = executeIfNot;
+    return;
   }
   statement.execute = hasElse ? executeIfElse : executeIf;
 }
