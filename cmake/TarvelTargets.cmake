@@ -26,10 +26,14 @@ if(TARVELLUA_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND tarvelWarningOptions -Wno-maybe-uninitialized)
 endif()
 
+# Every float operation is rounded on its own: the number model's tests for whole results rely on it, also where the
+# processor could fuse a multiplication with what follows.
+set(tarvelFloatOptions -ffp-contract=off)
+
 # Settings of one of our own targets. Sources include each other by their path from the repository's root.
 function(tarvel_configure_target target)
   target_compile_features(${target} PUBLIC cxx_std_20)
-  target_compile_options(${target} PRIVATE ${tarvelWarningOptions})
+  target_compile_options(${target} PRIVATE ${tarvelWarningOptions} ${tarvelFloatOptions})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   set_target_properties(${target} PROPERTIES
     CXX_STANDARD 20
