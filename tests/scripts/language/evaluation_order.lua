@@ -66,3 +66,46 @@ print(pair(n, bump()))  -- expect: 1	11
 print(list())  -- expect: 11	21	21
 c = {n, bump(), n, x = bump()}
 print(c[1], c[2], c[3], c.x)  -- expect: 21	31	31	41
+
+-- Fields and products of locals keep to that order too, whatever they turn out to be.
+record = {v = 1, text = "x"}
+function change()
+  record.v = 100
+  return 5
+end
+print(run(function()
+  local r = record
+  return r.v + change()
+end))
+-- expect: 	6
+print(run(function()
+  local r, a, b = record, 2, nil
+  return r.text - a * b
+end))
+-- expect: 	operator '*' expects numbers
+print(run(function()
+  local a, b, none = "a", 2, nil
+  return a * b < none.v
+end))
+-- expect: 	operator '*' expects numbers
+print(run(function()
+  local none = nil
+  return none.v * pick("right", 1)
+end))
+-- expect: 	attempt to index a nil value
+print(run(function()
+  local none = nil
+  return pick("left", 1) / none.v
+end))
+-- expect: left 	attempt to index a nil value
+
+-- One piece of code sees records of different shapes.
+function sum(r, s)
+  return r.v + s.v * 2
+end
+print(sum({v = 1}, {u = 0, v = 2}), sum({u = 0, v = 1.5}, {v = 0.25}), sum({v = 3}, {v = 4}))
+-- expect: 5	2	11
+print(run(function() return sum({v = 1}, {u = 0}) end))
+-- expect: 	operator '*' expects numbers
+print(run(function() return sum({v = "1"}, {v = 2}) end))
+-- expect: 	operator '+' expects numbers
