@@ -321,9 +321,15 @@ MultiValue LuaVM::Impl::takeResults(Value completion) {
 }
 
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, unsigned line) {
+  if (!callee.isFunction()) internal::failNotCallable(callee, line);
+  return callHandle(callee.function, arguments, line);
+}
+
+MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan arguments,
+                                   unsigned line) {
   Value* const frame = stack.top();
   if (!stack.makeRoom(frame + 1 + arguments.size(), 0)) internal::failStackOverflow(line);
-  frame[0] = retain(callee);
+  frame[0] = retain(Value(function));
   for (std::size_t i = 0; i < arguments.size(); ++i) frame[1 + i] = retain(arguments[i]);
   return takeResults(callFrame(frame, static_cast<std::uint32_t>(arguments.size()), line));
 }
@@ -340,11 +346,6 @@ bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const V
   if (!isSingleValue(result)) result = internal::firstOf(result);
   drop(result);
   return result.isTruthy();
-}
-
-MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan arguments,
-                                   unsigned line) {
-  return callValue(Value(function), arguments, line);
 }
 
 MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {

@@ -141,7 +141,7 @@ Value negateValue(const Value& operand, unsigned line) {
 }
 
 Value lengthOf(const Value& operand, unsigned line) {
-  if (operand.isTable()) return Value(operand.table->length());
+  if (operand.isTable()) return Value(tableSequenceLength(operand.table));
   if (operand.isString()) return Value(static_cast<std::int64_t>(operand.string->length));
   failRuntime(line, "length operator expects a string or table");
 }
