@@ -29,15 +29,4 @@ bool nextIteratorItem(IteratorState& state, Value* slots, std::uint32_t count) n
   return true;
 }
 
-bool nextIteratorItem(IteratorState* state, MultiValue& out) {
-  if (state == nullptr) return false;
-  const std::uint32_t count = state->kind == IteratorState::Kind::Ipairs ? 2 : state->itemSize;
-  std::vector<Value> item(count);
-  if (!nextIteratorItem(*state, item.data(), count)) return false;
-  MultiValue values;
-  for (const Value& value : item) values.push(value);
-  out = std::move(values);
-  return true;
-}
-
 }  // namespace tarvel::lua::internal

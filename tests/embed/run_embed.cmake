@@ -1,4 +1,4 @@
-# Builds and runs the host programs of this folder. MODE is `installed` (against an installation made here from
+# Builds and runs the host program of this folder. MODE is `installed` (against an installation made here from
 # BINARY_DIR) or `subproject` (from the sources in SOURCE_DIR). Everything made goes to WORK_DIR.
 
 function(run)
@@ -7,6 +7,7 @@ function(run)
     list(JOIN ARGV " " command)
     message(FATAL_ERROR "status ${status} from: ${command}\n${output}")
   endif()
+  set(output "${output}" PARENT_SCOPE)
 endfunction()
 
 set(configureOptions -G ${GENERATOR} -D CMAKE_MAKE_PROGRAM=${MAKE_PROGRAM} -D CMAKE_CXX_COMPILER=${COMPILER})
@@ -29,11 +30,12 @@ endif()
 
 run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build ${configureOptions})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build --config ${BUILD_TYPE} --parallel 2)
-foreach(program IN ITEMS host quick_start)
-  find_program(${program} NAMES ${program} PATHS ${WORK_DIR}/build ${WORK_DIR}/build/${BUILD_TYPE}
-               NO_DEFAULT_PATH REQUIRED)
-  run(${${program}})
-endforeach()
+find_program(program NAMES quick_start PATHS ${WORK_DIR}/build ${WORK_DIR}/build/${BUILD_TYPE}
+             NO_DEFAULT_PATH REQUIRED)
+run(${program})
+if(NOT output STREQUAL "20\n")
+  message(FATAL_ERROR "the program says: ${output}")
+endif()
 
 # The README shows this program in full.
 file(READ ${SOURCE_DIR}/README.md readme)

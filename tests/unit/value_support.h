@@ -8,7 +8,6 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "lua/value/function_handle.h"
 #include "lua/value/heap.h"
 #include "lua/value/string_object.h"
 #include "lua/value/table.h"
@@ -44,10 +43,6 @@ class TestHeap {
   }
   OwnedValue table(std::uint32_t arrayHint = 0, std::uint32_t entryHint = 0) const {
     return OwnedValue(Value(Table::create(*heap_, arrayHint, entryHint)));
-  }
-  OwnedValue native(std::string_view name, NativeFunction function = {}) const {
-    StringObject* const text = StringObject::create(*heap_, name);
-    return OwnedValue(Value(FunctionObject::createNative(*heap_, text, std::move(function))));
   }
 
  private:

@@ -1,33 +1,20 @@
 -- mode: repl
--- A failing line is reported on standard error without a prefix, and the loop goes on.
--- stdin: print("first")
--- stdin: error("oops")
--- stdin: x
--- stdin: x = = 1
+-- A failing line is reported on standard error without a prefix, and the interpreter works on as before.
 -- stdin: print("a") print(nil + 1) print("b")
+-- stdin: x = = 1
 -- stdin: function f() error("inside f") end
--- stdin: f()
--- stdin: print(pcall(f))
+-- stdin: for i = 1, 3 do for k, v in pairs({{}, {}}) do if i == 2 then f() end end end
 -- stdin: type()
--- stdin: s = "not closed
 -- stdin: return pairs({})
--- stdin: if true then
--- stdin: break
--- stdin: 1 + 1
--- stdin: print("last")
--- expect: lua> first
--- expect: lua> lua> lua> lua> a
--- expect: lua> lua> lua> false	inside f
--- expect: lua> lua> lua> lua> lua> lua> lua> last
+-- stdin: function depth(n) if n == 0 then return 0 end return 1 + depth(n - 1) end
+-- stdin: depth(-1)
+-- stdin: print(depth(10000), pcall(f))
+-- expect: lua> a
+-- expect: lua> lua> lua> lua> lua> lua> lua> lua> 10000	false	inside f
 -- expect: lua> 
--- expect stderr: <repl>:1: oops
--- expect stderr: <repl>:1:2: expected function call
--- expect stderr: <repl>:1:5: expected expression
 -- expect stderr: <repl>:1: operator '+' expects numbers
+-- expect stderr: <repl>:1:5: expected expression
 -- expect stderr: <repl>:1: inside f
 -- expect stderr: type expects 1 argument
--- expect stderr: <repl>:1:5: unterminated string literal
 -- expect stderr: value cannot be bridged out of TarvelLua
--- expect stderr: <repl>:1:13: expected 'end' after if statement
--- expect stderr: <repl>:1:1: break outside a loop
--- expect stderr: <repl>:1:3: expected function call
+-- expect stderr: <repl>:1: stack overflow

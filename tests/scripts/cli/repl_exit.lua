@@ -1,8 +1,16 @@
 -- mode: repl
--- "exit" alone ends the loop; nothing after it runs. Empty lines only prompt again.
--- stdin: print("before")
--- stdin:
--- stdin: exit
+-- os.exit ends only its own line; "exit" or "quit" ends the loop, but only as the whole line. The status is 0.
+-- stdin: print("a") os.exit(3) print("never")
+-- stdin: pcall(os.exit, 4) print("never")
+-- stdin: error("after exit")
+-- stdin: quit()
+-- stdin: exit;
+-- stdin: Exit = 5 exit = Exit print(exit)
+-- stdin: quit
 -- stdin: print("never")
--- expect: lua> before
--- expect: lua> lua> 
+-- expect: lua> a
+-- expect: lua> lua> lua> lua> lua> 5
+-- expect: lua> 
+-- expect stderr: <repl>:1: after exit
+-- expect stderr: <repl>:1: attempt to call a nil value
+-- expect stderr: <repl>:1:5: expected function call

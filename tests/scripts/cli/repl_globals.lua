@@ -1,25 +1,19 @@
 -- mode: repl
--- Every line is a chunk of its own: globals stay, locals go, results are not shown.
--- stdin: x = 1
--- stdin: print(x)
--- stdin: local y = 1
--- stdin: print(y)
--- stdin: local z = 2 print(z + x)
+-- args: ignored --compile
+-- Every line is a chunk of its own: globals stay, locals go, but not those that a function holds; results are not
+-- shown. The last line needs no line feed.
+-- stdin: x = 1 local n = 0 function count() n = n + 1 return n end
+-- stdin: print(x, n, arg, count())
+-- stdin:
+-- stdin: local n = 2 print(n + x, count())
 -- stdin: return x, "not shown"
--- stdin: function add(a, b) return a + b end
--- stdin: print(add(x, 41)) print(add)
--- stdin: x = x + 1; print(x)
--- stdin: for i = 1, 2 do print("line", i) end
+-- stdin: it = ipairs({"p", "q"}) for i, v in it do print(v) break end
+-- stdin: for i, v in it do print(v) end
 -- stdin: -- only a comment
--- stdin: ;
--- stdin: print(arg)
--- expect: lua> lua> 1
--- expect: lua> lua> nil
--- expect: lua> 3
--- expect: lua> lua> lua> 42
--- expect: [function add]
--- expect: lua> 2
--- expect: lua> line	1
--- expect: line	2
--- expect: lua> lua> lua> nil
+-- stdin unterminated: print("last")
+-- expect: lua> lua> 1	nil	nil	1
+-- expect: lua> lua> 3	2
+-- expect: lua> lua> p
+-- expect: lua> q
+-- expect: lua> lua> last
 -- expect: lua> 

@@ -1,49 +1,35 @@
--- Assignment to names, fields and entries.
-a, b, c = 1, 2
-print(a, b, c)  -- expect: 1	2	nil
-a, b = 7, 8, 9
-print(a, b)  -- expect: 7	8
-local p, q, r = 1
-print(p, q, r)  -- expect: 1	nil	nil
+-- Assignment to names, fields and entries, each of which the targets after it see.
+i, a = 1, {}
+i, a[i] = i + 1, 20
+print(i, a[1], a[2])  -- expect: 2	nil	20
+old = a
+a.x, a = "in the old table", {}
+print(old.x, a.x)  -- expect: in the old table	nil
+local j, s, nothing = 1, {"one", "two"}
+j, s[j] = 2, "changed"
+print(j, s[1], s[2], nothing)  -- expect: 2	one	changed	nil
+-- In a declaration the values see the names that stood before it.
+local y = 1
+local y, z = y + 1, y
+print(y, z)  -- expect: 2	1
 
--- Only the last call in a list gives all its values.
-function three() return 1, 2, 3 end
-function none() end
-a, b, c, d = three()
-print(a, b, c, d)  -- expect: 1	2	3	nil
-a, b, c, d = 0, three()
-print(a, b, c, d)  -- expect: 0	1	2	3
-a, b, c, d = three(), 10
-print(a, b, c, d)  -- expect: 1	10	nil	nil
-a, b = "kept", none()
-print(a, b)  -- expect: kept	nil
-
--- Fields and entries; both spellings mean the same.
-t = {}
-t.x, t["y"], t[1] = "x", "y", "one"
-print(t.x, t.y, t[1])  -- expect: x	y	one
-;(x) = "in parentheses"
-print(x)  -- expect: in parentheses
-
--- A statement that starts with a parenthesis continues the expression before it.
-function outer(inner) return function(text) print("inner called with", text) end end
-v = outer
-(print)("text")
--- expect: inner called with	text
-print(v)  -- expect: nil
-v = outer;
-(print)("text")  -- expect: text
-
--- Everything but a table refuses assignment.
-print(pcall(function() nothing.x = 1 end))  -- expect: false	attempt to assign into a nil value
-print(pcall(function() t.nothing.x.y = 1 end))  -- expect: false	attempt to index a nil value
-print(pcall(function() x = 5 x.y = 1 end))  -- expect: false	attempt to assign into a number value
+-- What was stored before a failing target stays.
+g, h = "g", "h"
+print(pcall(function() g, nothing.x, h = "stored", 1, "skipped" end), g, h)  -- expect: false	stored	h
 print(pcall(function() x = "text" x[1] = 1 end))  -- expect: false	attempt to assign into a string value
-print(pcall(function() x = pairs(t) x.y = 1 end))  -- expect: false	attempt to assign into a iterator value
+print(pcall(function() x = {5} x[1].y = 1 end))  -- expect: false	attempt to assign into a number value
 
--- A failing statement reports the line of its first token.
-target = nil
-first,  -- expect error: attempt to assign into a nil value
-  target
-    .field = 1,
-  2
+-- A function on the right may replace the table on the left.
+box = {}
+before = box
+box.field = (function() box = {} return "stored" end)()
+print(before.field, box.field)  -- expect: nil	stored
+
+-- Results beyond the targets go before the targets are evaluated, whose calls use the same slots.
+function several() return 1, 2, {}, "x" .. 1, {} end
+function key(a, b, c) return (a or 0) .. "k" end
+a = {}
+a.x, a.y = several()
+a[key(0, {}, {})], a[key(1, 2, 3)] = 3, several()
+print(a.x, a.y, a["0k"], a["1k"])  -- expect: 1	2	3	1
+print(pcall(function() a.x, a[nil] = several() end))  -- expect: false	table index must be a number, string, or boolean

@@ -1,5 +1,4 @@
--- Operands, arguments and fields are evaluated from left to right, each exactly once.
-trace = ""
+-- What runs when: each part of a statement once, from left to right, and the checks after what they check.
 function pick(label, value)
   trace = trace .. label .. " "
   return value
@@ -11,61 +10,46 @@ function run(f)
   return trace, result
 end
 
--- Types are checked only after both operands ran.
-print(run(function() return pick("left", nil) + pick("right", 1) end))
+-- Operands before their types.
+print(run(function() return pick("left", "x") + pick("right", 1) end))
 -- expect: left right 	operator '+' expects numbers
-print(run(function() return pick("left", "x") - pick("right", 1) end))
--- expect: left right 	operator '-' expects numbers
 print(run(function() return pick("left", {}) < pick("right", 1) end))
 -- expect: left right 	ordered comparisons require matching numbers or strings
-print(run(function() return pick("left", {}) < error("right fails") end))  -- expect: left 	right fails
+-- A callee, its arguments, and only then whether it can be called; but a field of it before the arguments.
+print(run(function() return pick("callee", nil)(pick("first"), pick("second")) end))
+-- expect: callee first second 	attempt to call a nil value
+print(run(function() return no_table.field(pick("never")) end))  -- expect: 	attempt to index a nil value
+print(run(function() return pick("object", nil):m(pick("never")) end))  -- expect: object 	attempt to index a nil value
+-- Fields of a constructor: keys before their values, and refused before them too.
+print(run(function() return {pick("1"), [pick("k")] = pick("v"), n = pick("n")} end))
+-- expect: 1 k 	table keys must be numbers, strings, or booleans
+print(run(function() return {pick("1"), [pick("k", 1)] = pick("v"), n = pick("n"), pick("2", 2)}[2] end))
+-- expect: 1 k v n 2 	2
+-- An assignment: the values, then target by target the object, its check, the key and the store.
+t = {}
+print(run(function() pick("t", t)[pick("a", 1)], pick("u", t)[pick("b", 2)] = pick("x"), pick("y") end))
+-- expect: x y t a u b 	nil
+print(run(function() nothing[pick("never")] = pick("value", 1) end))
+-- expect: value 	attempt to assign into a nil value
+print(run(function() t[pick("key")] = pick("value", 1) end))
+-- expect: value key 	table index must be a number, string, or boolean
+-- Loops: the whole list, of which only the first value counts; the bounds before any check.
+print(run(function() for k, v in pick("it", pairs({5})), pick("s"), pick("c") do pick(k) pick(v) end end))
+-- expect: it s c 1 5 	nil
+print(run(function() for i = pick("start", "1"), pick("limit", 2), pick("step", 0) do end end))
+-- expect: start limit step 	numeric for loop expects numeric bounds
+-- Conditions: the right operand only when it decides.
+print(run(function() return pick("a") and pick("b") or pick("c", false) or pick("d", 1) or pick("e") end))
+-- expect: a c d 	1
 
--- The left operand is the value it had before the right side ran.
+-- Operands, arguments, returned values and fields keep the values they had when evaluated.
 n = 1
 function bump()
   n = n + 10
   return n
 end
-print(n + bump(), n)  -- expect: 12	11
-print(bump() + n, n)  -- expect: 42	21
-print(n - bump(), n .. "," .. bump())  -- expect: -10	31,41
-function captured()
-  local m = 1
-  return m * 100 + (function() m = m + 1 return m end)() * 10 + m
-end
-print(captured())  -- expect: 122
-
--- Reading an entry: object, key, then the checks. A call: the callee, the arguments, and only then whether it can be
--- called; looking up the callee's field comes before the arguments.
-print(run(function() return pick("object", nil)[pick("key")] end))
--- expect: object key 	attempt to index a nil value
-print(run(function() return pick("callee", nil)(pick("first"), pick("second")) end))
--- expect: callee first second 	attempt to call a nil value
-print(run(function() return no_table.field(pick("never")) end))  -- expect: 	attempt to index a nil value
-print(run(function() return io.no_such_function(pick("argument")) end))
--- expect: argument 	attempt to call a nil value
-
--- A method call: the object once, the method, the arguments.
-object = {name = "first"}
-function object:show(text) return self.name .. " " .. text end
-function replace(text)
-  object = {name = "second"}
-  return text
-end
-print(run(function() return pick("object", object):show(replace("survives")) end))  -- expect: object 	first survives
-print(run(function() return pick("object", nil):m(pick("never")) end))
--- expect: object 	attempt to index a nil value
-print(run(function() return object:absent(pick("argument")) end))
--- expect: argument 	attempt to call a nil value
-
--- Arguments, returned values and fields keep the values they had when evaluated.
-function pair(a, b) return a, b end
-function list() return n, bump(), n end
-n = 1
-print(pair(n, bump()))  -- expect: 1	11
-print(list())  -- expect: 11	21	21
-c = {n, bump(), n, x = bump()}
-print(c[1], c[2], c[3], c.x)  -- expect: 21	31	31	41
+print(n + bump(), bump() + n, n .. "," .. bump())  -- expect: 12	42	21,31
+print((function() return n, bump(), n end)())  -- expect: 31	41	41
 
 -- Fields and products of locals keep to that order too, whatever they turn out to be.
 record = {v = 1, text = "x"}

@@ -1,26 +1,24 @@
--- print(...): the values separated by tabs, then a line feed.
-print("a", "b", 3)  -- expect: a	b	3
-print()
+-- print(...): the values separated by tabs, then a line feed. It returns one nil.
+print("a", true, false, nil, 0.5, 2.0, 1 / 3, -7)  -- expect: a	true	false	nil	0.5	2	0.333333	-7
+print(print())
 -- expect:
-print(true, false, 0.5, 2.0, 1 / 3, -7)  -- expect: true	false	0.5	2	0.333333	-7
-print(print, function() end)  -- expect: [function print]	[function <anonymous>]
+-- expect: nil
 
--- It returns one nil.
-print(print("inner"), "outer")
--- expect: inner
--- expect: nil	outer
+-- Tables: lists as {a, b}, all others as {key: value}. Keys that look like integers come first, ascending, then the
+-- others bytewise.
+print({}, {{}, {{}}, {1, {2}}}, {"text", 1.5, 2.0, true})  -- expect: {}	{{}, {{}}, {1, {2}}}	{text, 1.5, 2, true}
+print({10, 20, x = 1}, {1, nil, 3}, {nil, nil}, {1, nil})  -- expect: {1: 10, 2: 20, x: 1}	{1: 1, 3: 3}	{}	{1}
+print({["10"] = "a", [9] = "b", x = "c", [-1] = "d"})  -- expect: {-1: d, 9: b, 10: a, x: c}
+print({[true] = 1, [false] = 2, fa = 3, ["é"] = 4, [""] = 5})  -- expect: {: 5, fa: 3, false: 2, true: 1, é: 4}
 
--- It can be replaced like any global, and works under another name.
-write = print
-print = function(v) write("replaced", v) end
-print("x")  -- expect: replaced	x
-print = write
-print("restored")  -- expect: restored
-
--- Userdata and iterators cannot be printed; then nothing is written at all.
-print(pcall(print, io.stdout))  -- expect: false	value cannot be bridged out of TarvelLua
+-- The same table several times is no cycle. A table inside itself cannot be printed, nor can userdata and iterators;
+-- then nothing is written at all.
+shared = {"s"}
+print({shared, shared, {shared, k = shared}})  -- expect: {{s}, {s}, {1: {s}, k: {s}}}
+loop = {name = "loop"}
+loop.self = loop
+print(pcall(print, "never", {{loop}}))  -- expect: false	value cannot be bridged out of TarvelLua
+loop.self = nil
 print(pcall(print, "never", pairs({})))  -- expect: false	value cannot be bridged out of TarvelLua
-
-print("last")  -- expect: last
 print("never", io.stderr)
 -- expect error bare: value cannot be bridged out of TarvelLua

@@ -1,3 +1,0 @@
--- mode: command
--- args: --compile {tmp} {tmp}/out
--- expect error bare: failed to open file: {tmp}

@@ -1,3 +1,0 @@
--- mode: command
--- args: --compile {script} /dev/full
--- expect error bare: failed to write file: /dev/full

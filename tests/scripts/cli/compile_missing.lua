@@ -1,3 +1,0 @@
--- mode: command
--- args: --compile {tmp}/missing.lua {tmp}/out
--- expect error bare: failed to open file: {tmp}/missing.lua

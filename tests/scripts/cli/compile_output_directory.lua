@@ -1,3 +1,0 @@
--- mode: command
--- args: --compile {script} {tmp}
--- expect error bare: failed to open file for writing: {tmp}

@@ -1,6 +1,0 @@
--- mode: repl
--- args: ignored --compile
--- Arguments after --repl are ignored.
--- stdin: print(arg, "works")
--- expect: lua> nil	works
--- expect: lua> 

@@ -1,4 +1,0 @@
--- mode: repl
--- Without input there is one prompt and success.
--- expect: lua> 
--- expect exit: 0

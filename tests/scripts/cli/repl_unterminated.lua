@@ -1,6 +1,0 @@
--- mode: repl
--- The last line runs without a line feed too.
--- stdin: x = "last"
--- stdin unterminated: print(x)
--- expect: lua> lua> last
--- expect: lua> 

@@ -1,3 +1,0 @@
--- mode: command
--- args: --run-bytecode /dev/null
--- expect error bare: bytecode file is too small

@@ -1,3 +1,0 @@
--- mode: command
--- args: --run-bytecode {tmp}/missing.tlbc
--- expect error bare: failed to open file: {tmp}/missing.tlbc

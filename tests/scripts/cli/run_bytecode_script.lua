@@ -1,4 +1,0 @@
--- mode: command
--- args: --run-bytecode {script}
--- A script is no container.
--- expect error bare: invalid TarvelLua bytecode header

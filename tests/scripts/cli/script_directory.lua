@@ -1,3 +1,0 @@
--- mode: command
--- args: {tmp}
--- expect error bare: unable to open script file: {tmp}

@@ -1,3 +1,0 @@
--- mode: command
--- args: {tmp}/missing.lua ignored
--- expect error bare: unable to open script file: {tmp}/missing.lua

@@ -1,2 +1,0 @@
-;;; -- a program of empty statements
-;  -- expect exit: 0

@@ -1,4 +1,0 @@
--- mode: command
--- args: --help
--- Every first argument that is no mode is a script's path, whatever it looks like.
--- expect error bare: unable to open script file: --help

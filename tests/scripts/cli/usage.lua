@@ -1,8 +1,0 @@
--- mode: command
--- Without arguments the usage goes to standard error.
--- expect stderr: Usage:
--- expect stderr:   {program} <script> [args...]
--- expect stderr:   {program} --compile <script> <output.bytecode>
--- expect stderr:   {program} --run-bytecode <input.bytecode> [args...]
--- expect stderr:   {program} --repl
--- expect exit: 1

@@ -1,9 +1,0 @@
--- mode: command
--- args: --compile {script} {tmp}/out extra
--- Compiling takes nothing more than a script and an output.
--- expect stderr: Usage:
--- expect stderr:   {program} <script> [args...]
--- expect stderr:   {program} --compile <script> <output.bytecode>
--- expect stderr:   {program} --run-bytecode <input.bytecode> [args...]
--- expect stderr:   {program} --repl
--- expect exit: 1

@@ -1,6 +1,0 @@
--- Streams answer to strings only.
-field = 1
-x =
-  io  -- expect error: userdata fields must be strings
-    .stdout
-    [field]

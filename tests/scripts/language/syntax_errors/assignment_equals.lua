@@ -1,2 +1,0 @@
--- expect error 2:6: expected '=' in assignment
-a, b + 1

@@ -1,2 +1,0 @@
--- expect error 2:11: invalid assignment target
-a, b[1]() = 1, 2

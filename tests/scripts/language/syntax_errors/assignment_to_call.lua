@@ -1,2 +1,0 @@
--- expect error 2:5: invalid assignment target
-f() = 1

@@ -1,2 +1,0 @@
--- expect error 2:7: expected function call
-print "text"

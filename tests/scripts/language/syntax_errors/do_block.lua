@@ -1,2 +1,0 @@
--- expect error 2:1: expected expression
-do print(1) end

@@ -1,2 +1,0 @@
--- expect error 2:8: expected expression
-x = 7 // 2

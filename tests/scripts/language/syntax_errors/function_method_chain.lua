@@ -1,2 +1,0 @@
--- expect error 2:13: expected '(' after function name
-function a:b.c() end

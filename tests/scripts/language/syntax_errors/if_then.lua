@@ -1,2 +1,0 @@
--- expect error 2:6: expected 'then' after if condition
-if x print(x) end

@@ -1,2 +1,0 @@
--- expect error 2:9: expected ']' after index expression
-x = t[1 2]

@@ -1,2 +1,0 @@
--- expect error 2:10: expected '=' after table key
-t = {[1] 2}

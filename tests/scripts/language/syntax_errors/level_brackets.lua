@@ -1,2 +1,0 @@
--- expect error 2:5: expected expression
-x = [==[ text ]==]

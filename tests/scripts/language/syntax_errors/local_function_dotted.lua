@@ -1,2 +1,0 @@
--- expect error 2:17: expected '(' after function name
-local function a.b() end

@@ -1,2 +1,0 @@
--- expect error 2:16: expected local function name
-local function () end

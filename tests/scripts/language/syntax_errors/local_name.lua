@@ -1,2 +1,0 @@
--- expect error 2:7: expected local variable name
-local 5 = 1

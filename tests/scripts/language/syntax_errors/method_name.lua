@@ -1,2 +1,0 @@
--- expect error 2:3: expected method name after ':'
-t:1()

@@ -1,2 +1,0 @@
--- expect error 2:15: expected parameter name
-function f(a, 5) end

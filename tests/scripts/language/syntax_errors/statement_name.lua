@@ -1,2 +1,0 @@
--- expect error 3:1: expected function call
-x
