@@ -167,15 +167,25 @@ struct InVariable {
   failAssignInto(object, line);
 }
 
+template <class Access>
+const Access* onlyTarget(const Node* node) noexcept {
+  return static_cast<const Access*>(asAssignment(node)->targets[0].expression);
+}
+
+// The table to store `value` into; drops the value where there is none.
+template <class Object, class Access>
+Table& targetTable(const Node* node, Value* base, Value value) {
+  const Value object = Object::load(onlyTarget<Access>(node), base);
+  if (object.tag != kTable) [[unlikely]]
+    dropAndFailAssignInto(value, object, node->line);
+  return *object.table;
+}
+
 template <class Object>
 Value storeField(const Node* node, Value* base) {
   const Value value = singleValue(node, base);
-  const auto* const target =
-      static_cast<const FieldExpr*>(asAssignment(node)->targets[0].expression);
-  const Value object = Object::load(target, base);
-  if (object.tag != kTable) [[unlikely]]
-    dropAndFailAssignInto(value, object, node->line);
-  object.table->setString(target->name, value, target->hint);
+  const auto* const target = onlyTarget<FieldExpr>(node);
+  targetTable<Object, FieldExpr>(node, base, value).setString(target->name, value, target->hint);
   return normalCompletion();
 }
 
@@ -201,16 +211,12 @@ struct AnyValue {
 template <class Object, class Source>
 Value storeElementAtLocal(const Node* node, Value* base) {
   const Value value = Source::evaluate(node, base);
-  const auto* const target =
-      static_cast<const IndexExpr*>(asAssignment(node)->targets[0].expression);
-  const Value object = Object::load(target, base);
-  if (object.tag != kTable) [[unlikely]]
-    dropAndFailAssignInto(value, object, node->line);
-  const Value key = slotAt(base, target->keyOffset);
+  Table& table = targetTable<Object, IndexExpr>(node, base, value);
+  const Value key = slotAt(base, onlyTarget<IndexExpr>(node)->keyOffset);
   if (key.tag == kInteger) [[likely]] {
-    object.table->setInteger(key.integer, value);
+    table.setInteger(key.integer, value);
   } else {
-    storeUnderKey(*object.table, retain(key), value, node->line);
+    storeUnderKey(table, retain(key), value, node->line);
   }
   return normalCompletion();
 }
@@ -220,19 +226,16 @@ Value storeElementAtLocal(const Node* node, Value* base) {
 template <class Object>
 Value storeElement(const Node* node, Value* base) {
   const Value value = singleValue(node, base);
-  const auto* const target =
-      static_cast<const IndexExpr*>(asAssignment(node)->targets[0].expression);
-  const Value object = Object::load(target, base);
-  if (object.tag != kTable) [[unlikely]]
-    dropAndFailAssignInto(value, object, node->line);
+  const auto* const target = onlyTarget<IndexExpr>(node);
+  Table& table = targetTable<Object, IndexExpr>(node, base, value);
   Value& waiting = slotAt(base, target->temporariesOffset);
   waiting = value;
   const Value key = evaluateExpression(target->key, base);
   waiting = Value();
   if (key.tag == kInteger) [[likely]] {
-    object.table->setInteger(key.integer, value);
+    table.setInteger(key.integer, value);
   } else {
-    storeUnderKey(*object.table, key, value, node->line);
+    storeUnderKey(table, key, value, node->line);
   }
   return normalCompletion();
 }
