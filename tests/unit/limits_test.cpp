@@ -5,14 +5,20 @@
 #include <ucontext.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/value_support.h"
@@ -294,6 +300,47 @@ TEST(Memory, AFailedAppendLeavesTheString) {
       "local ok = pcall(function() s = s .. 'tail' .. big .. big .. big .. big .. big .. big end) "
       "return not ok and s == 'ab'";
   expectNotEnoughMemory(script);
+}
+
+// Leaves no memory but what small blocks need, sets globals until one fails, and ends the process
+// with status 0 if all names then still have variables of their own.
+[[noreturn]] void runOutWhileSettingGlobals() {
+  LuaVM vm;
+  needMuchMemory(vm);
+  constexpr std::size_t kSmallBytes = 72;
+  std::vector<void*> taken(1 << 20);
+  limitMemory(kMegabyte);
+  std::size_t count = 0;
+  for (std::size_t bytes = kMegabyte; bytes >= kSmallBytes; bytes = bytes * 3 / 4) {
+    while (void* const block = std::malloc(bytes)) taken[count++] = block;
+  }
+  for (std::size_t i = 0; i < std::min<std::size_t>(count, 2000); i += 2) {
+    std::free(std::exchange(taken[count - 1 - i], nullptr));
+  }
+  std::array<char, 8> name{};
+  std::int64_t names = 0;
+  const auto nextName = [&] {
+    std::snprintf(name.data(), name.size(), "g%d", static_cast<int>(++names));
+    return name.data();
+  };
+  try {
+    for (;;) vm.setGlobal(nextName(), integer(names));
+  } catch (const std::bad_alloc&) {
+  }
+  for (void* const block : taken) std::free(block);
+  limitMemory(kLittleMemory);
+  vm.setGlobal("another", integer(-1));
+  vm.setGlobal(name.data(), integer(names));
+  std::string sum = "return another";
+  for (std::int64_t i = 1; i <= names; ++i) sum += " + g" + std::to_string(i);
+  const std::string text = run(vm, sum);
+  std::cerr << names << ' ' << text << '\n';
+  _exit(text == "i" + std::to_string(names * (names + 1) / 2 - 1) ? 0 : 1);
+}
+
+TEST(Memory, RunningOutLeavesNoGlobalWithoutAVariable) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  EXPECT_EXIT(runOutWhileSettingGlobals(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
