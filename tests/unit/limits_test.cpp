@@ -319,12 +319,11 @@ TEST(Memory, AFailedAppendLeavesTheString) {
   }
   std::array<char, 8> name{};
   std::int64_t names = 0;
-  const auto nextName = [&] {
-    std::snprintf(name.data(), name.size(), "g%d", static_cast<int>(++names));
-    return name.data();
-  };
   try {
-    for (;;) vm.setGlobal(nextName(), integer(names));
+    for (;;) {
+      std::snprintf(name.data(), name.size(), "g%d", static_cast<int>(++names));
+      vm.setGlobal(name.data(), integer(names));
+    }
   } catch (const std::bad_alloc&) {
   }
   for (void* const block : taken) std::free(block);
