@@ -302,20 +302,25 @@ TEST(Memory, AFailedAppendLeavesTheString) {
   expectNotEnoughMemory(script);
 }
 
-// Leaves no memory but what small blocks need, sets globals until one fails, and ends the process
-// with status 0 if all names then still have variables of their own.
+// Takes what memory there is, in blocks down to `smallest` bytes, in the order of their sizes.
+std::vector<void*> takeAllMemory(std::size_t smallest) {
+  std::vector<void*> blocks;
+  blocks.reserve(1 << 20);
+  limitMemory(kMegabyte);
+  for (std::size_t bytes = kMegabyte; bytes >= smallest; bytes = bytes * 3 / 4) {
+    while (void* const block = std::malloc(bytes)) blocks.push_back(block);
+  }
+  return blocks;
+}
+
+// Sets globals until memory runs out, and ends the process with status 0 if all names then still
+// have variables of their own.
 [[noreturn]] void runOutWhileSettingGlobals() {
   LuaVM vm;
   needMuchMemory(vm);
-  constexpr std::size_t kSmallBytes = 72;
-  std::vector<void*> taken(1 << 20);
-  limitMemory(kMegabyte);
-  std::size_t count = 0;
-  for (std::size_t bytes = kMegabyte; bytes >= kSmallBytes; bytes = bytes * 3 / 4) {
-    while (void* const block = std::malloc(bytes)) taken[count++] = block;
-  }
-  for (std::size_t i = 0; i < std::min<std::size_t>(count, 2000); i += 2) {
-    std::free(std::exchange(taken[count - 1 - i], nullptr));
+  std::vector<void*> taken = takeAllMemory(72);
+  for (std::size_t i = 1; i < std::min<std::size_t>(taken.size(), 2000); i += 2) {
+    std::free(std::exchange(*(taken.end() - static_cast<std::ptrdiff_t>(i)), nullptr));
   }
   std::array<char, 8> name{};
   std::int64_t names = 0;
@@ -335,6 +340,23 @@ TEST(Memory, AFailedAppendLeavesTheString) {
   const std::string text = run(vm, sum);
   std::cerr << names << ' ' << text << '\n';
   _exit(text == "i" + std::to_string(names * (names + 1) / 2 - 1) ? 0 : 1);
+}
+
+// Not even for the message.
+[[noreturn]] void runWithoutMemory() {
+  LuaVM vm;
+  needMuchMemory(vm);
+  const std::string source = "return {}";
+  const std::vector<void*> taken = takeAllMemory(16);
+  const LuaResult result = vm.runScriptString(source, "c");
+  for (void* const block : taken) std::free(block);
+  limitMemory(kLittleMemory);
+  _exit(!result.ok && run(vm, kBusyScript) == kBusyOutcome ? 0 : 1);
+}
+
+TEST(Memory, ARunWithoutAnyIsAFailedOne) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  EXPECT_EXIT(runWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(Memory, RunningOutLeavesNoGlobalWithoutAVariable) {
