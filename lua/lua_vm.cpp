@@ -22,7 +22,7 @@ using internal::RuntimeError;
 using internal::Table;
 using internal::ValueStack;
 
-LuaVM::LuaVM() : impl_(std::make_unique<Impl>(*this)) {}
+LuaVM::LuaVM() : impl_(std::make_unique<Impl>(*this)) { impl_->fillGlobals(); }
 
 LuaVM::~LuaVM() = default;
 
@@ -45,7 +45,9 @@ LuaVM::Impl::Impl(LuaVM& ownerVm)
     : owner(ownerVm),
       heap(heapOwner.get()),
       strings(heap),
-      patterns(std::make_unique<internal::PatternCache>()) {
+      patterns(std::make_unique<internal::PatternCache>()) {}
+
+void LuaVM::Impl::fillGlobals() {
   anyFunction = OwnedValue(makeNative("", {}));
   outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
   bindDefaults();
@@ -108,9 +110,9 @@ class RunScope {
 }  // namespace
 
 LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
-  LuaResult outOfMemory;  // made while there is memory
-  outOfMemory.error = internal::exceptionText(std::bad_alloc());
+  LuaResult outOfMemory;
   try {
+    outOfMemory.error = internal::exceptionText(std::bad_alloc());  // made while there is memory
     return tryRun(source, chunkName);
   } catch (const std::bad_alloc&) {
     return outOfMemory;

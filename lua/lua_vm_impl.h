@@ -65,6 +65,9 @@ class LuaVM::Impl {
   using Value = internal::Value;
 
   explicit Impl(LuaVM& ownerVm);
+  // Completes a new interpreter. Not part of the constructor, so that the destructor releases what
+  // there is when memory runs out halfway.
+  void fillGlobals();
   ~Impl();
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;

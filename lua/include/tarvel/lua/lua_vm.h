@@ -86,9 +86,10 @@ struct LuaValue {
 
 // What one run of a script came to. It owns what it holds and stays valid after the LuaVM is gone.
 struct LuaResult {
-  bool ok = false;             // the run finished without an error
-  LuaValue value;              // what the script returned: nil, one value, or a sequence of several
-  std::string error;           // "chunk:line: message"; empty on success
+  bool ok = false;  // the run finished without an error
+  LuaValue value;   // what the script returned: nil, one value, or a sequence of several
+  // "chunk:line: message"; empty on success, and where there was no memory even for the message.
+  std::string error;
   bool exitRequested = false;  // the script called os.exit; `value` is then the code
   std::int32_t exitCode = 0;   // the code that it passed
 };
