@@ -293,6 +293,33 @@ TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
   }
 }
 
+// The arguments of a host's function that calls the script again, and so on.
+[[noreturn]] void nestCallsWithManyArguments() {
+  LuaVM vm;
+  limitMemory(kLittleMemory);
+  needMuchMemory(vm);
+  limitMemory(5 * kLittleMemory);
+  const std::string script =
+      "again(string.unpack(string.rep('I4', 1000000), string.rep('x', 4000000)))";
+  std::string innermost;
+  vm.bindFunction("again", [&](LuaVM& caller, const Arguments&) {
+    const std::string text = run(caller, script);
+    if (innermost.empty()) innermost = text;
+    return LuaValue();
+  });
+  run(vm, script);
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  const auto peak = static_cast<std::size_t>(usage.ru_maxrss) * kKilobyte;
+  std::cerr << innermost << ' ' << peak << '\n';
+  _exit(innermost == "error not enough memory" && peak < kLittleMemory + 64 * kMegabyte ? 0 : 1);
+}
+
+TEST(Memory, ArgumentsForTheHostCount) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  EXPECT_EXIT(nestCallsWithManyArguments(), ::testing::ExitedWithCode(0), "");
+}
+
 // An assignment that fails stores nothing, also where it would have appended in place.
 TEST(Memory, AFailedAppendLeavesTheString) {
   const std::string script =
