@@ -141,6 +141,14 @@ class PublicWriter {
     failBridgeOut();
   }
 
+  std::vector<LuaValue> writeAll(ValueSpan values) {
+    memory_.add(values.size() * sizeof(LuaValue));
+    std::vector<LuaValue> copies;
+    copies.reserve(values.size());
+    for (const Value& value : values) copies.push_back(write(value));
+    return copies;
+  }
+
  private:
   // With what the system's allocator adds, and for a member what ordering it for printing takes.
   static constexpr std::size_t kTableBytes = 96;
@@ -405,10 +413,7 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
                    [function = std::move(function)](LuaVM& vm, ValueSpan arguments, unsigned) {
                      Impl& interpreter = Impl::of(vm);
                      PublicWriter writer(interpreter.heap);
-                     std::vector<LuaValue> publicArguments;
-                     publicArguments.reserve(arguments.size());
-                     for (const Value& argument : arguments)
-                       publicArguments.push_back(writer.write(argument));
+                     const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
                      return MultiValue(interpreter.publicToValue(function(vm, publicArguments)));
                    });
 }
