@@ -96,28 +96,51 @@ TEST(Recursion, ThroughTheHostIsAnErrorToo) {
 }
 
 // Runs `body` on a stack that the thread switches to by itself, with a guard page below.
-void runOnSwitchedStack(std::size_t bytes, std::function<void()> body) {
-  static std::function<void()> current;
-  static ucontext_t host;
-  current = std::move(body);
-  const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-  auto* const memory = static_cast<std::byte*>(
-      mmap(nullptr, page + bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-  mprotect(memory, page, PROT_NONE);
-  ucontext_t context;
-  getcontext(&context);
-  context.uc_stack.ss_sp = memory + page;
-  context.uc_stack.ss_size = bytes;
-  context.uc_link = &host;
-  makecontext(
-      &context, [] { current(); }, 0);
-  swapcontext(&host, &context);
-  munmap(memory, page + bytes);
-}
+class SwitchedStack {
+ public:
+  SwitchedStack(std::size_t bytes, std::function<void()> body)
+      : body_(std::move(body)),
+        page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))),
+        bytes_(page_ + bytes),
+        memory_(static_cast<std::byte*>(
+            mmap(nullptr, bytes_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
+    mprotect(memory_, page_, PROT_NONE);
+  }
+  ~SwitchedStack() { munmap(memory_, bytes_); }
+  SwitchedStack(const SwitchedStack&) = delete;
+  SwitchedStack& operator=(const SwitchedStack&) = delete;
+
+  // The body from its beginning.
+  void begin() {
+    getcontext(&context_);
+    context_.uc_stack.ss_sp = memory_ + page_;
+    context_.uc_stack.ss_size = bytes_ - page_;
+    context_.uc_link = &host_;
+    makecontext(
+        &context_, [] { running_->body_(); }, 0);
+    resume();
+  }
+  void resume() {
+    running_ = this;
+    swapcontext(&host_, &context_);
+  }
+  // To be called by the body.
+  void suspend() { swapcontext(&context_, &host_); }
+
+ private:
+  static inline SwitchedStack* running_ = nullptr;
+
+  std::function<void()> body_;
+  std::size_t page_;
+  std::size_t bytes_;
+  std::byte* memory_;
+  ucontext_t host_;
+  ucontext_t context_;
+};
 
 TEST(Recursion, IsAnErrorOnAStackThatTheHostSwitchedTo) {
   if (kSanitized) GTEST_SKIP() << "a sanitizer has to be told of such a stack";
-  runOnSwitchedStack(256 * kKilobyte, [] {
+  SwitchedStack stack(256 * kKilobyte, [] {
     for (const auto& c : kRecursions) EXPECT_GE(recurse(c.source, c.outcome), 20) << c.source;
     EXPECT_EQ("again:1: stack overflow", recurseThroughHost());
     LuaVM vm;
@@ -130,6 +153,38 @@ TEST(Recursion, IsAnErrorOnAStackThatTheHostSwitchedTo) {
     EXPECT_THROW(deep.toString(), std::runtime_error);
     EXPECT_THROW(vm.setGlobal("deep", deep), std::runtime_error);
   });
+  stack.begin();
+}
+
+__attribute__((noinline)) std::string runFromDeeper(LuaVM& vm) {
+  volatile char room[96 * kKilobyte];
+  room[0] = '1';
+  return run(vm, std::string("return ") + room[0]);
+}
+
+// Two runs that end in the order in which they began, then one on the first one's stack.
+TEST(Recursion, IsBoundedOnEachOfSeveralSwitchedStacks) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer has to be told of such a stack";
+  LuaVM vms[2];
+  const auto runAndSuspend = [](LuaVM& vm, SwitchedStack& stack) {
+    vm.bindFunction("suspend", [&](LuaVM&, const Arguments&) {
+      stack.suspend();
+      return LuaValue();
+    });
+    EXPECT_EQ("i1", run(vm, "suspend() return 1"));
+  };
+  bool again = false;
+  SwitchedStack first(512 * kKilobyte, [&] {
+    if (!again) return runAndSuspend(vms[0], first);
+    EXPECT_EQ("i1", runFromDeeper(vms[0]));
+  });
+  SwitchedStack second(512 * kKilobyte, [&] { runAndSuspend(vms[1], second); });
+  first.begin();
+  second.begin();
+  first.resume();
+  second.resume();
+  again = true;
+  first.begin();
 }
 
 // Source texts that nest or chain and would return 7: a head, then `before` as often as asked for,
