@@ -42,7 +42,7 @@ StackBounds threadStackBounds() noexcept {
   return bounds;
 }
 
-thread_local std::uintptr_t notedFloor = 0;
+thread_local HostStackScope* latestScope = nullptr;
 
 // Whether a floor is that of the stack on which the stack pointer is `here`.
 bool isFloorOf(std::uintptr_t floor, std::uintptr_t here) noexcept {
@@ -51,17 +51,24 @@ bool isFloorOf(std::uintptr_t floor, std::uintptr_t here) noexcept {
 
 }  // namespace
 
-HostStackScope::HostStackScope() noexcept : outerFloor_(notedFloor) {
-  notedFloor = hostStackFloor();
+HostStackScope::HostStackScope() noexcept : floor_(hostStackFloor()), earlier_(latestScope) {
+  latestScope = this;
 }
 
-HostStackScope::~HostStackScope() { notedFloor = outerFloor_; }
+HostStackScope::~HostStackScope() {
+  HostStackScope** link = &latestScope;
+  while (*link != this) link = &(*link)->earlier_;
+  *link = earlier_;
+}
 
 std::uintptr_t hostStackFloor() noexcept {
   thread_local const StackBounds bounds = threadStackBounds();
   const std::uintptr_t here = hostStackPointer();
   if (here <= bounds.low || here > bounds.high) {
-    return isFloorOf(notedFloor, here) ? notedFloor : here - kUnknownStackBudget;
+    for (const HostStackScope* scope = latestScope; scope != nullptr; scope = scope->earlier_) {
+      if (isFloorOf(scope->floor_, here)) return scope->floor_;
+    }
+    return here - kUnknownStackBudget;
   }
   return bounds.low + std::min<std::size_t>(kHostReserve, (bounds.high - bounds.low) / 4);
 }

@@ -28,7 +28,7 @@ inline std::uintptr_t hostStackPointer() noexcept {
 std::uintptr_t hostStackFloor() noexcept;
 
 // Notes the floor for everything that runs on this thread and stack while it lives. Stands around
-// whatever recurses as deep as the stack allows.
+// whatever recurses as deep as the stack allows. Those of several stacks may end in any order.
 class HostStackScope {
  public:
   HostStackScope() noexcept;
@@ -37,7 +37,10 @@ class HostStackScope {
   HostStackScope& operator=(const HostStackScope&) = delete;
 
  private:
-  std::uintptr_t outerFloor_;
+  friend std::uintptr_t hostStackFloor() noexcept;
+
+  std::uintptr_t floor_;
+  HostStackScope* earlier_;
 };
 
 // Bytes of the host's stack that are left above the floor.

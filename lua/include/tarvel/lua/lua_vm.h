@@ -17,9 +17,9 @@
 //   else std::cout << result.value.toString() << '\n';       // 20
 //
 // Threads: a LuaVM, and every LuaFunctionHandle that came out of it, is used by one thread at a
-// time. Two LuaVM objects share nothing and may run on two threads at once. The depth of calls that
-// a script may reach follows from the stack of the thread that runs it; exceeding it is a script
-// error ("stack overflow"), never a crash.
+// time, and a run ends on the thread that began it. Two LuaVM objects share nothing and may run on
+// two threads at once. The depth of calls that a script may reach follows from the stack of the
+// thread that runs it; exceeding it is a script error ("stack overflow"), never a crash.
 
 namespace tarvel::lua {
 
