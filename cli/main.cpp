@@ -60,8 +60,7 @@ const char* messageOf(const std::exception& error) {
                                                                 : error.what();
 }
 
-// ---- The run modes; each returns the exit status or throws
-// -----------------------------------------------------------
+// ---- The run modes; each returns the exit status or throws --------------------------------------
 
 int printUsage(const char* program) {
   if (program == nullptr) program = "tarvellua";  // started without even a name
@@ -152,8 +151,7 @@ int run(Arguments arguments) {
   }
 }
 
-// ---- Around the run
-// --------------------------------------------------------------------------------------------------
+// ---- Around the run -----------------------------------------------------------------------------
 
 // A closed standard descriptor would be taken by the next file that is opened: a script's file
 // would then get what the script prints. What stands in here fails like a closed one.

@@ -380,8 +380,8 @@ struct GenericForStmt : Stmt {
   ArenaList<Expr*> iterators;
   Block* body;
   const Node* bodyNode = nullptr;  // what to execute for the body
-  SlotOffset iteratorOffset =
-      0;  // the running iterator; the values of the expression list start here
+  // The running iterator; the values of the expression list start here.
+  SlotOffset iteratorOffset = 0;
   SlotOffset firstNameOffset = 0;  // the names' slots follow each other
 };
 

@@ -37,12 +37,12 @@ struct NativeCode final : FunctionCode {
 // A function value: a script closure or a native function.
 struct FunctionObject : Object {
   const FunctionExpr* body;  // null for a native function
-  Environment*
-      environment;     // owned; what the closure captured, null where nothing around it has one
+  // Owned; what the closure captured, null where nothing around it has an environment.
+  Environment* environment;
   FunctionCode* code;  // owned
   StringObject* name;  // owned
-  LuaFunctionHandle* exported =
-      nullptr;  // the handle by which the host knows it, while there is one
+  // The handle by which the host knows the function, while there is one.
+  LuaFunctionHandle* exported = nullptr;
 
   // Return an owned reference. A closure shares all that it is given; a native function takes over
   // `nativeName`.

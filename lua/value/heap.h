@@ -19,10 +19,11 @@ namespace tarvel::lua::internal {
 // every block is a block of the system's allocator instead, and liveBlocks() counts them.
 class Heap {
  public:
-  static constexpr std::size_t kGranularity = 16;  // bytes; also the alignment of every block
-  static constexpr std::size_t kSmallLimit =
-      512;  // bytes; larger blocks come from the system's allocator
-  static constexpr std::size_t kSlabBytes = 1 << 16;  // a slab's size and alignment
+  // In bytes. Every block is aligned to the granularity; those larger than the limit come from the
+  // system's allocator; a slab's size is also its alignment.
+  static constexpr std::size_t kGranularity = 16;
+  static constexpr std::size_t kSmallLimit = 512;
+  static constexpr std::size_t kSlabBytes = 1 << 16;
 
   // A new heap with one owner.
   static Heap* create();

@@ -52,9 +52,8 @@ std::size_t hostStackRoom() noexcept;
 // Invariants:
 // - A slot at or above the live frames never owns anything. What empties a slot makes it nil first.
 // - No slot at or above the soft limit has ever been used since the limit was last lowered. The
-// limit rises in steps as
-//   frames need room, so after an error the sweep up to it finds everything that the abandoned
-//   frames owned.
+//   limit rises in steps as frames need room, so after an error the sweep up to it finds everything
+//   that the abandoned frames owned.
 class ValueStack {
  public:
   // Throws std::bad_alloc when not even a small reservation can be had.
