@@ -24,7 +24,7 @@ class MemoryCharge {
 
  private:
   static constexpr std::size_t kFree = 4096;  // bytes that are not worth counting
-  static constexpr std::size_t kStep = std::size_t{64} << 10;
+  static constexpr std::size_t kStep = std::size_t{8} << 10;
 
   void extend(std::size_t missing) {
     const std::size_t bytes = std::max(missing, kStep);
