@@ -59,6 +59,8 @@ TEST(PatternTest, KnowsWhatMatchesHaveInCommon) {
       {"a\\.b", "a.b", "", 1}, {"((a+)b)+", "a", "b", 1}, {".*b", "", "b", 254},
       {"-?[0-9]", "", "", 11}, {"[x-]a", "", "a", 2},     {"[a-c-z]", "", "", 5},
       {"(a)?b", "", "", 0},
+      // What `%]` in a set can leave behind it.
+      {"ab[a]|c]", "", "", 0}, {"a[b]{0}]", "", "", 0},   {"[a]\\f\\n ]", "", "", 0},
   };
   for (const auto& [expression, prefix, required, first] : cases) {
     const SearchHints hints = findSearchHints(expression);
