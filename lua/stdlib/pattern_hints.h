@@ -31,8 +31,7 @@ struct SearchHints {
   std::optional<char> required;
 };
 
-// `expression` is a translated pattern that std::regex has accepted. There is no alternation and no
-// counted repetition in those.
+// `expression` is a translated pattern that std::regex has accepted.
 SearchHints findSearchHints(std::string_view expression);
 
 }  // namespace tarvel::lua::internal
