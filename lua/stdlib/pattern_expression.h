@@ -17,7 +17,7 @@ struct RecursionBound {
   std::size_t statesAtOnce;  // between one byte of the subject and the next
   std::size_t statesPerByte;
 
-  static RecursionBound of(std::string_view pattern) noexcept;
+  static RecursionBound of(std::string_view pattern, std::string_view expression) noexcept;
 
   std::size_t stackForStep() const noexcept;  // bytes
   bool fitsIn(std::size_t stackBytes, std::size_t subjectLength) const noexcept;

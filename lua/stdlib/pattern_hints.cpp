@@ -137,27 +137,6 @@ bool mayHaveOptionalGroup(std::string_view expression) noexcept {
   return false;
 }
 
-// In a set, `%]` ends it early, and the rest of it stands outside as it is: an alternation, a
-// counted repetition or the escape of a control byte, which are found nowhere else. True also where
-// std::regex sees them in a set.
-bool mayHaveRestOfSet(std::string_view expression) noexcept {
-  bool inSet = false;
-  for (std::size_t i = 0; i < expression.size(); ++i) {
-    const char c = expression[i];
-    if (c == '\\') {
-      ++i;
-      if (!inSet && isAlphanumeric(expression[i])) return true;
-    } else if (inSet) {
-      inSet = c != ']';
-    } else if (c == '|' || c == '{') {
-      return true;
-    } else {
-      inSet = c == '[';
-    }
-  }
-  return false;
-}
-
 char onlyByteOf(const ByteSet& bytes) noexcept {
   std::size_t i = 0;
   while (!bytes[i]) ++i;
@@ -239,6 +218,24 @@ class HintCollector {
 };
 
 }  // namespace
+
+bool mayHaveRestOfSet(std::string_view expression) noexcept {
+  bool inSet = false;
+  for (std::size_t i = 0; i < expression.size(); ++i) {
+    const char c = expression[i];
+    if (c == '\\') {
+      ++i;
+      if (!inSet && isAlphanumeric(expression[i])) return true;
+    } else if (inSet) {
+      inSet = c != ']';
+    } else if (c == '|' || c == '{') {
+      return true;
+    } else {
+      inSet = c == '[';
+    }
+  }
+  return false;
+}
 
 SearchHints findSearchHints(std::string_view expression) {
   SearchHints hints;

@@ -31,6 +31,11 @@ struct SearchHints {
   std::optional<char> required;
 };
 
+// In a set, `%]` ends it early, and the rest of it stands outside as it is: an alternation, a
+// counted repetition or the escape of a control byte, which are found nowhere else. True also where
+// std::regex sees them in a set.
+bool mayHaveRestOfSet(std::string_view expression) noexcept;
+
 // `expression` is a translated pattern that std::regex has accepted.
 SearchHints findSearchHints(std::string_view expression);
 
