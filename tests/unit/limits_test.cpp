@@ -75,6 +75,19 @@ TEST(Recursion, IsAnErrorOnEveryStack) {
   }
 }
 
+// However many statements a block has, it takes no more of the host's stack than other levels do.
+TEST(Recursion, ThroughLongBlocksIsAnErrorToo) {
+  std::string blocks = "f()";
+  for (int i = 0; i < 150; ++i) {
+    std::string block = "if true then ";
+    for (int statement = 0; statement < 19; ++statement) block += "x = 1 ";
+    blocks = block + blocks + " end";
+  }
+  const std::string source = "n = 0 function f() n = n + 1 " + blocks + " end f()";
+  for (std::size_t size = 8; size < 16; ++size)
+    runOnStack(size * kMegabyte, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
+}
+
 // A run inside a run inside a run.
 std::string recurseThroughHost() {
   LuaVM vm;
