@@ -105,7 +105,11 @@ Value runFunctionInEnvironment(const Node* node, Value* base) {
 
 // ---- Choosing how a block runs ------------------------------------------------------------------
 
+#ifdef __OPTIMIZE__
 constexpr std::uint32_t kLongestUnrolled = 20;  // statements
+#else
+constexpr std::uint32_t kLongestUnrolled = 1;  // each would have a frame on the host's stack
+#endif
 
 struct Runners {
   NodeFunction plain;
