@@ -269,6 +269,7 @@ TEST(PatternTest, WatchingTheStackChangesNoResult) {
   EXPECT_EQ(
       outcomeOn(std::size_t{256} << 10, "return string.match('key = value', '(%w+)%s*=%s*(%w+)')"),
       "{key, value}");
+  EXPECT_EQ(outcomeOn(std::size_t{256} << 10, "return #string.match('-' .. big, '%w+')"), "50000");
 }
 
 }  // namespace
