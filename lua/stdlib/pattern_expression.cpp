@@ -138,7 +138,7 @@ bool PatternExpression::search(std::string_view subject, std::size_t from, Patte
       match.set(subject, static_cast<std::size_t>(next - subject.data()), hints_.prefix.size());
       return true;
     }
-    if (hints_.isRun && hasRoom(subject, next)) {
+    if (hints_.isRun) {
       const char* const end = endOfRun(subject, next, *hints_.first);
       match.set(subject, static_cast<std::size_t>(next - subject.data()),
                 static_cast<std::size_t>(end - next));
@@ -189,22 +189,18 @@ const char* PatternExpression::skipFailed(std::string_view subject,
   return std::max(endOfRun(subject, candidate, *hints_.run), candidate + 1);
 }
 
-bool PatternExpression::hasRoom(std::string_view subject, const char* first) const noexcept {
-  const char* const end = subject.data() + subject.size();
-  return bound_.fitsIn(hostStackRoom(), static_cast<std::size_t>(end - first));
-}
-
 bool PatternExpression::searchFrom(const char* first, std::string_view subject,
                                    std::regex_constants::match_flag_type flags,
                                    PatternMatch& match) {
   const char* const end = subject.data() + subject.size();
-  if (hasRoom(subject, first)) {
+  const std::size_t room = hostStackRoom();
+  if (bound_.fitsIn(room, static_cast<std::size_t>(end - first))) {
     if (!std::regex_search(first, end, results_, expression_, flags)) return false;
     report(results_, subject, match);
     return true;
   }
   // It may still do, because few searches go as deep as the subject is long.
-  if (bound_.stackForStep() > hostStackRoom()) failStack();
+  if (bound_.stackForStep() > room) failStack();
   SearchStackLimit::set(hostStackFloor() + bound_.stackForStep());
   const bool found = std::regex_search(GuardedPosition(first), GuardedPosition(end),
                                        guardedResults_, expression_, flags);

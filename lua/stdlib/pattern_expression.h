@@ -43,8 +43,6 @@ class PatternExpression {
   // Where the bytes in `set` that start at a position end.
   static const char* endOfRun(std::string_view subject, const char* start,
                               const ByteSet& set) noexcept;
-  // Whether the matcher has stack for everything from `first` on.
-  bool hasRoom(std::string_view subject, const char* first) const noexcept;
   // Where to go on when there was no match at a candidate.
   const char* skipFailed(std::string_view subject, const char* candidate) const noexcept;
   // Tries the positions from `first` on, or only that one with match_continuous.
