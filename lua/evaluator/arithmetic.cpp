@@ -5,9 +5,9 @@
 #include "lua/evaluator/operators.h"
 #include "lua/value/completion.h"
 
-// The nodes of `+`, `-`, `*`, `/` and `%`. Two integers and two floats are done in place;
-// everything else, errors included, goes through the operators' rules out of line, so that the
-// common path needs no frame of its own.
+// The nodes of `+`, `-`, `*`, `/` and `%`. What inline_arithmetic.h does is done in place;
+// everything else goes through the operators' rules out of line, so that the common path needs no
+// frame of its own.
 
 namespace tarvel::lua::internal {
 

@@ -6,13 +6,13 @@
 #include "lua/value/number_rules.h"
 #include "lua/value/value.h"
 
-// The arithmetic operators where they take no more than a few instructions. Everything else goes
-// through operators.h.
+// The arithmetic operators where they take no more than a few instructions. Everything else, errors
+// included, goes through operators.h.
 
 namespace tarvel::lua::internal {
 
-// Each operator: its result for two integers and for two floats, where that takes no more than a
-// few instructions. False leaves the case to the rules out of line.
+// Each operator: its result for two integers and for two floats. False leaves the case to the rules
+// out of line.
 
 struct Add {
   static constexpr TokenKind kToken = TokenKind::Plus;

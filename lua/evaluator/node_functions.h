@@ -58,7 +58,6 @@ bool testValue(const Node* node, Value* base);
 // to do.
 const Node* bodyNodeOf(const Block& block) noexcept;
 
-// What to execute for a returned expression: the value, or all values of a call.
 inline bool isFrameVariable(const Expr& expression) noexcept {
   return expression.kind == ExprKind::Variable &&
          static_cast<const VariableExpr&>(expression).home == VariableHome::Frame;

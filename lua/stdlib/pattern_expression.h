@@ -40,7 +40,7 @@ class PatternExpression {
 
   // The first position from `next` on where a match may start; null if there is none.
   const char* findCandidate(std::string_view subject, const char* next) const noexcept;
-  // Where the bytes in `set` that start at a position end.
+  // Where the run of bytes in `set` that starts at `start` ends.
   static const char* endOfRun(std::string_view subject, const char* start,
                               const ByteSet& set) noexcept;
   // Where to go on when there was no match at a candidate.
