@@ -56,11 +56,17 @@ TEST(PatternTest, TranslatesToExpressions) {
 TEST(PatternTest, KnowsWhatMatchesHaveInCommon) {
   const std::tuple<const char*, std::string, std::string, std::size_t> cases[] = {
       // The expression, its matches' prefix, a text in all of them, the bytes they may start with.
-      {"a\\.b", "a.b", "", 1}, {"((a+)b)+", "a", "b", 1}, {".*b", "", "b", 254},
-      {"-?[0-9]", "", "", 11}, {"[x-]a", "", "a", 2},     {"[a-c-z]", "", "", 5},
+      {"a\\.b", "a.b", "", 1},
+      {"((a+)b)+", "a", "b", 1},
+      {".*b", "", "b", 254},
+      {"-?[0-9]", "", "", 11},
+      {"[x-]a", "", "a", 2},
+      {"[a-c-z]", "", "", 5},
       {"(a)?b", "", "", 0},
       // What `%]` in a set can leave behind it.
-      {"ab[a]|c]", "", "", 0}, {"a[b]{0}]", "", "", 0},   {"[a]\\f\\n ]", "", "", 0},
+      {"ab[a]|c]", "", "", 0},
+      {"a[b]{0}]", "", "", 0},
+      {"[a]\\f\\n ]", "", "", 0},
   };
   for (const auto& [expression, prefix, required, first] : cases) {
     const SearchHints hints = findSearchHints(expression);
@@ -242,6 +248,7 @@ TEST(PatternTest, DeepRecursionGivesTheRightAnswerOrAnError) {
       {"local first, last = string.find(big, '^(a*)*$') return last", "50000"},
       {"local first, last = string.find(big .. 'b', '^(a?)-b') return last", "50001"},
       {"local first, last = string.find(big, '^(?=(a*)a)a*$') return last", "50000"},
+      {"local first = string.find('a]', '[a%](b?){1000}]') return first", "1"},
       {"return string.find('ba', string.rep('b-', 2000) .. 'a')", "{1, 2}"},
       {"return string.find('a', string.rep('(', 2000) .. 'b' .. string.rep(')', 2000))", "nil"},
   };
