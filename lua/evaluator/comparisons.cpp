@@ -204,6 +204,21 @@ Value executeLadder(const Node* node, Value* base) {
 // Products are rare here.
 constexpr std::size_t kShapes = static_cast<std::size_t>(OperandShape::Product);
 
+// A field is tried as a number; where it is compared with a literal that is none, in vain.
+OperandShapes comparisonShapes(const BinaryExpr& node) noexcept {
+  OperandShapes shapes = operandShapes(node);
+  const auto isOtherLiteral = [](const Expr& operand) {
+    return isLiteral(operand) && !literalValue(operand).isNumber();
+  };
+  if (shapes.left == OperandShape::Field && isOtherLiteral(*node.right)) {
+    shapes.left = OperandShape::Other;
+  }
+  if (shapes.right == OperandShape::Field && isOtherLiteral(*node.left)) {
+    shapes.right = OperandShape::Other;
+  }
+  return shapes;
+}
+
 bool isComparison(TokenKind op) noexcept {
   return op >= TokenKind::Equal && op <= TokenKind::GreaterEqual;
 }
@@ -235,7 +250,8 @@ void withComparison(TokenKind op, Use use) {
 }  // namespace
 
 void chooseComparison(BinaryExpr& node) {
-  const OperandShapes shapes = noteOperands(node);
+  noteOperands(node);
+  const OperandShapes shapes = comparisonShapes(node);
   withComparison(node.op, [&]<class Kind>(Kind) {
     node.execute = chooseByShapes<Kind::template AsValue, NodeFunction, kShapes>(shapes);
     node.test = chooseByShapes<Kind::template Condition, ConditionFunction, kShapes>(shapes);
@@ -247,7 +263,7 @@ void chooseIf(IfStmt& statement) {
   if (statement.condition->kind == ExprKind::Binary) {
     const auto& condition = static_cast<const BinaryExpr&>(*statement.condition);
     if (isComparison(condition.op)) {
-      const OperandShapes shapes = operandShapes(condition);
+      const OperandShapes shapes = comparisonShapes(condition);
       withComparison(condition.op, [&]<class Kind>(Kind) {
         statement.execute =
             hasElse ? chooseByShapes<Kind::template IfElse, NodeFunction, kShapes>(shapes)
