@@ -280,6 +280,15 @@ void needMuchMemory(LuaVM& vm) {
   EXPECT_EQ("i100000000", run(vm, "return #string.rep('x', 100000000)"));
 }
 
+// In bytes.
+std::size_t peakMemory() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<std::size_t>(usage.ru_maxrss) * kKilobyte;
+}
+
+constexpr std::size_t kMostPeakMemory = kLittleMemory + 64 * kMegabyte;
+
 // Runs a script in this process with little memory and ends the process, with status 0 if the
 // script returned true and the interpreter still runs others. Either the system enforces the limit,
 // or the interpreter does, by its own count.
@@ -293,12 +302,9 @@ void needMuchMemory(LuaVM& vm) {
   }
   const std::string text = run(vm, script);
   const std::string afterwards = run(vm, kBusyScript);
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  const auto peak = static_cast<std::size_t>(usage.ru_maxrss) * kKilobyte;
+  const std::size_t peak = peakMemory();
   std::cerr << text << ' ' << afterwards << ' ' << peak << '\n';
-  _exit(text == "true" && afterwards == kBusyOutcome && peak < kLittleMemory + 64 * kMegabyte ? 0
-                                                                                              : 1);
+  _exit(text == "true" && afterwards == kBusyOutcome && peak < kMostPeakMemory ? 0 : 1);
 }
 
 void expectNotEnoughMemory(const std::string& script) {
@@ -376,11 +382,9 @@ TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
     return LuaValue();
   });
   run(vm, script);
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  const auto peak = static_cast<std::size_t>(usage.ru_maxrss) * kKilobyte;
+  const std::size_t peak = peakMemory();
   std::cerr << innermost << ' ' << peak << '\n';
-  _exit(innermost == "error not enough memory" && peak < kLittleMemory + 64 * kMegabyte ? 0 : 1);
+  _exit(innermost == "error not enough memory" && peak < kMostPeakMemory ? 0 : 1);
 }
 
 TEST(Memory, ArgumentsForTheHostCount) {
