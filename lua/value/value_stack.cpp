@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <mutex>
 #include <new>
 
 namespace tarvel::lua::internal {
@@ -42,34 +43,53 @@ StackBounds threadStackBounds() noexcept {
   return bounds;
 }
 
-thread_local HostStackScope* latestScope = nullptr;
-
-// Whether a floor is that of the stack on which the stack pointer is `here`.
-bool isFloorOf(std::uintptr_t floor, std::uintptr_t here) noexcept {
-  return here >= floor - kHostReserve && here <= floor + kUnknownStackBudget;
+const StackBounds& boundsOfThisThread() noexcept {
+  thread_local const StackBounds bounds = threadStackBounds();
+  return bounds;
 }
+
+bool isOnThreadStack(std::uintptr_t here) noexcept {
+  const StackBounds& bounds = boundsOfThisThread();
+  return here > bounds.low && here <= bounds.high;
+}
+
+// The scopes on stacks of the hosts' own, of all threads: what runs on such a stack may go on on
+// another thread, and no two stacks have the same addresses.
+std::mutex scopesMutex;
+HostStackScope* latestScope = nullptr;
 
 }  // namespace
 
-HostStackScope::HostStackScope() noexcept : floor_(hostStackFloor()), earlier_(latestScope) {
+HostStackScope::HostStackScope() noexcept
+    : floor_(hostStackFloor()), isListed_(!isOnThreadStack(hostStackPointer())) {
+  if (!isListed_) return;
+  const std::lock_guard lock(scopesMutex);
+  earlier_ = latestScope;
   latestScope = this;
 }
 
 HostStackScope::~HostStackScope() {
+  if (!isListed_) return;
+  const std::lock_guard lock(scopesMutex);
   HostStackScope** link = &latestScope;
   while (*link != this) link = &(*link)->earlier_;
   *link = earlier_;
 }
 
-std::uintptr_t hostStackFloor() noexcept {
-  thread_local const StackBounds bounds = threadStackBounds();
-  const std::uintptr_t here = hostStackPointer();
-  if (here <= bounds.low || here > bounds.high) {
-    for (const HostStackScope* scope = latestScope; scope != nullptr; scope = scope->earlier_) {
-      if (isFloorOf(scope->floor_, here)) return scope->floor_;
-    }
-    return here - kUnknownStackBudget;
+std::uintptr_t HostStackScope::floorOfSwitchedStack(std::uintptr_t here) noexcept {
+  const std::lock_guard lock(scopesMutex);
+  std::uintptr_t floorAbove = 0;  // of a stack that is used up
+  for (const HostStackScope* scope = latestScope; scope != nullptr; scope = scope->earlier_) {
+    if (here - scope->floor_ <= kUnknownStackBudget) return scope->floor_;
+    if (scope->floor_ - here <= kHostReserve) floorAbove = scope->floor_;
   }
+  return floorAbove != 0 ? floorAbove : here - kUnknownStackBudget;
+}
+
+std::uintptr_t hostStackFloor() noexcept {
+  const std::uintptr_t here = hostStackPointer();
+  if (!isOnThreadStack(here)) return HostStackScope::floorOfSwitchedStack(here);
+  const StackBounds& bounds = boundsOfThisThread();
   return bounds.low + std::min<std::size_t>(kHostReserve, (bounds.high - bounds.low) / 4);
 }
 

@@ -27,8 +27,9 @@ inline std::uintptr_t hostStackPointer() noexcept {
 // the host switched to itself, whose bounds nobody knows, from where a HostStackScope began.
 std::uintptr_t hostStackFloor() noexcept;
 
-// Notes the floor for everything that runs on this thread and stack while it lives. Stands around
-// whatever recurses as deep as the stack allows. Those of several stacks may end in any order.
+// Notes the floor for everything that runs on this stack while it lives. Stands around whatever
+// recurses as deep as the stack allows. Those of several stacks may end in any order, and on
+// another thread than they began on.
 class HostStackScope {
  public:
   HostStackScope() noexcept;
@@ -38,9 +39,11 @@ class HostStackScope {
 
  private:
   friend std::uintptr_t hostStackFloor() noexcept;
+  static std::uintptr_t floorOfSwitchedStack(std::uintptr_t here) noexcept;
 
   std::uintptr_t floor_;
-  HostStackScope* earlier_;
+  bool isListed_;  // on a stack that the host switched to
+  HostStackScope* earlier_ = nullptr;
 };
 
 // Bytes of the host's stack that are left above the floor.

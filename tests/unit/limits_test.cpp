@@ -17,6 +17,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -175,7 +176,8 @@ __attribute__((noinline)) std::string runFromDeeper(LuaVM& vm) {
   return run(vm, std::string("return ") + room[0]);
 }
 
-// Two runs that end in the order in which they began, then one on the first one's stack.
+// Two runs that end in the order in which they began, one of them on another thread, then one on
+// the first one's stack.
 TEST(Recursion, IsBoundedOnEachOfSeveralSwitchedStacks) {
   if (kSanitized) GTEST_SKIP() << "a sanitizer has to be told of such a stack";
   LuaVM vms[2];
@@ -194,7 +196,7 @@ TEST(Recursion, IsBoundedOnEachOfSeveralSwitchedStacks) {
   SwitchedStack second(512 * kKilobyte, [&] { runAndSuspend(vms[1], second); });
   first.begin();
   second.begin();
-  first.resume();
+  std::thread([&] { first.resume(); }).join();
   second.resume();
   again = true;
   first.begin();
