@@ -109,13 +109,6 @@ Value storeVariable(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-Value declareNil(const Node* node, Value* base) {
-  for (const AssignTarget& target : asAssignment(node)->targets) {
-    replaceSlot(variableSlot(static_cast<const VariableExpr*>(target.expression), base), Value());
-  }
-  return normalCompletion();
-}
-
 // `s = s .. x`: appends in place where nobody else holds the string. The old s is the left operand
 // also when evaluating the others changes s, so s is held meanwhile, and the append is in place
 // only if s still is that very string.
@@ -271,7 +264,18 @@ Value assignSeveral(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-// The values are evaluated where the locals will live.
+// ---- Declarations -------------------------------------------------------------------------------
+
+// The values of a declaration are evaluated where the locals will live: in slots above the live
+// locals, which own nothing yet.
+
+Value declareNil(const Node* node, Value* base) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  Value* const slots = &slotAt(base, statement->temporariesOffset);
+  for (std::uint32_t i = 0; i < statement->targets.size; ++i) slots[i] = Value();
+  return normalCompletion();
+}
+
 Value declareSeveral(const Node* node, Value* base) {
   const AssignmentStmt* const statement = asAssignment(node);
   Value* const slots = &slotAt(base, statement->temporariesOffset);
@@ -280,17 +284,59 @@ Value declareSeveral(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-Value declareFunction(const Node* node, Value* base) {
-  const auto* const statement = static_cast<const FunctionDeclarationStmt*>(node);
-  const Expr* const target = statement->target.expression;
-  const Value function = evaluateExpression(statement->function, base);
-  if (target->kind == ExprKind::Variable) {
-    replaceSlot(variableSlot(static_cast<const VariableExpr*>(target), base), function);
-    return normalCompletion();
+// Any declaration of which some locals live in environments.
+template <NodeFunction Declare>
+Value declareShared(const Node* node, Value* base) {
+  Declare(node, base);
+  for (const AssignTarget& target : asAssignment(node)->targets) {
+    const auto& name = static_cast<const VariableExpr&>(*target.expression);
+    if (name.home == VariableHome::OwnEnvironment) {
+      moveToEnvironment(node->interpreter->heap, slotAt(base, name.offset));
+    }
   }
-  Value& slot = slotAt(base, static_cast<const FieldExpr*>(target)->temporariesOffset);
-  slot = function;
-  assignTarget(statement->target, slot, base, node->line);
+  return normalCompletion();
+}
+
+const VariableExpr* declaredVariable(const Node* node) noexcept {
+  const auto* const statement = static_cast<const FunctionDeclarationStmt*>(node);
+  return static_cast<const VariableExpr*>(statement->target.expression);
+}
+
+Value makeDeclaredFunction(const Node* node, Value* base) {
+  const Expr* const function = static_cast<const FunctionDeclarationStmt*>(node)->function;
+  return evaluateExpression(function, base);
+}
+
+Value declareFunction(const Node* node, Value* base) {
+  const Value function = makeDeclaredFunction(node, base);
+  slotAt(base, declaredVariable(node)->offset) = function;
+  return normalCompletion();
+}
+
+// The function may capture its own name, which therefore gets its home first.
+Value declareSharedFunction(const Node* node, Value* base) {
+  Value& slot = slotAt(base, declaredVariable(node)->offset);
+  slot = Value();
+  moveToEnvironment(node->interpreter->heap, slot);
+  const Value function = makeDeclaredFunction(node, base);
+  slot.environment->slot = function;
+  return normalCompletion();
+}
+
+// `function f`, where f is a global or a local that was declared before.
+Value storeFunctionInVariable(const Node* node, Value* base) {
+  const Value function = makeDeclaredFunction(node, base);
+  replaceSlot(variableSlot(declaredVariable(node), base), function);
+  return normalCompletion();
+}
+
+// `function a.b`.
+Value storeFunctionInField(const Node* node, Value* base) {
+  const auto* const statement = static_cast<const FunctionDeclarationStmt*>(node);
+  const auto* const target = static_cast<const FieldExpr*>(statement->target.expression);
+  Value& slot = slotAt(base, target->temporariesOffset);
+  slot = makeDeclaredFunction(node, base);
+  storeIntoField(target, slot, base, node->line);
   return normalCompletion();
 }
 
@@ -320,13 +366,17 @@ void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) 
     statement.execute = appendToVariable;
   } else if (target.home == VariableHome::Global) {
     statement.execute = storeGlobal;
-  } else if (target.home != VariableHome::Frame) {
+  } else if (target.home != VariableHome::Frame && !statement.isLocal) {
     statement.execute = storeVariable;
   } else {
     statement.targetOffset = target.offset;
     const bool ownsNothing = target.variable->scalar || statement.isLocal;
     statement.execute = ownsNothing ? storeScalarLocal : storeLocal;
-    if (ownsNothing && isArithmetic(*statement.value)) chooseArithmeticStore(statement);
+    if (target.home != VariableHome::Frame) {
+      statement.execute = declareShared<storeScalarLocal>;
+    } else if (ownsNothing && isArithmetic(*statement.value)) {
+      chooseArithmeticStore(statement);
+    }
   }
 }
 
@@ -364,15 +414,20 @@ bool allInFrame(const AssignmentStmt& statement) noexcept {
   return true;
 }
 
+template <NodeFunction Declare>
+NodeFunction declaration(const AssignmentStmt& statement) noexcept {
+  return allInFrame(statement) ? Declare : declareShared<Declare>;
+}
+
 }  // namespace
 
 void chooseAssignment(AssignmentStmt& statement) {
   if (statement.values.empty()) {
-    statement.execute = declareNil;
+    statement.execute = declaration<declareNil>(statement);
     return;
   }
   if (statement.targets.size != 1 || statement.values.size != 1) {
-    statement.execute = statement.isLocal && allInFrame(statement) ? declareSeveral : assignSeveral;
+    statement.execute = statement.isLocal ? declaration<declareSeveral>(statement) : assignSeveral;
     return;
   }
   Expr& target = *statement.targets[0].expression;
@@ -387,7 +442,14 @@ void chooseAssignment(AssignmentStmt& statement) {
 }
 
 void chooseFunctionDeclaration(FunctionDeclarationStmt& statement) {
-  statement.execute = declareFunction;
+  const Expr& target = *statement.target.expression;
+  if (target.kind == ExprKind::Field) {
+    statement.execute = storeFunctionInField;
+  } else if (!statement.isLocal) {
+    statement.execute = storeFunctionInVariable;
+  } else {
+    statement.execute = isFrameVariable(target) ? declareFunction : declareSharedFunction;
+  }
 }
 
 }  // namespace tarvel::lua::internal

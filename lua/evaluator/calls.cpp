@@ -53,7 +53,7 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
 }
 
 // Runs a script function whose parameters stand in frame[1] on, all of them set.
-inline Value runBody(const FunctionExpr* body, Value* frame) {
+[[gnu::always_inline]] inline Value runBody(const FunctionExpr* body, Value* frame) {
   const Value completion = executeStatement(body->entry, frame + 1);
   if (!isSingleValue(completion)) [[unlikely]]
     return finishWithoutSingleValue(frame, body, completion);
@@ -110,7 +110,8 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, un
 // The common case: a script function that takes exactly the arguments it gets, with room on both
 // stacks.
 template <std::uint32_t Count>
-inline Value callFixed(LuaVM::Impl& interpreter, Value* frame, unsigned line) {
+[[gnu::always_inline]] inline Value callFixed(LuaVM::Impl& interpreter, Value* frame,
+                                              unsigned line) {
   const Value callee = frame[0];
   if (callee.tag == kFunction) [[likely]] {
     const FunctionExpr* const body = callee.function->body;
@@ -134,8 +135,20 @@ struct GlobalCallee {
 
 struct CapturedCallee {
   static Value load(const CallExpr* call, Value* base) noexcept {
+    return retain(captureOf(static_cast<const VariableExpr*>(call->callee), base));
+  }
+};
+
+struct SharedCallee {
+  static Value load(const CallExpr* call, Value* base) noexcept {
     const auto* const variable = static_cast<const VariableExpr*>(call->callee);
-    return retain(runningFunction(base)->environment->slots()[variable->environmentIndex]);
+    return retain(captureOf(variable, base).environment->slot);
+  }
+};
+
+struct FrameCallee {
+  static Value load(const CallExpr* call, Value* base) noexcept {
+    return retain(slotAt(base, static_cast<const VariableExpr*>(call->callee)->offset));
   }
 };
 
@@ -157,14 +170,37 @@ inline void evaluateArguments(const CallExpr* call, Value* first, Value* base) {
   }
 }
 
-template <class Callee, std::uint32_t Count>
-Value callFunction(const Node* node, Value* base) {
-  const CallExpr* const call = asCall(node);
-  Value* const frame = &slotAt(base, call->frameOffset);
-  frame[0] = Callee::load(call, base);
-  evaluateArguments<Count>(call, frame + 1, base);
-  return callFixed<Count>(*call->interpreter, frame, call->line);
-}
+template <class Callee>
+struct FunctionCall {
+  template <std::uint32_t Count>
+  struct Of {
+    static Value run(const Node* node, Value* base) {
+      const CallExpr* const call = asCall(node);
+      Value* const frame = &slotAt(base, call->frameOffset);
+      frame[0] = Callee::load(call, base);
+      evaluateArguments<Count>(call, frame + 1, base);
+      return callFixed<Count>(*call->interpreter, frame, call->line);
+    }
+  };
+};
+
+// A function that calls itself by its name, with exactly the arguments that it takes.
+template <std::uint32_t Count>
+struct RunningFunctionCall {
+  static Value run(const Node* node, Value* base) {
+    const CallExpr* const call = asCall(node);
+    Value* const frame = &slotAt(base, call->frameOffset);
+    frame[0] = base[-1];
+    ++frame[0].function->count;
+    evaluateArguments<Count>(call, frame + 1, base);
+    const FunctionExpr* const body = base[-1].function->body;
+    if (call->interpreter->stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
+        [[likely]] {
+      return runBody(body, frame);
+    }
+    return callAny(*call->interpreter, frame, Count, call->line);
+  }
+};
 
 // The receiver is evaluated once, then the method is looked up, then the other arguments are
 // evaluated.
@@ -178,13 +214,15 @@ inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
 }
 
 template <std::uint32_t Count>
-Value callMethod(const Node* node, Value* base) {
-  const CallExpr* const call = asCall(node);
-  Value* const frame = &slotAt(base, call->frameOffset);
-  lookUpMethod(call, frame, base);
-  evaluateArguments<Count>(call, frame + 2, base);
-  return callFixed<Count + 1>(*call->interpreter, frame, call->line);
-}
+struct MethodCall {
+  static Value run(const Node* node, Value* base) {
+    const CallExpr* const call = asCall(node);
+    Value* const frame = &slotAt(base, call->frameOffset);
+    lookUpMethod(call, frame, base);
+    evaluateArguments<Count>(call, frame + 2, base);
+    return callFixed<Count + 1>(*call->interpreter, frame, call->line);
+  }
+};
 
 // Any number of arguments, the last of which may be a call that gives several.
 Value callWithMany(const Node* node, Value* base) {
@@ -234,36 +272,46 @@ void choose(CallExpr& call) {
   call.test = testResult<Multi>;
 }
 
-template <class Callee>
-void chooseFunctionCall(CallExpr& call) {
+// Chooses `Form<Count>::run` for the call's number of arguments.
+template <template <std::uint32_t> class Form>
+void chooseByCount(CallExpr& call) {
   switch (call.arguments.size) {
     case 0:
-      return choose<callFunction<Callee, 0>>(call);
+      return choose<Form<0>::run>(call);
     case 1:
-      return choose<callFunction<Callee, 1>>(call);
+      return choose<Form<1>::run>(call);
     case 2:
-      return choose<callFunction<Callee, 2>>(call);
+      return choose<Form<2>::run>(call);
     case 3:
-      return choose<callFunction<Callee, 3>>(call);
+      return choose<Form<3>::run>(call);
     case 4:
-      return choose<callFunction<Callee, 4>>(call);
+      return choose<Form<4>::run>(call);
     default:
       return choose<callWithMany>(call);
   }
 }
 
-void chooseMethodCall(CallExpr& call) {
-  switch (call.arguments.size) {
-    case 0:
-      return choose<callMethod<0>>(call);
-    case 1:
-      return choose<callMethod<1>>(call);
-    case 2:
-      return choose<callMethod<2>>(call);
-    case 3:
-      return choose<callMethod<3>>(call);
-    default:
-      return choose<callWithMany>(call);
+bool takesItsArguments(const CallExpr& call, const FunctionExpr& function) noexcept {
+  return function.parameterCount == call.arguments.size;
+}
+
+void chooseFunctionCall(CallExpr& call, const VariableExpr& callee) {
+  switch (callee.home) {
+    case VariableHome::Frame:
+      return chooseByCount<FunctionCall<FrameCallee>::Of>(call);
+    case VariableHome::OwnEnvironment:
+      return chooseByCount<FunctionCall<OtherCallee>::Of>(call);
+    case VariableHome::CapturedValue:
+      return chooseByCount<FunctionCall<CapturedCallee>::Of>(call);
+    case VariableHome::CapturedEnvironment:
+      return chooseByCount<FunctionCall<SharedCallee>::Of>(call);
+    case VariableHome::RunningFunction:
+      if (takesItsArguments(call, *callee.variable->function)) {
+        return chooseByCount<RunningFunctionCall>(call);
+      }
+      return chooseByCount<FunctionCall<OtherCallee>::Of>(call);
+    case VariableHome::Global:
+      return chooseByCount<FunctionCall<GlobalCallee>::Of>(call);
   }
 }
 
@@ -283,14 +331,11 @@ bool lastMayExpand(const CallExpr& call) noexcept {
 
 void chooseCall(CallExpr& call) {
   if (lastMayExpand(call)) return choose<callWithMany>(call);
-  if (call.object != nullptr) return chooseMethodCall(call);
+  if (call.object != nullptr) return chooseByCount<MethodCall>(call);
   if (call.callee->kind == ExprKind::Variable) {
-    const auto& variable = static_cast<const VariableExpr&>(*call.callee);
-    if (variable.home == VariableHome::Global) return chooseFunctionCall<GlobalCallee>(call);
-    if (variable.home == VariableHome::Captured && variable.hops == 0)
-      return chooseFunctionCall<CapturedCallee>(call);
+    return chooseFunctionCall(call, static_cast<const VariableExpr&>(*call.callee));
   }
-  chooseFunctionCall<OtherCallee>(call);
+  chooseByCount<FunctionCall<OtherCallee>::Of>(call);
 }
 
 void chooseCallStatement(ExpressionStmt& statement) { statement.execute = executeCallStatement; }
@@ -351,8 +396,8 @@ bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const V
 MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {
   Value* const frame = stack.top();
   if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->line);
-  frame[0] = Value(
-      internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, nullptr));
+  frame[0] =
+      Value(internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, 0));
   return takeResults(callFrame(frame, 0, chunk.main->line));
 }
 

@@ -141,21 +141,36 @@ Value evaluateEmptyTable(const Node* node, Value*) {
 
 // ---- Function expressions -----------------------------------------------------------------------
 
-// The environment that a closure made here captures; null where nothing around it has one.
-Environment* environmentToCapture(const FunctionExpr* function, Value* base) {
-  if (!function->capturesOwn) return runningFunction(base)->environment;
-  const Value& owner = slotAt(base, function->captureOffset);
-  // The planner gave the scope an environment, and its block made it; anything else is a fault of
-  // ours.
-  if (owner.tag != kEnvironment)
-    throw std::runtime_error("attempted to capture a non-owning TarvelLua environment");
-  return owner.environment;
+// Borrowed.
+Value valueToCapture(const CaptureSource& source, Value* base) noexcept {
+  switch (source.from) {
+    case CaptureSource::From::Slot:
+      return slotAt(base, source.place);
+    case CaptureSource::From::Capture:
+      return runningFunction(base)->captures()[source.place];
+    case CaptureSource::From::RunningFunction:
+      break;
+  }
+  return base[-1];
 }
 
 Value makeScriptFunction(const Node* node, Value* base) {
-  const auto* const function = static_cast<const FunctionExpr*>(node);
-  return Value(FunctionObject::createClosure(node->interpreter->heap, function, function->chunk,
-                                             function->name, environmentToCapture(function, base)));
+  const auto* const expression = static_cast<const FunctionExpr*>(node);
+  const ArenaList<CaptureSource>& captures = expression->captures;
+  FunctionObject* const function = FunctionObject::createClosure(
+      node->interpreter->heap, expression, expression->chunk, expression->name, captures.size);
+  bool isSound = true;
+  for (std::uint32_t i = 0; i < captures.size; ++i) {
+    const Value captured = valueToCapture(captures[i], base);
+    isSound &= (captured.tag == kEnvironment) == captures[i].isEnvironment;
+    new (&function->captures()[i]) Value(retain(captured));
+  }
+  if (isSound) [[likely]]
+    return Value(function);
+  // The planner gave the variable a home, and its declaration made it; anything else is a fault of
+  // ours.
+  drop(Value(function));
+  throw std::runtime_error("attempted to capture a non-owning TarvelLua environment");
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 namespace tarvel::lua {
 
 void LuaVM::Impl::planFrames(internal::ResolvedChunk& chunk) {
-  stack.announceFrame(internal::FramePlanner().planChunk(chunk));
+  stack.announceFrame(internal::FramePlanner(chunk, heap).planChunk());
 }
 
 namespace internal {
@@ -30,46 +30,39 @@ SlotOffset offsetOf(std::uint32_t slot) {
   return slot * static_cast<SlotOffset>(sizeof(Value));
 }
 
-// Closures share what they refer to, and a closure keeps all of a scope's releasable variables
-// alive, named or not.
-bool belongsInEnvironment(const LocalVariable& variable) {
-  return variable.captured || (variable.scope->containsFunction && !variable.scalar);
+// What noting one capture takes of memory while a chunk is planned.
+constexpr std::size_t kBytesPerCapture = 96;
+
+// The function is the variable's value for as long as the variable can be seen.
+bool isNamedBy(const FunctionExpr& function, const LocalVariable& variable) {
+  return variable.function == &function && !variable.inEnvironment();
 }
 
 }  // namespace
 
-std::uint32_t FramePlanner::planChunk(ResolvedChunk& chunk) {
-  planFunction(*chunk.main);
+std::uint32_t FramePlanner::planChunk() {
+  planFunction(*chunk_.main);
   return largestFrame_;
 }
 
 void FramePlanner::planFunction(FunctionExpr& function) {
-  FunctionExpr* const enclosing = std::exchange(function_, &function);
-  const std::uint32_t enclosingSlots = std::exchange(frameSlots_, 0);
+  OpenFunction open{&function, open_, {}, {}};
+  open_ = &open;
   function.parameterCount = function.parameters.size;
   planBlock(*function.body, 0);
+  function.captures = chunk_.arena.list(open.captures);
   function.releaseEnd = function.body->releaseEnd;
-  function.frameBytes = offsetOf(frameSlots_ + 1);
+  function.frameBytes = offsetOf(open.frameSlots + 1);
   function.stackBytes = (function.nesting + 4) * kHostBytesPerLevel;
-  largestFrame_ = std::max(largestFrame_, frameSlots_ + 1);
-  function_ = enclosing;
-  frameSlots_ = enclosingSlots;
+  largestFrame_ = std::max(largestFrame_, open.frameSlots + 1);
+  open_ = open.enclosing;
 }
 
 // ---- Statements ---------------------------------------------------------------------------------
 
 void FramePlanner::planBlock(Block& block, Top top) {
-  Scope& scope = *block.scope;
-  for (LocalVariable* variable : scope.variables) {
-    variable->inEnvironment = belongsInEnvironment(*variable);
-    scope.hasEnvironment = scope.hasEnvironment || variable->inEnvironment;
-  }
-  for (std::uint32_t i = 0; i < scope.arriving; ++i) {
-    LocalVariable& variable = *scope.variables[i];
-    variable.offset = offsetOf(top++);
-    if (variable.inEnvironment) variable.environmentIndex = scope.environmentSize++;
-  }
-  if (scope.hasEnvironment) scope.environmentOffset = offsetOf(top++);
+  const Scope& scope = *block.scope;
+  for (std::uint32_t i = 0; i < scope.arriving; ++i) top = declare(*scope.variables[i], top);
   use(top);
   for (Stmt* statement : block.statements) top = planStatement(*statement, top);
   planRelease(block);
@@ -83,16 +76,11 @@ void FramePlanner::planRelease(Block& block) {
     block.releaseEnd = std::max(block.releaseEnd, offset + static_cast<SlotOffset>(sizeof(Value)));
   };
   for (const LocalVariable* variable : block.scope->variables) {
-    if (!variable->inEnvironment && !variable->scalar) include(variable->offset);
+    if (variable->inEnvironment() || !variable->scalar) include(variable->offset);
   }
-  if (block.scope->hasEnvironment) include(block.scope->environmentOffset);
 }
 
 FramePlanner::Top FramePlanner::declare(LocalVariable& variable, Top top) {
-  if (variable.inEnvironment) {
-    variable.environmentIndex = variable.scope->environmentSize++;
-    return top;
-  }
   variable.offset = offsetOf(top);
   use(top + 1);
   return top + 1;
@@ -157,7 +145,7 @@ FramePlanner::Top FramePlanner::planFunctionDeclaration(FunctionDeclarationStmt&
   if (statement.isLocal)
     top = declare(*static_cast<VariableExpr&>(*statement.target.expression).variable, top);
   planTarget(*statement.target.expression, top);
-  planClosure(*statement.function);
+  planFunction(*statement.function);
   return top;
 }
 
@@ -251,7 +239,7 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
     case ExprKind::Call:
       return planCall(static_cast<CallExpr&>(*expression), top);
     case ExprKind::Function:
-      return planClosure(static_cast<FunctionExpr&>(*expression));
+      return planFunction(static_cast<FunctionExpr&>(*expression));
   }
 }
 
@@ -281,33 +269,44 @@ void FramePlanner::planVariable(VariableExpr& expression) {
     expression.home = VariableHome::Global;
     return;
   }
-  if (!variable->inEnvironment) {
-    expression.home = VariableHome::Frame;
+  if (variable->scope->function == open_->function) {
+    expression.home =
+        variable->inEnvironment() ? VariableHome::OwnEnvironment : VariableHome::Frame;
     expression.offset = variable->offset;
-    return;
-  }
-  expression.environmentIndex = variable->environmentIndex;
-  if (variable->scope->function == function_) {
-    expression.home = VariableHome::OwnEnvironment;
-    expression.offset = variable->scope->environmentOffset;
-    return;
-  }
-  expression.home = VariableHome::Captured;
-  for (const Scope* scope = function_->body->scope->parent; scope != variable->scope;
-       scope = scope->parent) {
-    if (scope->hasEnvironment) ++expression.hops;
+  } else if (isNamedBy(*open_->function, *variable)) {
+    expression.home = VariableHome::RunningFunction;
+  } else {
+    expression.home =
+        variable->inEnvironment() ? VariableHome::CapturedEnvironment : VariableHome::CapturedValue;
+    expression.captureIndex = captureIndex(*open_, *variable);
   }
 }
 
-// A closure captures the environment of the nearest scope around it that has one.
-void FramePlanner::planClosure(FunctionExpr& function) {
-  for (const Scope* scope = function.body->scope->parent; scope != nullptr; scope = scope->parent) {
-    if (!scope->hasEnvironment) continue;
-    function.capturesOwn = scope->function == function_;
-    function.captureOffset = scope->environmentOffset;
-    break;
+// ---- Captures -----------------------------------------------------------------------------------
+
+// The place of a variable of an outer function among what `open` captures.
+std::uint32_t FramePlanner::captureIndex(OpenFunction& open, const LocalVariable& variable) {
+  if (const auto known = open.captureIndices.find(&variable); known != open.captureIndices.end()) {
+    return known->second;
   }
-  planFunction(function);
+  memory_.add(kBytesPerCapture);
+  const CaptureSource source = captureSource(*open.enclosing, variable);
+  const auto index = static_cast<std::uint32_t>(open.captures.size());
+  open.captures.push_back(source);
+  open.captureIndices.emplace(&variable, index);
+  return index;
+}
+
+// Where `maker` finds a variable for a closure that it makes. A function between the variable's own
+// and the one that names it has to capture it, too.
+CaptureSource FramePlanner::captureSource(OpenFunction& maker, const LocalVariable& variable) {
+  using From = CaptureSource::From;
+  const bool isEnvironment = variable.inEnvironment();
+  if (variable.scope->function == maker.function) {
+    return {From::Slot, isEnvironment, variable.offset};
+  }
+  if (isNamedBy(*maker.function, variable)) return {From::RunningFunction, false, 0};
+  return {From::Capture, isEnvironment, captureIndex(maker, variable)};
 }
 
 }  // namespace internal

@@ -69,37 +69,30 @@ Value runReleasing(const Node* node, Value* base) {
   return completion;
 }
 
-// Makes the scope's environment and moves into it what arrived in the frame: parameters and loop
-// variables.
-void openEnvironment(const Block* block, Value* base) {
+// Moves the parameters or loop variables that live in environments there.
+void shareArriving(const Block* block, Value* base) {
   const Scope* const scope = block->scope;
-  Environment* enclosing = runningFunction(base)->environment;
-  for (const Scope* outer = scope->parent; outer != nullptr && outer->function == scope->function;
-       outer = outer->parent) {
-    if (!outer->hasEnvironment) continue;
-    enclosing = slotAt(base, outer->environmentOffset).environment;
-    break;
-  }
-  Environment* const environment =
-      Environment::create(block->interpreter->heap, scope->environmentSize, enclosing);
   for (std::uint32_t i = 0; i < scope->arriving; ++i) {
     const LocalVariable& variable = *scope->variables[i];
-    if (!variable.inEnvironment) continue;
-    Value& arrived = slotAt(base, variable.offset);
-    environment->slots()[variable.environmentIndex] = arrived;
-    arrived = Value();
+    if (!variable.inEnvironment()) continue;
+    moveToEnvironment(block->interpreter->heap, slotAt(base, variable.offset));
   }
-  slotAt(base, scope->environmentOffset) = Value(environment);
 }
 
-Value runInEnvironment(const Node* node, Value* base) {
-  openEnvironment(static_cast<const Block*>(node), base);
+bool hasArrivingToShare(const Block& block) noexcept {
+  const Scope& scope = *block.scope;
+  return std::any_of(scope.variables.begin(), scope.variables.begin() + scope.arriving,
+                     [](const LocalVariable* variable) { return variable->inEnvironment(); });
+}
+
+Value runSharing(const Node* node, Value* base) {
+  shareArriving(static_cast<const Block*>(node), base);
   return runReleasing<runAll>(node, base);
 }
 
 // A function's own block leaves the release to the call, which has to visit the parameters anyway.
-Value runFunctionInEnvironment(const Node* node, Value* base) {
-  openEnvironment(static_cast<const Block*>(node), base);
+Value runFunctionSharing(const Node* node, Value* base) {
+  shareArriving(static_cast<const Block*>(node), base);
   return runAll(node, base);
 }
 
@@ -178,12 +171,10 @@ void chooseBlock(Block& block, Arena& arena) {
   block.nodes = arena.list(nodes);
   const bool owns = block.releaseEnd > block.releaseOffset;
   const Runners runners = runnersFor(block.nodes.size);
-  if (isFunctionBody(block)) {
-    block.execute = block.scope->hasEnvironment ? runFunctionInEnvironment : runners.plain;
-  } else if (block.scope->hasEnvironment) {
-    block.execute = runInEnvironment;
+  if (hasArrivingToShare(block)) {
+    block.execute = isFunctionBody(block) ? runFunctionSharing : runSharing;
   } else {
-    block.execute = owns ? runners.releasing : runners.plain;
+    block.execute = owns && !isFunctionBody(block) ? runners.releasing : runners.plain;
   }
 }
 

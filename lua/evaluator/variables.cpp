@@ -18,20 +18,24 @@ struct InFrame {
 
 struct InOwnEnvironment {
   static Value& slot(const Node* node, Value* base) noexcept {
-    return ownEnvironmentSlot(asVariable(node), base);
+    return slotAt(base, asVariable(node)->offset).environment->slot;
+  }
+};
+
+struct InCapture {
+  static Value& slot(const Node* node, Value* base) noexcept {
+    return captureOf(asVariable(node), base);
   }
 };
 
 struct InCapturedEnvironment {
   static Value& slot(const Node* node, Value* base) noexcept {
-    return runningFunction(base)->environment->slots()[asVariable(node)->environmentIndex];
+    return captureOf(asVariable(node), base).environment->slot;
   }
 };
 
-struct InOuterEnvironment {
-  static Value& slot(const Node* node, Value* base) noexcept {
-    return capturedSlot(asVariable(node), base);
-  }
+struct IsRunningFunction {
+  static Value& slot(const Node*, Value* base) noexcept { return base[-1]; }
 };
 
 struct InGlobals {
@@ -53,9 +57,12 @@ void chooseVariable(VariableExpr& variable) {
       return choose<InFrame>(variable);
     case VariableHome::OwnEnvironment:
       return choose<InOwnEnvironment>(variable);
-    case VariableHome::Captured:
-      return variable.hops == 0 ? choose<InCapturedEnvironment>(variable)
-                                : choose<InOuterEnvironment>(variable);
+    case VariableHome::CapturedValue:
+      return choose<InCapture>(variable);
+    case VariableHome::CapturedEnvironment:
+      return choose<InCapturedEnvironment>(variable);
+    case VariableHome::RunningFunction:
+      return choose<IsRunningFunction>(variable);
     case VariableHome::Global:
       return choose<InGlobals>(variable);
   }

@@ -339,7 +339,6 @@ FunctionExpr* Parser::makeFunction(StringObject* name, std::uint32_t line) {
   auto* function = make<FunctionExpr>(line);
   function->name = name;
   function->chunk = &chunk_;
-  function->parent = functions_.empty() ? nullptr : functions_.back().function;
   return function;
 }
 

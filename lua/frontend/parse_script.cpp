@@ -67,9 +67,7 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
 
 void LuaVM::Impl::bindGlobalSlots(const std::vector<internal::VariableExpr*>& names) {
   for (internal::VariableExpr* variable : names) {
-    variable->isGlobal = true;
-    variable->globalSlot = static_cast<std::uint32_t>(resolveGlobalSlot(variable->name->view()));
-    variable->cell = &globals[variable->globalSlot];
+    variable->cell = &globals[resolveGlobalSlot(variable->name->view())];
   }
 }
 

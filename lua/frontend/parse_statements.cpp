@@ -174,14 +174,14 @@ Stmt* Parser::parseFunctionDeclaration(const Token& keyword, bool isLocal) {
   if (isLocal) return parseLocalFunction(keyword);
   const DeclaredName name = parseDeclaredName();
   FunctionExpr* function = parseFunctionBody(keyword.line, name.text, name.isMethod);
-  return make<FunctionDeclarationStmt>(false, name.isMethod, name.target, function, keyword.line);
+  return make<FunctionDeclarationStmt>(false, name.target, function, keyword.line);
 }
 
 Stmt* Parser::parseLocalFunction(const Token& keyword) {
   const std::uint32_t nameLine = current().line;
   VariableExpr* target = makeVariable(expectName("expected local function name"), nameLine);
   FunctionExpr* function = parseFunctionBody(keyword.line, target->name, false);
-  return make<FunctionDeclarationStmt>(true, false, AssignTarget{target}, function, keyword.line);
+  return make<FunctionDeclarationStmt>(true, AssignTarget{target}, function, keyword.line);
 }
 
 Parser::DeclaredName Parser::parseDeclaredName() {

@@ -4,12 +4,9 @@
 
 namespace tarvel::lua::internal {
 
-bool blockContainsFunction(const Block& block) noexcept { return block.scope->containsFunction; }
-
 void Resolver::resolveChunk() {
   function_ = chunk_.main;
   resolveBlock(*chunk_.main->body, {}, false);
-  chunk_.slotCount = chunk_.main->body->slotCount;
   findScalars();
 }
 
@@ -18,13 +15,7 @@ void Resolver::resolveChunk() {
 void Resolver::beginScope(Block& block) {
   block.scope = chunk_.arena.make<Scope>();
   block.scope->function = function_;
-  std::int32_t depth = 0;
-  if (!scopes_.empty()) {
-    block.scope->parent = scopes_.back().scope;
-    depth = scopes_.back().depth + 1;
-  }
-  depths_[block.scope] = depth;
-  scopes_.push_back({block.scope, depth, {}, {}});
+  scopes_.push_back({block.scope, {}, {}});
 }
 
 void Resolver::endScope(Block& block) {
@@ -32,9 +23,6 @@ void Resolver::endScope(Block& block) {
   for (auto it = open.shadowed.rbegin(); it != open.shadowed.rend(); ++it)
     bindings_[it->first] = it->second;
   block.scope->variables = chunk_.arena.list(open.variables);
-  block.slotCount = block.scope->variables.size;
-  block.reuseEnvironment = !blockContainsFunction(block);
-  depths_.erase(block.scope);
   scopes_.pop_back();
 }
 
@@ -43,7 +31,6 @@ LocalVariable* Resolver::declare(StringObject* name) {
   auto* const variable = chunk_.arena.make<LocalVariable>();
   variable->name = name;
   variable->scope = open.scope;
-  variable->slot = static_cast<std::uint32_t>(open.variables.size());
   open.variables.push_back(variable);
   LocalVariable*& binding = bindings_[name];
   open.shadowed.emplace_back(name, binding);
@@ -59,8 +46,6 @@ void Resolver::bind(VariableExpr& expression) {
   }
   LocalVariable* const variable = found->second;
   expression.variable = variable;
-  expression.depth = scopes_.back().depth - depths_.at(variable->scope);
-  expression.slot = variable->slot;
   if (variable->scope->function != function_) variable->captured = true;
 }
 
@@ -121,6 +106,7 @@ void Resolver::resolveAssignment(AssignmentStmt& statement) {
   for (AssignTarget& target : statement.targets) {
     if (!statement.isLocal) {
       resolveTarget(target);
+      noteAssigned(target);
       continue;
     }
     auto* const name = static_cast<VariableExpr*>(target.expression);
@@ -133,13 +119,15 @@ void Resolver::resolveAssignment(AssignmentStmt& statement) {
 
 // A local function's name is declared before its body, which can therefore call itself.
 void Resolver::resolveFunctionDeclaration(FunctionDeclarationStmt& statement) {
-  if (statement.isLocal) declare(static_cast<VariableExpr*>(statement.target.expression)->name);
-  resolveTarget(statement.target);
-  if (statement.target.expression->kind == ExprKind::Variable) {
-    LocalVariable* const variable =
-        static_cast<VariableExpr*>(statement.target.expression)->variable;
-    if (variable != nullptr) variable->scalar = false;
+  if (statement.isLocal) {
+    auto* const name = static_cast<VariableExpr*>(statement.target.expression);
+    declare(name->name)->function = statement.function;
+    bind(*name);
+  } else {
+    resolveTarget(statement.target);
+    noteAssigned(statement.target);
   }
+  if (LocalVariable* const variable = localOf(statement.target)) variable->scalar = false;
   resolveFunction(*statement.function);
 }
 
@@ -152,6 +140,16 @@ void Resolver::resolveIf(IfStmt& statement) {
 }
 
 void Resolver::resolveTarget(AssignTarget& target) { resolveExpression(target.expression); }
+
+// The local that the target is, once it is bound; null for anything else.
+LocalVariable* Resolver::localOf(const AssignTarget& target) noexcept {
+  if (target.expression->kind != ExprKind::Variable) return nullptr;
+  return static_cast<VariableExpr*>(target.expression)->variable;
+}
+
+void Resolver::noteAssigned(const AssignTarget& target) noexcept {
+  if (LocalVariable* const variable = localOf(target)) variable->assigned = true;
+}
 
 // ---- Expressions --------------------------------------------------------------------------------
 
@@ -199,10 +197,6 @@ void Resolver::resolveExpression(Expr* expression) {
 }
 
 void Resolver::resolveFunction(FunctionExpr& function) {
-  for (Scope* scope = scopes_.back().scope; scope != nullptr && !scope->containsFunction;
-       scope = scope->parent) {
-    scope->containsFunction = true;
-  }
   FunctionExpr* const enclosing = function_;
   function_ = &function;
   resolveBlock(*function.body, function.parameters, false);
@@ -214,8 +208,7 @@ void Resolver::resolveFunction(FunctionExpr& function) {
 // Records what the target at `index` may receive from an expression list.
 void Resolver::noteSource(const AssignTarget& target, const ArenaList<Expr*>& values,
                           std::size_t index) {
-  if (target.expression->kind != ExprKind::Variable) return;
-  LocalVariable* const variable = static_cast<VariableExpr*>(target.expression)->variable;
+  LocalVariable* const variable = localOf(target);
   if (variable == nullptr) return;
   if (index < values.size) {
     sources_.push_back({variable, values[index]});

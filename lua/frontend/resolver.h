@@ -10,8 +10,9 @@
 namespace tarvel::lua::internal {
 
 // Binds every local name of a chunk to the declaration that it refers to, and learns about each
-// local what decides where it lives: whether an inner function uses it and whether it can ever hold
-// something that needs release. Names that no scope declares are left for the global binder.
+// local what decides where it lives: whether an inner function uses it, whether it changes after
+// its declaration, and whether it can ever hold something that needs release. Names that no scope
+// declares are left for the global binder.
 class Resolver {
  public:
   explicit Resolver(ResolvedChunk& chunk) : chunk_(chunk) {}
@@ -25,10 +26,9 @@ class Resolver {
   // What an open scope needs only while it is being resolved.
   struct OpenScope {
     Scope* scope;
-    std::int32_t depth;
     std::vector<LocalVariable*> variables;
-    std::vector<std::pair<StringObject*, LocalVariable*>>
-        shadowed;  // bindings to restore, in order
+    // Bindings to restore, in order.
+    std::vector<std::pair<StringObject*, LocalVariable*>> shadowed;
   };
   // A value that may be stored into a variable.
   struct Source {
@@ -50,6 +50,8 @@ class Resolver {
   void resolveExpression(Expr* expression);
   void resolveExpressions(const ArenaList<Expr*>& expressions);
   void resolveTarget(AssignTarget& target);
+  static LocalVariable* localOf(const AssignTarget& target) noexcept;
+  static void noteAssigned(const AssignTarget& target) noexcept;
   void resolveFunction(FunctionExpr& function);
 
   void noteSource(const AssignTarget& target, const ArenaList<Expr*>& values, std::size_t index);
@@ -59,16 +61,12 @@ class Resolver {
 
   ResolvedChunk& chunk_;
   std::vector<OpenScope> scopes_;
-  std::unordered_map<StringObject*, LocalVariable*>
-      bindings_;  // the innermost declaration of each name
-  std::unordered_map<const Scope*, std::int32_t> depths_;
+  // The innermost declaration of each name.
+  std::unordered_map<StringObject*, LocalVariable*> bindings_;
   FunctionExpr* function_ = nullptr;
   std::vector<Source> sources_;
   std::unordered_map<const LocalVariable*, std::vector<std::size_t>> dependents_;  // into sources_
   std::vector<VariableExpr*> unboundNames_;
 };
-
-// True when a function expression, a declared function's included, occurs anywhere inside.
-bool blockContainsFunction(const Block& block) noexcept;
 
 }  // namespace tarvel::lua::internal

@@ -51,26 +51,22 @@ struct Node {
 struct LocalVariable {
   StringObject* name;
   Scope* scope;
-  std::uint32_t slot;          // position among the scope's names, in order of declaration
-  bool captured = false;       // a function nested in the declaring one refers to it
-  bool scalar = true;          // only ever holds nil, booleans and numbers, so it needs no release
-  bool inEnvironment = false;  // lives in the scope's Environment instead of the frame
-  SlotOffset offset = 0;       // in the frame; for a parameter or loop variable that lives in the
-                               // environment, where it arrives before it is moved there
-  std::uint32_t environmentIndex = 0;  // in the environment
+  const FunctionExpr* function = nullptr;  // of `local function`, the function that it names
+  bool captured = false;                   // a function nested in the declaring one refers to it
+  bool assigned = false;                   // changes after its declaration
+  bool scalar = true;     // only ever holds nil, booleans and numbers, so it needs no release
+  SlotOffset offset = 0;  // of its slot in the frame, which holds it or owns its Environment
+
+  // Closures that name it share the variable itself, so it lives in an Environment. Without an
+  // assignment they can as well hold its value.
+  bool inEnvironment() const noexcept { return captured && assigned; }
 };
 
-// One block's names and where they live while it runs.
+// One block's names.
 struct Scope {
-  Scope* parent = nullptr;
   FunctionExpr* function = nullptr;
   ArenaList<LocalVariable*> variables;
-  std::uint32_t arriving = 0;     // so many of the first are parameters or loop variables
-  bool containsFunction = false;  // a closure made in here can capture the scope
-  // Frame layout.
-  bool hasEnvironment = false;
-  std::uint32_t environmentSize = 0;
-  SlotOffset environmentOffset = 0;  // the frame slot that owns the environment
+  std::uint32_t arriving = 0;  // so many of the first are parameters or loop variables
 };
 
 // ---- Expressions --------------------------------------------------------------------------------
@@ -108,9 +104,11 @@ struct LiteralExpr : Expr {
 
 // Where a variable is found at run time.
 enum class VariableHome : std::uint8_t {
-  Frame,           // a slot of the running frame
-  OwnEnvironment,  // an environment of a scope of the running function, held by a slot of its frame
-  Captured,        // an environment that the running closure captured, or a parent of it
+  Frame,                // a slot of the running frame
+  OwnEnvironment,       // an environment that a slot of the running frame owns
+  CapturedValue,        // a value that the running closure captured
+  CapturedEnvironment,  // an environment that the running closure captured
+  RunningFunction,      // the running closure is the variable's value
   Global,
 };
 
@@ -119,16 +117,11 @@ struct VariableExpr : Expr {
       : Expr(ExprKind::Variable, nodeLine), name(variableName) {}
 
   StringObject* name;
-  std::int32_t depth = -1;  // scopes outward from the innermost; -1: not a local
-  std::uint32_t slot = 0;   // within that scope
-  bool isGlobal = false;
-  VariableHome home = VariableHome::Frame;
-  std::uint32_t globalSlot = 0;
-  LocalVariable* variable = nullptr;  // the local that the name is bound to
-  SlotOffset offset = 0;   // Frame: the variable's slot; OwnEnvironment: the environment's slot
-  std::uint32_t hops = 0;  // Captured: parents to follow from the closure's environment
-  std::uint32_t environmentIndex = 0;
-  Value* cell = nullptr;  // Global
+  VariableHome home = VariableHome::Global;
+  LocalVariable* variable = nullptr;  // the local that the name is bound to; null for a global
+  SlotOffset offset = 0;              // Frame, OwnEnvironment: of the variable's slot
+  std::uint32_t captureIndex = 0;     // CapturedValue, CapturedEnvironment
+  Value* cell = nullptr;              // Global
 };
 
 struct UnaryExpr : Expr {
@@ -223,6 +216,15 @@ struct CallExpr : Expr {
   mutable std::uint32_t hint = 0;       // the table entry where the method was found last
 };
 
+// Where a closure takes one of its captures from, in the frame of the function that makes it.
+struct CaptureSource {
+  enum class From : std::uint8_t { Slot, Capture, RunningFunction };
+
+  From from;
+  bool isEnvironment;   // the variable's home is captured, not its value
+  std::uint32_t place;  // Slot: its SlotOffset; Capture: the index among the maker's own captures
+};
+
 struct FunctionExpr : Expr {
   explicit FunctionExpr(std::uint32_t nodeLine) : Expr(ExprKind::Function, nodeLine) {}
 
@@ -230,13 +232,9 @@ struct FunctionExpr : Expr {
   Block* body = nullptr;
   StringObject* name = nullptr;  // as declared ("a.b:m"), or "<anonymous>"
   ResolvedChunk* chunk = nullptr;
-  FunctionExpr* parent = nullptr;  // the function around this one; null for the chunk itself
-  std::uint32_t nesting = 0;       // levels of the tree below, statements included
+  std::uint32_t nesting = 0;  // levels of the tree below, statements included
   // Run-time layout.
-  // The environment to capture is in the frame of `parent`, at captureOffset; otherwise it is the
-  // one, if any, that the closure of `parent` captured.
-  bool capturesOwn = false;
-  SlotOffset captureOffset = 0;
+  ArenaList<CaptureSource> captures;  // the variables of outer functions that it needs
   std::uint32_t parameterCount = 0;
   std::uint32_t frameBytes = 0;  // of the value stack that a call may use, from its callee's slot
   std::uint32_t stackBytes = 0;  // of the host's stack that the body needs up to the next call
@@ -271,8 +269,6 @@ struct Block : Node {
 
   ArenaList<Stmt*> statements;
   Scope* scope = nullptr;
-  std::uint32_t slotCount = 0;   // names declared in the scope
-  bool reuseEnvironment = true;  // no function expression inside, so nothing can capture the scope
   SlotOffset releaseOffset = 0;  // the slots from here ...
   SlotOffset releaseEnd = 0;     // ... up to here may own something when the block ends
   ArenaList<const Node*> nodes;  // what to execute, statement by statement
@@ -308,16 +304,14 @@ struct AssignmentStmt : Stmt {
 };
 
 struct FunctionDeclarationStmt : Stmt {
-  FunctionDeclarationStmt(bool local, bool method, AssignTarget declared, FunctionExpr* body,
+  FunctionDeclarationStmt(bool local, AssignTarget declared, FunctionExpr* body,
                           std::uint32_t nodeLine)
       : Stmt(StmtKind::FunctionDeclaration, nodeLine),
         isLocal(local),
-        isMethod(method),
         target(declared),
         function(body) {}
 
   bool isLocal;
-  bool isMethod;
   AssignTarget target;
   FunctionExpr* function;
 };
@@ -410,7 +404,6 @@ struct ResolvedChunk final : FunctionCode {
 
   Arena arena;
   FunctionExpr* main = nullptr;  // the top level as a function without parameters
-  std::uint32_t slotCount = 0;   // names declared at the top level
   std::vector<StringObject*> strings;
 };
 

@@ -37,22 +37,30 @@ struct NativeCode final : FunctionCode {
 // A function value: a script closure or a native function.
 struct FunctionObject : Object {
   const FunctionExpr* body;  // null for a native function
-  // Owned; what the closure captured, null where nothing around it has an environment.
-  Environment* environment;
-  FunctionCode* code;  // owned
-  StringObject* name;  // owned
+  FunctionCode* code;        // owned
+  StringObject* name;        // owned
   // The handle by which the host knows the function, while there is one.
   LuaFunctionHandle* exported = nullptr;
+  std::uint64_t captureCount = 0;
 
-  // Return an owned reference. A closure shares all that it is given; a native function takes over
-  // `nativeName`.
+  // What the closure captured, owned, in the order of FunctionExpr::captures: the value of a
+  // variable, or the Environment that is its home.
+  Value* captures() noexcept { return reinterpret_cast<Value*>(this + 1); }
+
+  // Return an owned reference. A closure shares what it is given, and the caller fills in its
+  // captures before anything else happens; a native function takes over `nativeName`.
   static FunctionObject* createClosure(Heap& heap, const FunctionExpr* functionBody,
                                        FunctionCode* chunk, StringObject* declaredName,
-                                       Environment* enclosing);
+                                       std::uint64_t captureCount);
   static FunctionObject* createNative(Heap& heap, StringObject* nativeName,
                                       NativeFunction function);
 
   bool isNative() const noexcept { return body == nullptr; }
+  static std::size_t blockBytes(std::uint64_t captureCount) noexcept {
+    return sizeof(FunctionObject) + captureCount * sizeof(Value);
+  }
 };
+
+static_assert(sizeof(FunctionObject) % alignof(Value) == 0);
 
 }  // namespace tarvel::lua::internal

@@ -11,26 +11,22 @@
 
 namespace tarvel::lua::internal {
 
-Environment* Environment::create(Heap& heap, std::uint32_t slotCount, Environment* enclosing) {
-  auto* const environment = new (heap.allocate(blockBytes(slotCount))) Environment;
-  if (enclosing != nullptr) ++enclosing->count;
-  environment->parent = enclosing;
-  environment->slotCount = slotCount;
-  for (std::uint32_t i = 0; i < slotCount; ++i) new (&environment->slots()[i]) Value();
+Environment* Environment::create(Heap& heap, Value variable) {
+  auto* const environment = new (heap.allocate(sizeof(Environment))) Environment;
+  environment->slot = variable;
   return environment;
 }
 
 FunctionObject* FunctionObject::createClosure(Heap& heap, const FunctionExpr* functionBody,
                                               FunctionCode* chunk, StringObject* declaredName,
-                                              Environment* enclosing) {
-  auto* const function = new (heap.allocate(sizeof(FunctionObject))) FunctionObject;
-  if (enclosing != nullptr) ++enclosing->count;
+                                              std::uint64_t captureCount) {
+  auto* const function = new (heap.allocate(blockBytes(captureCount))) FunctionObject;
   ++declaredName->count;
   chunk->addReference();
   function->body = functionBody;
-  function->environment = enclosing;
   function->code = chunk;
   function->name = declaredName;
+  function->captureCount = captureCount;
   return function;
 }
 
@@ -40,7 +36,6 @@ FunctionObject* FunctionObject::createNative(Heap& heap, StringObject* nativeNam
   auto code = std::make_unique<NativeCode>(std::move(callable));
   auto* const function = new (heap.allocate(sizeof(FunctionObject))) FunctionObject;
   function->body = nullptr;
-  function->environment = nullptr;
   function->code = code.release();
   function->name = name.take().string;
   return function;

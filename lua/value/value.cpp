@@ -41,11 +41,11 @@ void dismantle(Value value) noexcept {
       return;
     case kFunction: {
       FunctionObject* const function = value.function;
-      if (function->environment != nullptr) drop(Value(function->environment));
+      for (std::uint64_t i = 0; i < function->captureCount; ++i) drop(function->captures()[i]);
       drop(Value(function->name));
       // The code goes last: a host's function may hold the last share in the heap that this is in.
       FunctionCode* const code = function->code;
-      destroyIn(function);
+      Heap::release(function, FunctionObject::blockBytes(function->captureCount));
       code->removeReference();
       return;
     }
@@ -55,13 +55,10 @@ void dismantle(Value value) noexcept {
     case kIterator:
       destroyIn(value.iterator);
       return;
-    case kEnvironment: {
-      Environment* const environment = value.environment;
-      for (std::uint64_t i = 0; i < environment->slotCount; ++i) drop(environment->slots()[i]);
-      if (environment->parent != nullptr) drop(Value(environment->parent));
-      Heap::release(environment, Environment::blockBytes(environment->slotCount));
+    case kEnvironment:
+      drop(value.environment->slot);
+      destroyIn(value.environment);
       return;
-    }
     default:
       return;
   }

@@ -1,0 +1,122 @@
+-- args: {tmp}/out
+-- Functions keep what they name alive, and nothing else: everything here is released where its block ends, also beside
+-- functions that go on living. A program that counts its objects finds none left.
+path = arg[1]
+function content()
+  local file = io.open(path)
+  return file:read("a")
+end
+-- A file in a variable that no function names is written out where its block ends.
+function save(text)
+  local function line(s) return s .. "\n" end
+  local file = io.open(path, "w")
+  file:write(line(text))
+  keep = line
+end
+save("beside a function")
+print(content())  -- expect: beside a function
+-- expect:
+-- Functions that call themselves, directly or in functions inside, and functions that call others.
+function recursive(n)
+  local function fact(k) return k < 2 and 1 or k * fact(k - 1) end
+  local function count(k)
+    local again = function() return k > 0 and 1 + count(k - 1) or 0 end
+    return again()
+  end
+  local function other(k) return fact(k) end
+  local function helper(k) return other(k) + fact(k) end
+  local same = fact
+  fact(1)
+  return same(n), count(n), helper(n), tostring(fact), fact == same
+end
+print(recursive(5))  -- expect: 120	5	240	function: fact	true
+-- A function that counts in a variable, and one that only calls it.
+function counting()
+  local n, log, unused = 0, {}, io.open(path, "w")
+  unused:write("closed with its block")
+  local function next(by)
+    n = n + by
+    log[#log + 1] = n
+    return n
+  end
+  local function twice() return next(1), next(10) end
+  local function report() return #log, log[1], n end
+  twice()
+  by = twice
+  return report
+end
+report = counting()
+print(content())  -- expect: closed with its block
+print(by())  -- expect: 12	22
+print(report())  -- expect: 4	1	22
+-- Too few and too many arguments for a function that calls itself.
+local function sum(list, i, total)
+  if i == nil then return sum(list, 1, 0) end
+  if i > #list then return total end
+  return sum(list, i + 1, total + list[i], "surplus")
+end
+print(sum({1, 2, 3}))  -- expect: 6
+-- Parameters and loop variables that are assigned are shared; those that are not, are copied.
+function shared(a, b)
+  local set = function(v) a = v end
+  local get = function() return a .. b end
+  set("A")
+  return get, set
+end
+get, set = shared("a", "b")
+set(get())
+print(get())  -- expect: Abb
+fs = {}
+for i, v in ipairs({"x", "y"}) do
+  local first, second, third = i, v
+  fs[i] = function(w)
+    third = w or third
+    second = second .. i
+    return i .. v .. first .. second .. tostring(third)
+  end
+  first = first * 10
+  v = v .. v
+end
+print(fs[1](), fs[2]("w"), fs[2]())  -- expect: 1xx10x1nil	2yy20y2w	2yy20y22w
+-- A local function whose name is assigned again, later or by itself.
+local function renamed(n)
+  if n > 0 then
+    renamed = function() return "second" end
+    return renamed(n)
+  end
+  return "first"
+end
+print(renamed(0), renamed(1), renamed(0))  -- expect: first	second	second
+renamed = nil
+local function f() return "f" end
+function f() return "declared again" end
+print(f())  -- expect: declared again
+-- Through several levels, some of which do not name the variable themselves.
+function outer(a)
+  local b = 1
+  return function()
+    local function inner()
+      return function()
+        b = b + 1
+        return a .. b
+      end
+    end
+    return inner
+  end
+end
+print(outer("a")()()(), outer("z")()()())  -- expect: a2	z2
+-- More variables than most functions need.
+function many()
+  local v0, v1, v2, v3, v4, v5, v6, v7, v8, v9 = 0, 1, 2, 3, 4, 5, 6, 7, 8, 9
+  local v10, v11, v12, v13, v14, v15, v16, v17, v18, v19 = 10, 11, 12, 13, 14, 15, 16, 17, 18, 19
+  local v20, v21, v22, v23, v24, v25, v26, v27, v28, v29 = 20, 21, 22, 23, 24, 25, 26, 27, 28, 29
+  local v30, v31, v32, v33, v34, v35, v36, v37, v38, v39 = 30, 31, 32, 33, 34, 35, 36, 37, 38, 39
+  local v40, v41, v42, v43, v44, v45, v46, v47, v48, v49 = 40, 41, 42, 43, 44, 45, 46, 47, 48, 49
+  local v50, v51, v52, v53, v54, v55, v56, v57, v58, v59 = 50, 51, 52, 53, 54, 55, 56, 57, 58, 59
+  return function()
+    v3 = v3 + 1
+    return v0 + v1 + v2 + v3 + v4 + v5 + v6 + v7 + v8 + v9 + v10 + v11 + v12 + v13 + v14 + v15 + v16 + v17 + v18 + v19 + v20 + v21 + v22 + v23 + v24 + v25 + v26 + v27 + v28 + v29 + v30 + v31 + v32 + v33 + v34 + v35 + v36 + v37 + v38 + v39 + v40 + v41 + v42 + v43 + v44 + v45 + v46 + v47 + v48 + v49 + v50 + v51 + v52 + v53 + v54 + v55 + v56 + v57 + v58 + v59
+  end
+end
+m = many()
+print(m(), m())  -- expect: 1771	1772
