@@ -16,10 +16,7 @@
 
 #include "cli/script_container.h"
 #include "cli/script_files.h"
-#include "lua/script_check.h"
-#ifdef TARVELLUA_CHECKED_HEAP
-#include "lua/object_count.h"
-#endif
+#include "lua/program_support.h"
 
 // The program: chooses a run mode from the first argument and turns the outcome into messages and
 // an exit status.
@@ -171,16 +168,23 @@ int finishStandardOutput(int status) {
   return status == 0 ? 1 : status;
 }
 
+// Nor what it wrote to a file that it left open.
+int checkFiles(int status) {
+  if (!fileTextWasLost()) return status;
+  fail("failed to write file");
+  return status == 0 ? 1 : status;
+}
+
 #ifdef TARVELLUA_CHECKED_HEAP
 constexpr int kWrongObjectCountStatus = 99;
 
-// Nothing outlives its interpreter but cycles; a test that makes some says so, and then there must
-// be some.
+// Only circles are left to the end of their interpreter; a test that makes some says so, and then
+// there must be some.
 int checkObjectCount(int status) {
-  const std::size_t count = liveObjectCount();
+  const std::size_t count = abandonedObjectCount();
   const bool expectsCycles = std::getenv("TARVELLUA_EXPECT_CYCLES") != nullptr;
   if ((count > 0) == expectsCycles) return status;
-  std::fprintf(stderr, "tarvellua: %zu objects still alive\n", count);
+  std::fprintf(stderr, "tarvellua: %zu objects were left to the interpreter's end\n", count);
   return kWrongObjectCountStatus;
 }
 #else
@@ -194,7 +198,7 @@ struct Run {
 
 void* runOnThisThread(void* data) {
   Run& run = *static_cast<Run*>(data);
-  run.status = finishStandardOutput(checkObjectCount(tarvel::lua::run(run.arguments)));
+  run.status = finishStandardOutput(checkFiles(checkObjectCount(tarvel::lua::run(run.arguments))));
   return nullptr;
 }
 

@@ -3,6 +3,7 @@
 #include <exception>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -22,27 +23,41 @@ using internal::RuntimeError;
 using internal::Table;
 using internal::ValueStack;
 
-LuaVM::LuaVM() : impl_(std::make_unique<Impl>(*this)) { impl_->fillGlobals(); }
+LuaVM::LuaVM() : impl_(std::make_shared<Impl>(*this)) { impl_->fillGlobals(); }
 
-LuaVM::~LuaVM() = default;
+LuaVM::LuaVM(std::shared_ptr<Impl> impl) noexcept : impl_(std::move(impl)) {}
+
+LuaVM::~LuaVM() {
+  if (impl_.use_count() == 1) {
+    impl_->end();  // while what it destroys can still use this object
+  } else if (impl_.use_count() > 1) {
+    impl_->abandon();
+  }
+}
+
+// Each keeps the interpreter until it is done: what it calls or releases may destroy this object.
 
 void LuaVM::setGlobal(const std::string& name, const LuaValue& value) {
+  const std::shared_ptr<Impl> impl = impl_;
   const HostStackScope hostStack;
-  impl_->setGlobalValue(name, impl_->publicToValue(value));
+  impl->setGlobalValue(name, impl->publicToValue(value));
 }
 
 void LuaVM::bindFunction(const std::string& name, HostFunction function) {
-  impl_->bindFunction(name, std::move(function));
+  const std::shared_ptr<Impl> impl = impl_;
+  impl->bindFunction(name, std::move(function));
 }
 
 LuaResult LuaVM::runScriptString(const std::string& source, const std::string& chunkName) {
-  return impl_->run(source, chunkName);
+  const std::shared_ptr<Impl> impl = impl_;
+  return impl->run(source, chunkName);
 }
 
 // ---- The interpreter behind it ------------------------------------------------------------------
 
 LuaVM::Impl::Impl(LuaVM& ownerVm)
-    : owner(ownerVm),
+    : self(std::shared_ptr<Impl>(std::shared_ptr<Impl>(), this)),  // owns nothing
+      owner(&ownerVm),
       heap(heapOwner.get()),
       strings(heap),
       patterns(std::make_unique<internal::PatternCache>()) {}
@@ -54,12 +69,19 @@ void LuaVM::Impl::fillGlobals() {
   stringLibrarySlot = resolveGlobalSlot("string");
 }
 
-// The globals go from the last slot to the first.
-LuaVM::Impl::~Impl() {
-  while (!globals.empty()) {
-    internal::clearSlot(globals.back());
-    globals.pop_back();
-  }
+LuaVM::Impl::~Impl() { end(); }
+
+void LuaVM::Impl::end() noexcept {
+  const internal::DestructionScope destruction;
+  clearGlobals();
+  ended = true;
+  heap.closeResources();
+  clearGlobals();  // what the host's destructors have set meanwhile
+}
+
+// From the last to the first. The slots stay, because trees point at them.
+void LuaVM::Impl::clearGlobals() noexcept {
+  for (std::size_t i = globals.size(); i-- > 0;) internal::clearSlot(globals[i]);
 }
 
 LuaVM::Impl::Value LuaVM::Impl::makeString(std::string_view bytes) {
@@ -90,7 +112,9 @@ constexpr std::size_t kLeastHostStack = std::size_t{16} << 10;
 class RunScope {
  public:
   RunScope(ValueStack& stack, bool& exitRequested)
-      : stack_(stack), mark_(stack.mark()), exitRequested_(exitRequested) {
+      : stack_(stack),
+        mark_(destruction_.isNested() ? stack.markBeyondFrames() : stack.mark()),
+        exitRequested_(exitRequested) {
     stack_.enterThread();
   }
   ~RunScope() {
@@ -102,6 +126,7 @@ class RunScope {
 
  private:
   const HostStackScope hostStack_;
+  const internal::DestructionScope destruction_;
   ValueStack& stack_;
   ValueStack::Mark mark_;
   bool& exitRequested_;
@@ -124,6 +149,7 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
 LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
   std::optional<RunScope> scope(std::in_place, stack, exitRequested);
   try {
+    if (ended) throw std::runtime_error("the interpreter has ended");
     if (internal::hostStackRoom() < kLeastHostStack) throw RuntimeError("stack overflow", 1, true);
     MultiValue results;
     {

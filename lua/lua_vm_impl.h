@@ -74,9 +74,16 @@ class LuaVM::Impl {
 
   static Impl& of(LuaVM& vm) noexcept { return *vm.impl_; }
 
+  // Gives back everything that handles of the host do not hold, files included. Destructors of what
+  // the host's functions hold run in here.
+  void end() noexcept;
+  // The host's LuaVM is gone while a run is active.
+  void abandon() noexcept { owner = &self; }
+
   // ---- Facade (lua/) ----
   LuaResult run(const std::string& source, const std::string& chunkName);
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
+  void clearGlobals() noexcept;
   LuaResult makeSuccess(const internal::MultiValue& results) const;
   LuaResult makeFailure(const internal::ProtectedRuntimeError& error,
                         const std::string& chunkName) const;
@@ -139,7 +146,10 @@ class LuaVM::Impl {
   void setGlobalValue(std::string_view name, Value owned);
 
   // ---- State. The order matters: the heap goes last. ----
-  LuaVM& owner;
+  // The same interpreter for the library's functions, which may go on after the host's LuaVM is
+  // gone.
+  LuaVM self;
+  LuaVM* owner;  // for functions of the host: the host's LuaVM, or `self` once that is gone
   internal::HeapOwner heapOwner;
   internal::Heap& heap;
   internal::StringInterner strings;
@@ -156,6 +166,7 @@ class LuaVM::Impl {
   std::unordered_map<std::string, std::size_t> globalSlots;
   std::deque<Value> globals;
   std::size_t stringLibrarySlot = 0;
+  bool ended = false;
   // The code of an os.exit that ended the current run.
   bool exitRequested = false;
   std::int32_t exitCode = 0;

@@ -409,13 +409,13 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
     bindNativeGlobal(name, {});
     return;
   }
-  bindNativeGlobal(name,
-                   [function = std::move(function)](LuaVM& vm, ValueSpan arguments, unsigned) {
-                     Impl& interpreter = Impl::of(vm);
-                     PublicWriter writer(interpreter.heap);
-                     const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
-                     return MultiValue(interpreter.publicToValue(function(vm, publicArguments)));
-                   });
+  bindNativeGlobal(
+      name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments, unsigned) {
+        Impl& interpreter = Impl::of(vm);
+        PublicWriter writer(interpreter.heap);
+        const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
+        return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
+      });
 }
 
 }  // namespace tarvel::lua

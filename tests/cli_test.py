@@ -206,10 +206,31 @@ class FilesTest(ProgramTest):
         ):
             self.check_script(source, self.path("out"), status=status, stderr=stderr)
             self.assertEqual(self.content("out"), "text", source)
-        # A file in a cycle is never closed, so what it buffers never reaches it.
-        source = 't = {file = io.open(arg[1], "w")} t.self = t t.file:write("lost")'
-        self.check_script(source, self.path("out"), cyclic=True)
-        self.assertEqual(self.content("out"), "")
+        # The end closes what circles still hold, in the order of opening.
+        source = """
+            for i = 1, 3 do
+              local t = {file = io.open(arg[1], i == 1 and "w" or "a")}
+              t.self = t
+              t.file:write(i)
+            end
+            if arg[2] == "fail" then error("x") end
+            os.exit(7)
+        """
+        for arguments, status, stderr in (([], 7, ""), (["fail"], 1, self.failure(7, "x"))):
+            self.check_script(source, self.path("out"), *arguments, status=status, stderr=stderr, cyclic=True)
+            self.assertEqual(self.content("out"), "123")
+
+    def test_text_that_cannot_be_stored(self):
+        lost = "tarvellua: failed to write file\n"
+        keep = 'f = io.open("/dev/full", "w") f:write("text") '
+        for source, status, stderr in (
+            (keep, 1, lost),
+            (keep + "os.exit(5)", 5, lost),
+            ('io.open("/dev/full", "w"):write("text") x = 1', 1, lost),
+            (keep + 'f = nil error("x")', 1, self.failure(1, "x") + lost),
+            (keep + "pcall(f.close, f)", 0, ""),
+        ):
+            self.check_script(source, status=status, stderr=stderr)
 
 
 class ContainerTest(ProgramTest):

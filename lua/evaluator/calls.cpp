@@ -87,7 +87,7 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, un
   }
   Value* const outerTop = stack.top();
   stack.setTop(end);
-  MultiValue results = code->function(interpreter.owner, ValueSpan(frame + 1, count), line);
+  MultiValue results = code->function(interpreter.self, ValueSpan(frame + 1, count), line);
   stack.setTop(outerTop);
   clearSlots(frame, end);
   return settleResults(stack, frame, std::move(results), line);

@@ -33,6 +33,13 @@ class Arena {
   // The memory counts as part of what `heap` takes, which must outlive the arena.
   explicit Arena(Heap& heap) : charge_(heap) {}
 
+  // Gives the memory back; nothing that was made here may be used any more.
+  void clear() noexcept {
+    blocks_ = std::vector<std::unique_ptr<std::byte[]>>();
+    blockBytes_ = next_ = 0;
+    charge_.clear();
+  }
+
   template <class T, class... Arguments>
   T* make(Arguments&&... arguments) {
     static_assert(std::is_trivially_destructible_v<T>);

@@ -33,8 +33,10 @@ std::uint32_t nestingLimit() {
 
 }  // namespace
 
-ResolvedChunk::~ResolvedChunk() {
+void ResolvedChunk::close() noexcept {
   for (StringObject* text : strings) drop(Value(text));
+  strings = std::vector<StringObject*>();
+  arena.clear();
 }
 
 StringObject* ResolvedChunk::own(StringObject* text) {

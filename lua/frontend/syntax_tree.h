@@ -396,8 +396,8 @@ struct BreakStmt : Stmt {
 // A parsed script: owns its tree and the strings in it. Shared by the run and by every closure made
 // from it.
 struct ResolvedChunk final : FunctionCode {
-  explicit ResolvedChunk(Heap& heap) : arena(heap) {}
-  ~ResolvedChunk() override;
+  explicit ResolvedChunk(Heap& heap) : FunctionCode(heap), arena(heap) {}
+  ~ResolvedChunk() override { close(); }
 
   // Keeps `text`, an owned reference, alive as long as the tree, and returns it.
   StringObject* own(StringObject* text);
@@ -405,6 +405,9 @@ struct ResolvedChunk final : FunctionCode {
   Arena arena;
   FunctionExpr* main = nullptr;  // the top level as a function without parameters
   std::vector<StringObject*> strings;
+
+ private:
+  void close() noexcept override;  // gives up the tree and its strings
 };
 
 }  // namespace tarvel::lua::internal

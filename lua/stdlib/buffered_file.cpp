@@ -5,11 +5,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 
 namespace tarvel::lua::internal {
 
 namespace {
+
+std::atomic<bool> lostText{false};
 
 constexpr mode_t kNewFilePermissions = 0666;  // before the process's mask
 
@@ -78,9 +81,12 @@ std::unique_ptr<BufferedFile> BufferedFile::open(const std::string& path, OpenMo
 
 BufferedFile::~BufferedFile() {
   if (descriptor_ < 0) return;
-  flush();
-  closeDescriptor();
+  const bool stored = flush();
+  const bool closed = closeDescriptor();
+  if (mode_.write && !(stored && closed)) lostText = true;
 }
+
+bool BufferedFile::textWasLost() noexcept { return lostText; }
 
 void BufferedFile::close() {
   const bool stored = flush();

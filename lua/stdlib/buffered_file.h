@@ -34,14 +34,16 @@ struct OpenMode {
 // that cannot seek, whose two directions are independent; the system's position is behind the
 // unread bytes and where the waiting ones go.
 //
-// What is still waiting when the process ends reaches the file only through the destructor or
-// close(), never by itself: a script that never releases its file loses that text.
 class BufferedFile {
  public:
+  // Whether any file of this process was destroyed, not closed, with text in it that could not be
+  // stored. May be called from any thread.
+  static bool textWasLost() noexcept;
+
   // Null when the file cannot be opened, or is a directory.
   static std::unique_ptr<BufferedFile> open(const std::string& path, OpenMode mode);
 
-  // Stores what is waiting, as far as that is possible, and closes the file.
+  // Stores what is waiting and closes the file; see textWasLost.
   ~BufferedFile();
   BufferedFile(const BufferedFile&) = delete;
   BufferedFile& operator=(const BufferedFile&) = delete;

@@ -176,8 +176,9 @@ MultiValue ioOpen(LuaVM& vm, ValueSpan args, unsigned line) {
   if (file == nullptr) {
     return MultiValue{Value(), interpreter.makeString("failed to open file: " + path)};
   }
-  return MultiValue(Value(NativeObject::create(interpreter.heap, NativeObject::Kind::File,
-                                               std::make_unique<FileHandle>(std::move(file)))));
+  return MultiValue(
+      Value(NativeObject::create(interpreter.heap, NativeObject::Kind::File,
+                                 std::make_unique<FileHandle>(interpreter.heap, std::move(file)))));
 }
 
 MultiValue ioWrite(LuaVM& vm, ValueSpan args, unsigned line) {

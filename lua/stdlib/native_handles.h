@@ -13,9 +13,13 @@ namespace tarvel::lua::internal {
 
 // NativeObject::Kind::File.
 struct FileHandle final : NativeHandle {
-  explicit FileHandle(std::unique_ptr<BufferedFile> openFile) : file(std::move(openFile)) {}
+  FileHandle(Heap& heap, std::unique_ptr<BufferedFile> openFile) noexcept
+      : NativeHandle(heap), file(std::move(openFile)) {}
 
   std::unique_ptr<BufferedFile> file;  // empty once closed
+
+ private:
+  void close() noexcept override { file.reset(); }
 };
 
 // NativeObject::Kind::Stream.
@@ -23,9 +27,12 @@ struct StreamHandle final : NativeHandle {
   // Returns false when the stream could not take all of the text.
   using Writer = bool (*)(std::string_view text) noexcept;
 
-  explicit StreamHandle(Writer writer) : write(writer) {}
+  StreamHandle(Heap& heap, Writer writer) noexcept : NativeHandle(heap), write(writer) {}
 
   Writer write;  // null for an object without a stream
+
+ private:
+  void close() noexcept override {}
 };
 
 }  // namespace tarvel::lua::internal

@@ -17,7 +17,7 @@ bool writeStandardError(std::string_view text) noexcept {
 
 Value makeStream(Heap& heap, StreamHandle::Writer writer) {
   return Value(NativeObject::create(heap, NativeObject::Kind::Stream,
-                                    std::make_unique<StreamHandle>(writer)));
+                                    std::make_unique<StreamHandle>(heap, writer)));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "lua/value/heap_resource.h"
 #include "lua/value/multi_value.h"
 #include "lua/value/value.h"
 
@@ -18,9 +19,10 @@ class Heap;
 using NativeFunction = std::function<MultiValue(LuaVM&, ValueSpan arguments, unsigned line)>;
 
 // What function values share: a script's syntax tree, or one native function.
-struct FunctionCode {
+struct FunctionCode : HeapResource {
   std::uint64_t count = 1;
-  virtual ~FunctionCode() = default;
+
+  explicit FunctionCode(Heap& heap) noexcept : HeapResource(heap) {}
 
   void addReference() noexcept { ++count; }
   void removeReference() noexcept {
@@ -29,9 +31,13 @@ struct FunctionCode {
 };
 
 struct NativeCode final : FunctionCode {
-  explicit NativeCode(NativeFunction nativeFunction) : function(std::move(nativeFunction)) {}
+  NativeCode(Heap& heap, NativeFunction nativeFunction) noexcept
+      : FunctionCode(heap), function(std::move(nativeFunction)) {}
 
   NativeFunction function;  // may be empty; calling it is then a script error
+
+ private:
+  void close() noexcept override { const NativeFunction closed = std::exchange(function, nullptr); }
 };
 
 // A function value: a script closure or a native function.

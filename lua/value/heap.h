@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "lua/value/heap_resource.h"
+
 namespace tarvel::lua::internal {
 
 // The memory of one interpreter: size-class free lists over aligned slabs for small blocks, the
@@ -13,10 +15,10 @@ namespace tarvel::lua::internal {
 //
 // Not thread-safe, like the interpreter it serves. A heap lives as long as it has owners (the
 // interpreter and every function handle that crossed to the host); with the last owner it returns
-// all its memory, cyclic garbage included.
+// all its memory and resources, also those in circles of objects.
 //
 // Free lists hide leaks and use after release from the sanitizers. With TARVELLUA_CHECKED_HEAP
-// every block is a block of the system's allocator instead, and liveBlocks() counts them.
+// every block is a block of the system's allocator instead, and blocks are counted.
 class Heap {
  public:
   // In bytes. Every block is aligned to the granularity; those larger than the limit come from the
@@ -24,11 +26,19 @@ class Heap {
   static constexpr std::size_t kGranularity = 16;
   static constexpr std::size_t kSmallLimit = 512;
   static constexpr std::size_t kSlabBytes = 1 << 16;
+#ifdef TARVELLUA_CHECKED_HEAP
+  static constexpr bool kHasSlabs = false;
+#else
+  static constexpr bool kHasSlabs = true;
+#endif
 
   // A new heap with one owner.
   static Heap* create();
   void addOwner() noexcept { ++owners_; }
   void removeOwner() noexcept;
+
+  // Closes all resources, in the order in which they were made; see HeapResource::close.
+  void closeResources() noexcept;
 
   // The heap that a small block (at most kSmallLimit bytes) belongs to.
   static Heap& of(const void* smallBlock) noexcept;
@@ -36,34 +46,34 @@ class Heap {
   // Throws std::bad_alloc when the system refuses or what this process may take of the machine's
   // memory is used up.
   void* allocate(std::size_t bytes) {
-#ifndef TARVELLUA_CHECKED_HEAP
-    if (bytes <= kSmallLimit) {
-      const std::size_t sizeClass = (bytes + kGranularity - 1) / kGranularity;
-      if (FreeBlock* block = free_[sizeClass]) {
-        free_[sizeClass] = block->next;
-        return block;
+    if constexpr (kHasSlabs) {
+      if (bytes <= kSmallLimit) {
+        const std::size_t sizeClass = (bytes + kGranularity - 1) / kGranularity;
+        if (FreeBlock* block = free_[sizeClass]) {
+          free_[sizeClass] = block->next;
+          return block;
+        }
+        return carve(sizeClass);
       }
-      return carve(sizeClass);
     }
-#endif
     return allocateLarge(bytes);
   }
 
   // `bytes` is the size that the block was allocated with.
   static void release(void* block, std::size_t bytes) noexcept {
-#ifndef TARVELLUA_CHECKED_HEAP
-    if (bytes <= kSmallLimit) {
-      const std::size_t sizeClass = (bytes + kGranularity - 1) / kGranularity;
-      Heap& heap = of(block);
-      heap.free_[sizeClass] = new (block) FreeBlock{heap.free_[sizeClass]};
-      return;
+    if constexpr (kHasSlabs) {
+      if (bytes <= kSmallLimit) {
+        const std::size_t sizeClass = (bytes + kGranularity - 1) / kGranularity;
+        Heap& heap = of(block);
+        heap.free_[sizeClass] = new (block) FreeBlock{heap.free_[sizeClass]};
+        return;
+      }
     }
-#endif
     releaseLarge(block, bytes);
   }
 
-  // Moves a block to a larger or smaller size, keeping its bytes. On failure the old block stays
-  // valid.
+  // Moves a block to a larger size, keeping its bytes. On failure (std::bad_alloc) the old block
+  // stays valid.
   void* reallocate(void* block, std::size_t oldBytes, std::size_t newBytes);
 
   // Counts memory that stands elsewhere against what this process may take, as MemoryCharge does
@@ -76,9 +86,11 @@ class Heap {
     discharge(bytes);
   }
 
-  // Blocks that are allocated and not released, in all heaps of the process. Counted in checked
-  // builds only; 0 otherwise.
+  // Of all heaps of the process; counted in checked builds only, 0 otherwise. The blocks that are
+  // allocated and not released, and those that nothing had released when their heap ended: parts of
+  // circles, or references that were lost.
   static std::size_t liveBlocks() noexcept;
+  static std::size_t abandonedBlocks() noexcept;
 
   Heap(const Heap&) = delete;
   Heap& operator=(const Heap&) = delete;
@@ -90,6 +102,8 @@ class Heap {
   struct SlabHeader;
   struct Region;
   struct LargeBlock;
+
+  friend class HeapResource;
 
   Heap() = default;
   ~Heap();
@@ -108,6 +122,7 @@ class Heap {
   void countFreeBytes() noexcept;
   void forgetBlocksOfFreeSlabs() noexcept;
   void releaseFreeRegions() noexcept;
+  void releaseRegions() noexcept;
 
   std::array<FreeBlock*, kSmallLimit / kGranularity + 1> free_{};
   std::byte* bump_ = nullptr;  // the unused rest of the current slab
@@ -115,6 +130,8 @@ class Heap {
   FreeBlock* freeSlabs_ = nullptr;  // each the whole room of a slab in which nothing is in use
   Region* regions_ = nullptr;       // the latest first, which alone has room for more slabs
   LargeBlock* large_ = nullptr;
+  ResourceLink openResources_;
+  ResourceLink closedResources_;
   std::size_t chargedBytes_ = 0;  // this heap's part of what the process has taken
   std::size_t owners_ = 1;
 };

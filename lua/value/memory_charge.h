@@ -12,9 +12,16 @@ namespace tarvel::lua::internal {
 class MemoryCharge {
  public:
   explicit MemoryCharge(Heap& heap) noexcept : heap_(heap) {}
-  ~MemoryCharge() { heap_.discharge(charged_); }
+  ~MemoryCharge() { clear(); }
   MemoryCharge(const MemoryCharge&) = delete;
   MemoryCharge& operator=(const MemoryCharge&) = delete;
+
+  // The memory is gone.
+  void clear() noexcept {
+    heap_.discharge(charged_);
+    charged_ = 0;
+    credit_ = kFree;
+  }
 
   // To be called before the memory is taken. Throws std::bad_alloc when there is not so much left.
   void add(std::size_t bytes) {

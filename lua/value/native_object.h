@@ -4,14 +4,15 @@
 #include <memory>
 
 #include "lua/value/heap.h"
+#include "lua/value/heap_resource.h"
 #include "lua/value/value.h"
 
 namespace tarvel::lua::internal {
 
 // What a native object stands for. The library derives the concrete kinds: open files and output
 // streams.
-struct NativeHandle {
-  virtual ~NativeHandle() = default;
+struct NativeHandle : HeapResource {
+  explicit NativeHandle(Heap& heap) noexcept : HeapResource(heap) {}
 };
 
 // Something of the host's that a script holds. Releasing the last reference destroys the handle,

@@ -33,7 +33,7 @@ FunctionObject* FunctionObject::createClosure(Heap& heap, const FunctionExpr* fu
 FunctionObject* FunctionObject::createNative(Heap& heap, StringObject* nativeName,
                                              NativeFunction callable) {
   OwnedValue name{Value(nativeName)};
-  auto code = std::make_unique<NativeCode>(std::move(callable));
+  auto code = std::make_unique<NativeCode>(heap, std::move(callable));
   auto* const function = new (heap.allocate(sizeof(FunctionObject))) FunctionObject;
   function->body = nullptr;
   function->code = code.release();

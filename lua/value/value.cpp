@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <stdexcept>
+#include <utility>
 
 #include "lua/value/environment.h"
 #include "lua/value/function_handle.h"
@@ -95,6 +96,15 @@ void destroyWaitingObjects() noexcept {
     waiting = next.object->count;
     dismantle(next);
   }
+}
+
+DestructionScope::DestructionScope() noexcept
+    : waitingOutside_(std::exchange(waiting, 0)),
+      wasDestroying_(std::exchange(dismantling, false)) {}
+
+DestructionScope::~DestructionScope() {
+  waiting = waitingOutside_;
+  dismantling = wasDestroying_;
 }
 
 ValueKind Value::kind() const noexcept {

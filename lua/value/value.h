@@ -122,6 +122,24 @@ void destroyObject(Value value) noexcept;
 // host's object that owns an interpreter may be destroyed along with a function that holds it.
 void destroyWaitingObjects() noexcept;
 
+// While it lives, objects are destroyed as soon as their last reference goes, also if this thread
+// is already in the middle of destroying one. For what a destructor of the host's starts: scripts
+// that run there expect to see their own files closed.
+class DestructionScope {
+ public:
+  DestructionScope() noexcept;
+  ~DestructionScope();
+  DestructionScope(const DestructionScope&) = delete;
+  DestructionScope& operator=(const DestructionScope&) = delete;
+
+  // Whether it began in the middle of destroying an object.
+  bool isNested() const noexcept { return wasDestroying_; }
+
+ private:
+  std::uint64_t waitingOutside_;
+  bool wasDestroying_;
+};
+
 inline Value retain(Value value) noexcept {
   if (value.isCounted()) ++value.object->count;
   return value;

@@ -126,10 +126,10 @@ bool ValueStack::makeRoom(const Value* end, std::uint32_t hostBytes) noexcept {
 }
 
 void ValueStack::unwindTo(const Mark& mark) noexcept {
-  clearSlots(mark.top, softLimit_);
+  clearSlots(mark.first, softLimit_);
   // The frame that goes on, and those below it, keep their room.
-  const std::ptrdiff_t needed = mark.top - base_ + largestFrame_;
-  const std::ptrdiff_t steps = (needed + kLimitStep - 1) / kLimitStep;
+  const std::ptrdiff_t room = mark.first == mark.top ? largestFrame_ : 0;
+  const std::ptrdiff_t steps = (mark.first - base_ + room + kLimitStep - 1) / kLimitStep;
   softLimit_ = std::min(softLimit_, base_ + steps * kLimitStep);
   leaveTo(mark);
 }

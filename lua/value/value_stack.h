@@ -84,9 +84,17 @@ class ValueStack {
   // What a caller that survives errors (the start of a run, pcall) restores afterwards.
   struct Mark {
     Value* top;
+    Value* first;  // where the frames begin that an error abandons
     std::uintptr_t hostFloor;
   };
-  Mark mark() const noexcept { return {top_, hostFloor_}; }
+  Mark mark() const noexcept { return {top_, top_, hostFloor_}; }
+  // For a run that starts in the middle of destroying an object, which can be in the middle of any
+  // frame: moves the top beyond all frames in use.
+  Mark markBeyondFrames() noexcept {
+    const Mark mark{top_, softLimit_, hostFloor_};
+    top_ = softLimit_;
+    return mark;
+  }
   // Takes the limits of the calling thread's stack.
   void enterThread() noexcept { hostFloor_ = hostStackFloor(); }
   // Releases everything from the mark on.

@@ -104,10 +104,15 @@ class LiveObjects : public ::testing::Test {
 #ifndef TARVELLUA_CHECKED_HEAP
     GTEST_SKIP() << "only checked heaps count their objects";
 #endif
-    before_ = Heap::liveBlocks();
+    liveBefore_ = Heap::liveBlocks();
+    abandonedBefore_ = Heap::abandonedBlocks();
   }
 
-  void expectNone(const std::string& what) { EXPECT_EQ(before_, Heap::liveBlocks()) << what; }
+  // Nothing is left, and nothing was left to the end of its heap.
+  void expectNone(const std::string& what) {
+    EXPECT_EQ(liveBefore_, Heap::liveBlocks()) << what;
+    EXPECT_EQ(abandonedBefore_, Heap::abandonedBlocks()) << what;
+  }
 
   static void bindHost(LuaVM& vm) {
     vm.bindFunction("raise", raise);
@@ -125,7 +130,8 @@ class LiveObjects : public ::testing::Test {
   }
 
  private:
-  std::size_t before_ = 0;
+  std::size_t liveBefore_ = 0;
+  std::size_t abandonedBefore_ = 0;
 };
 
 TEST_F(LiveObjects, GoWithTheirInterpreter) {

@@ -78,6 +78,10 @@ for i, v in ipairs({"x", "y"}) do
   v = v .. v
 end
 print(fs[1](), fs[2]("w"), fs[2]())  -- expect: 1xx10x1nil	2yy20y2w	2yy20y22w
+-- With "local f = function", the f inside is the one that stood before: here a global.
+g = function(n) return "global " .. n end
+local g = function(n) return g(n) end
+print(g(1))  -- expect: global 1
 -- A local function whose name is assigned again, later or by itself.
 local function renamed(n)
   if n > 0 then

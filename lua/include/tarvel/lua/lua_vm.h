@@ -104,8 +104,10 @@ class LuaVM {
 
   // Throws std::bad_alloc when there is no memory for an interpreter.
   LuaVM();
-  // Releases everything that only this interpreter holds. Reference cycles among script objects are
-  // never unwound: a file in one is not closed.
+  // Ends the interpreter: writes out and closes every file that is still open, and releases
+  // everything that only this interpreter holds, circles of script objects included. What handles
+  // of functions hold stays valid. A LuaVM may be destroyed by a function that its own script is
+  // calling; the interpreter then ends when that run has ended.
   ~LuaVM();
   LuaVM(const LuaVM&) = delete;
   LuaVM& operator=(const LuaVM&) = delete;
@@ -127,8 +129,9 @@ class LuaVM {
   class Impl;
 
  private:
-  friend class Impl;
-  std::unique_ptr<Impl> impl_;
+  explicit LuaVM(std::shared_ptr<Impl> impl) noexcept;
+
+  std::shared_ptr<Impl> impl_;  // shared with the runs that are active
 };
 
 }  // namespace tarvel::lua

@@ -1,8 +1,9 @@
-#include "lua/script_check.h"
+#include "lua/program_support.h"
 
 #include <tarvel/lua/lua_vm.h>
 
 #include "lua/lua_vm_impl.h"
+#include "lua/stdlib/buffered_file.h"
 
 namespace tarvel::lua {
 
@@ -10,5 +11,9 @@ void checkScript(const std::string& source, const std::string& chunkName) {
   LuaVM vm;
   LuaVM::Impl::of(vm).parseScript(source, chunkName);
 }
+
+bool fileTextWasLost() noexcept { return internal::BufferedFile::textWasLost(); }
+
+std::size_t abandonedObjectCount() noexcept { return internal::Heap::abandonedBlocks(); }
 
 }  // namespace tarvel::lua

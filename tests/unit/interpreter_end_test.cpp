@@ -1,0 +1,208 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <tarvel/lua/lua_vm.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+// When an interpreter ends, and what runs while objects are destroyed.
+
+namespace tarvel::lua {
+namespace {
+
+using Arguments = std::vector<LuaValue>;
+
+// A file for one test.
+class ScratchFile {
+ public:
+  ScratchFile() : path_(testing::TempDir() + "tarvellua-" + std::to_string(getpid())) {}
+  ~ScratchFile() { std::remove(path_.c_str()); }
+
+  const std::string& path() const { return path_; }
+  std::string content() const {
+    std::ifstream file(path_);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+ private:
+  std::string path_;
+};
+
+// The descriptor that the next file would get.
+int nextDescriptor() {
+  const int descriptor = dup(STDERR_FILENO);
+  close(descriptor);
+  return descriptor;
+}
+
+// Calls a function when it is destroyed.
+struct Finally {
+  explicit Finally(std::function<void()> function) : action(std::move(function)) {}
+  ~Finally() { action(); }
+  std::function<void()> action;
+};
+
+TEST(InterpreterEnd, ReturnsWhatCirclesHold) {
+  const ScratchFile file;
+  const char* const circles[] = {
+      "t = {host} t.t = t",
+      "local t = {} t.f = function() return t, host end",
+      "local f f = function() return f, host end",
+      "local even local function odd() return even, host end even = function() return odd end",
+      "io.io = io io.host = host string.string = {string, host}",
+      "local t = {pairs({host}), io.stdout, io.stdout.write} t.t = t",
+      "local own = on on(function() return own, host end)",
+      "on(function() return on, host end)",
+      "local t = {io.open(path, 'w')} t[1]:write('text') t.t = t t.write = t[1].write t.h = host",
+  };
+  const int descriptor = nextDescriptor();
+  for (const char* const script : circles) {
+    const auto held = std::make_shared<int>(0);
+    LuaValue handle;
+    {
+      LuaVM vm;
+      vm.setGlobal("path", LuaValue(file.path()));
+      vm.bindFunction("host", [held](LuaVM&, const Arguments&) { return LuaValue(); });
+      vm.bindFunction("on", [held, callbacks = std::make_shared<Arguments>()](
+                                LuaVM&, const Arguments& arguments) {
+        callbacks->push_back(arguments.at(0));
+        return LuaValue();
+      });
+      EXPECT_TRUE(vm.runScriptString(script, "c").ok) << script;
+      handle = vm.runScriptString("return function() return t, host end", "c").value;
+    }
+    EXPECT_EQ(1, held.use_count()) << script;
+    EXPECT_EQ("[function <anonymous>]", handle.toString());
+  }
+  EXPECT_EQ(descriptor, nextDescriptor());
+  EXPECT_EQ("text", file.content());
+}
+
+// Scripts that destroy what `held` holds in the middle of what they do.
+const std::string kReleasing[] = {
+    "local a, b, c = {1}, 'x' .. 'y', {{3}} held = nil local d = {4} return {a, b, c, d}",
+    R"(local a, b, c = {1}, 'x' .. 'y', {{3}}
+       while true do local h = held held = nil break end
+       return {a, b, c, {4}})",
+    R"(local function deep(n, t)
+         if n == 0 then held = nil return {1} end
+         local u = {n}
+         local v = deep(n - 1, u)
+         return u[1] == n and v
+       end
+       return {deep(200, {}), 'xy', {{3}}, {4}})",
+    R"(local a, b, c = {1}, 'x' .. 'y', {{3}}
+       pcall(function() local h = held held = nil error({h}) end)
+       return {a, b, c, {4}})",
+    R"(local t = {held, 'x' .. 'y', {{3}}} held = nil t[1] = {1} t[4] = {4} return t)",
+    R"(local h = held held = nil
+       local t = {{1}, 'x' .. 'y', {{3}}, {4}}
+       table.sort({3, 1, 2}, function(a, b) h = nil return a < b end)
+       return t)",
+};
+
+TEST(Destructors, MayRunScriptsInTheMiddleOfARun) {
+  const ScratchFile file;
+  const std::string inner[] = {
+      "local a, b, c, d, e, f, g = {}, {}, {}, {}, {}, {}, {} return {a, b, c, d, e, f, g} and 1",
+      "local function f(n) if n == 0 then return {} end return {f(n - 1)} end f(300) return 1",
+      "local function f(t) return {f({t})} end return pcall(f, {}) and 0 or 1",
+      "local t = {1} error({t})",
+      "local t = {2} os.exit(3)",
+      "local function save() local f = io.open(path, 'w') f:write('text') end save() "
+      "return #io.open(path):read('a') - 3",
+  };
+  for (const std::string& script : inner) {
+    for (const std::string& outer : kReleasing) {
+      LuaVM vm;
+      vm.setGlobal("path", LuaValue(file.path()));
+      LuaResult result;
+      auto held = std::make_shared<Finally>([&] { result = vm.runScriptString(script, "inner"); });
+      vm.bindFunction("held", [held](LuaVM&, const Arguments&) { return LuaValue(); });
+      held.reset();
+      const LuaResult whole = vm.runScriptString(outer, "outer");
+      EXPECT_TRUE(whole.ok) << whole.error;
+      EXPECT_EQ("{{1}, xy, {{3}}, {4}}", whole.value.toString()) << outer << "\n" << script;
+      EXPECT_FALSE(whole.exitRequested);
+      const bool failed = script.find("error") != std::string::npos;
+      EXPECT_EQ(failed ? "nil" : result.exitRequested ? "3" : "1", result.value.toString());
+    }
+  }
+}
+
+// Such runs leave the stack as they found it.
+TEST(Destructors, MayRunScriptsAsOftenAsTheyLike) {
+  LuaVM vm;
+  int runs = 0;
+  vm.bindFunction("make", [&runs](LuaVM& self, const Arguments&) {
+    const auto held = std::make_shared<Finally>([&self, &runs] {
+      runs += self.runScriptString("local a, b, c, d, e = 1, 2, 3, 4, 5", "inner").ok ? 1 : 0;
+    });
+    self.bindFunction("held", [held](LuaVM&, const Arguments&) { return LuaValue(); });
+    return LuaValue();
+  });
+  constexpr const char* kScript = "local t = {} for i = 1, 20000 do make() held = nil end return t";
+  EXPECT_EQ("{}", vm.runScriptString(kScript, "outer").value.toString());
+  EXPECT_EQ(20000, runs);
+}
+
+// A destructor may run a script while the globals go, and is told when it is too late for that.
+TEST(Destructors, AndTheEndOfTheInterpreter) {
+  std::vector<std::string> outcomes;
+  {
+    LuaVM vm;
+    const auto bind = [&](const char* name) {
+      const auto held = std::make_shared<Finally>([&] {
+        const LuaResult result = vm.runScriptString("late = {{}} return 'ran'", "inner");
+        outcomes.push_back(result.ok ? result.value.toString() : result.error);
+        vm.setGlobal("late", LuaValue("x"));
+      });
+      vm.bindFunction(name, [held](LuaVM&, const Arguments&) { return LuaValue(); });
+    };
+    bind("inGlobal");
+    bind("inCircle");
+    EXPECT_TRUE(vm.runScriptString("t = {inCircle} t.t = t inCircle = nil", "c").ok);
+  }
+  EXPECT_EQ((std::vector<std::string>{"ran", "the interpreter has ended"}), outcomes);
+}
+
+// The run goes on to its end, with functions of the library and the host.
+TEST(InterpreterEnd, WaitsForTheRunThatDestroysItsLuaVm) {
+  const std::string scripts[] = {
+      "local t = {1} stop() t[2] = string.rep('x', 3) return {t, again('return 4')}",
+      "local t = {1} pcall(stop) t[2] = ('x'):rep(3) return {t, again('return 4')}",
+      R"(local t = {1, 'xxx'}
+         table.sort({2, 1}, function() stop() return again('return true') end)
+         return {t, again('return 4')})",
+      "local t = {1, again('stop() return \"xxx\"')} return {t, again('return 4')}",
+      "held = nil return {{1, 'xxx'}, again('return 4')}",
+  };
+  for (const std::string& script : scripts) {
+    const auto held = std::make_shared<int>(0);
+    auto vm = std::make_unique<LuaVM>();
+    const auto stop = [&vm, held](LuaVM&, const Arguments&) {
+      vm.reset();
+      return LuaValue();
+    };
+    vm->bindFunction("stop", stop);
+    vm->bindFunction("again", [](LuaVM& self, const Arguments& arguments) {
+      return self.runScriptString(arguments.at(0).toString(), "inner").value;
+    });
+    vm->bindFunction("held", [end = std::make_shared<Finally>([&vm] { vm.reset(); })](
+                                 LuaVM&, const Arguments&) { return LuaValue(); });
+    LuaVM& running = *vm;
+    const LuaResult result = running.runScriptString(script, "c");
+    EXPECT_EQ("{{1, xxx}, 4}", result.value.toString()) << result.error;
+    EXPECT_EQ(nullptr, vm);
+    EXPECT_EQ(2, held.use_count());  // this one's and `stop`'s
+  }
+}
+
+}  // namespace
+}  // namespace tarvel::lua
