@@ -1,15 +1,14 @@
 -- Bank accounts: records with methods, a history that only its closures can reach, and errors that
 -- `pcall` catches.
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- expect: Ada has 120 (opened with 100, deposit 50, withdrawal 30)
 -- expect: Bob has 50 (opened with 20, deposit 30)
 -- expect: refused: Bob has only 50
 -- expect: refused: the amount must be positive
 -- expect: the bank holds 170
 
--- Returns two functions over one list. The list is a local variable of this call: the functions
--- keep it alive, and nothing else in the program can touch it.
+-- Returns two functions, one that adds an entry and one that lists all. Their list is a local
+-- variable of this call: the functions keep it alive, and nothing else in the program can touch it.
 local function newHistory(first)
   local entries = {first}
   return function(entry)
@@ -19,18 +18,23 @@ local function newHistory(first)
   end
 end
 
+local function requirePositive(amount)
+  if amount <= 0 then
+    error("the amount must be positive")
+  end
+end
+
 -- A function declared with a colon takes the record that it is called on as `self`.
 local methods = {}
 
 function methods:deposit(amount)
-  if amount <= 0 then
-    error("the amount must be positive")
-  end
+  requirePositive(amount)
   self.balance = self.balance + amount
   self.note("deposit " .. amount)
 end
 
 function methods:withdraw(amount)
+  requirePositive(amount)
   if amount > self.balance then
     error(self.owner .. " has only " .. self.balance)
   end
@@ -47,7 +51,8 @@ function methods:describe()
   return self.owner .. " has " .. self.balance .. " (" .. self.history() .. ")"
 end
 
--- There are no classes: a record gets its methods by copying them in.
+-- There are no classes: a record gets its methods by copying them in. `note` and `history` are the
+-- only way to this account's entries.
 local function newAccount(owner, balance)
   local note, history = newHistory("opened with " .. balance)
   local account = {owner = owner, balance = balance, note = note, history = history}

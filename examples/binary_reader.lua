@@ -11,7 +11,6 @@
 --   records     a gauge's number and its value, until four bytes before the end
 --   the end     the sum of the values
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- args: {tmp}/gauge.bin
 -- expect: MEAS file "Harbour gauges", records at 32
 -- expect: gauge 65: 2336

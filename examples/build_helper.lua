@@ -4,7 +4,6 @@
 --   tarvellua examples/build_helper.lua                       the steps below
 --   tarvellua examples/build_helper.lua "make" "make test"    these commands instead
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- expect: ok       find a shell
 -- expect: ok       compare versions
 -- expect: warning  check the style (exit code 1)

@@ -1,9 +1,8 @@
 -- Summarises the columns of a comma-separated file whose first line names them. Fields may not be
--- empty, quoted or contain commas.
+-- empty or quoted, nor contain commas.
 --
 --   tarvellua examples/csv_summary.lua FILE
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- args: examples/data/weather.csv
 -- expect: 5 rows
 -- expect: station: 3 different values

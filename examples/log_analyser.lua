@@ -2,7 +2,6 @@
 --
 --   tarvellua examples/log_analyser.lua FILE
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- args: examples/data/server.log
 -- expect: INFO 5
 -- expect: WARNING 1

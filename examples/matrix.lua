@@ -1,6 +1,5 @@
 -- Matrices as lists of rows: printing, multiplying and raising to a power.
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- expect: product of a 2x3 and a 3x2 matrix
 -- expect: 58 64
 -- expect: 139 154
@@ -22,7 +21,7 @@ local function show(title, matrix)
   end
 end
 
--- Builds a matrix by calling `element` for each place.
+-- Builds a matrix by calling `element(row, column)` for each place.
 local function newMatrix(rows, columns, element)
   local matrix = {}
   for i = 1, rows do
@@ -61,7 +60,8 @@ local function divide(a, divisor)
   end)
 end
 
--- Squaring halves the number of multiplications: a^10 is (a^5)^2, a^5 is (a^2)^2 * a.
+-- Squaring takes far fewer multiplications: a^10 is (a^5)^2, and a^5 is (a^2)^2 * a. The exponent
+-- is a whole number from 1 up. `/` makes a float of it; a whole float equals the integer.
 local function power(a, exponent)
   if exponent == 1 then
     return a

@@ -3,7 +3,6 @@
 --
 --   tarvellua examples/nqueens.lua [SIZE]
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- expect: 4 ways to place 6 queens, such as
 -- expect: . Q . . . .
 -- expect: . . . Q . .
@@ -12,10 +11,11 @@
 -- expect: . . Q . . .
 -- expect: . . . . Q .
 
--- Arguments are strings; tonumber gives nil for what is no number.
+-- Arguments are strings; tonumber gives nil for what is no number. Each further queen makes the
+-- search several times as long.
 local size = tonumber(arg[1] or "6")
-if not size or size < 1 then
-  io.stderr:write("usage: tarvellua examples/nqueens.lua [SIZE]\n")
+if not (size and size >= 1 and size <= 16 and size % 1 == 0) then
+  io.stderr:write("usage: tarvellua examples/nqueens.lua [SIZE, at most 16]\n")
   os.exit(2)
 end
 

@@ -4,7 +4,6 @@
 --
 -- Without a name the file is report.txt in the current directory.
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- args: {tmp}/report.txt
 -- expect: 1: Catch of the week
 -- expect: 2: =================

@@ -4,7 +4,6 @@
 --   tarvellua examples/todo.lua FILE add "buy milk" add "call Ada" done 1
 --   tarvellua examples/todo.lua FILE clear
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- args: {tmp}/todo.txt add "buy milk" add "call Ada" add "mend the net" done 2 list clear list
 -- expect: 1 [ ] buy milk
 -- expect: 2 [x] call Ada
@@ -17,7 +16,8 @@ local function quit(message)
   os.exit(2)
 end
 
--- One task per line: "[ ] " or "[x] ", then its text. A file that is not there is an empty list.
+-- One task per line: "[ ] " or "[x] ", then its text, which starts at the fifth byte. A file that
+-- is not there is an empty list.
 local function load(path)
   local tasks = {}
   local file = io.open(path)
@@ -48,18 +48,21 @@ end
 
 -- Functions are values like any other: this table finds them by the word on the command line.
 local commands = {}
-local takesOperand = {add = true, done = true}
+local takesOperand = {add = true, done = true}  -- the commands that use the word after them
 
 function commands.add(tasks, text)
   tasks[#tasks + 1] = {done = false, text = text}
 end
 
+-- The word from the command line is a string, so it is compared with the printed numbers.
 function commands.done(tasks, number)
-  local task = tasks[tonumber(number) or 0]
-  if not task then
-    quit("there is no task " .. number)
+  for i, task in ipairs(tasks) do
+    if tostring(i) == number then
+      task.done = true
+      return
+    end
   end
-  task.done = true
+  quit("there is no task " .. number)
 end
 
 function commands.list(tasks)

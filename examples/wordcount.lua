@@ -1,8 +1,8 @@
--- Counts the lines and words of a text file and names its most frequent words.
+-- Counts the words of a text file, and its lines but for empty ones, and names the most frequent
+-- words.
 --
 --   tarvellua examples/wordcount.lua FILE
 --
--- cyclic: the local functions and the variables that they share hold each other
 -- args: examples/data/harbour.txt
 -- expect: 5 lines, 63 words, 41 different ones
 -- expect: 13 the

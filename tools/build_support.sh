@@ -16,6 +16,9 @@ quietly() {
   return "$status"
 }
 
+# Tells a user at a terminal what takes a while; a log or a pipe gets nothing.
+announce() { [ ! -t 2 ] || echo "$* ..." >&2; }
+
 # installPackages PACKAGE...: Debian packages, as root or through sudo.
 installPackages() {
   [ $# -gt 0 ] || return 0
@@ -31,6 +34,7 @@ installPackages() {
     fi
     asRoot=(sudo "${asRoot[@]}")
   fi
+  announce "installing (Debian packages): $*"
   quietly "${asRoot[@]}" apt-get -q update &&
     quietly "${asRoot[@]}" apt-get -q install -y --no-install-recommends "$@"
 }
