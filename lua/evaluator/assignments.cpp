@@ -309,10 +309,9 @@ bool appendsToItself(const AssignmentStmt& statement) noexcept {
                         *static_cast<const ConcatExpr*>(statement.values[0])->operands[0]);
 }
 
-bool isArithmetic(const Expr& expression) noexcept {
-  if (expression.kind != ExprKind::Binary) return false;
-  const TokenKind op = static_cast<const BinaryExpr&>(expression).op;
-  return op >= TokenKind::Plus && op <= TokenKind::Percent;
+bool hasArithmeticValue(const AssignmentStmt& statement) noexcept {
+  return statement.value->kind == ExprKind::Binary &&
+         isArithmetic(static_cast<const BinaryExpr*>(statement.value)->op);
 }
 
 void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) {
@@ -326,7 +325,7 @@ void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) 
     statement.targetOffset = target.offset;
     const bool ownsNothing = target.variable->scalar || statement.isLocal;
     statement.execute = ownsNothing ? storeScalarLocal : storeLocal;
-    if (ownsNothing && isArithmetic(*statement.value)) chooseArithmeticStore(statement);
+    if (ownsNothing && hasArithmeticValue(statement)) chooseArithmeticStore(statement);
   }
 }
 

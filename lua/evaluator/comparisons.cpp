@@ -5,6 +5,7 @@
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
 #include "lua/value/completion.h"
+#include "lua/value/errors.h"
 #include "lua/value/number_rules.h"
 
 // The nodes of the comparison operators, as values and as conditions, and `if`, into which a
@@ -201,8 +202,9 @@ Value executeLadder(const Node* node, Value* base) {
   return otherwise == nullptr ? normalCompletion() : executeStatement(otherwise, base);
 }
 
-// Products are rare here.
+// Products are rare here, so the last shape has no functions.
 constexpr std::size_t kShapes = static_cast<std::size_t>(OperandShape::Product);
+static_assert(kShapes + 1 == std::tuple_size_v<LeftOperands>);
 
 // A field is tried as a number; where it is compared with a literal that is none, in vain.
 OperandShapes comparisonShapes(const BinaryExpr& node) noexcept {
@@ -217,10 +219,6 @@ OperandShapes comparisonShapes(const BinaryExpr& node) noexcept {
     shapes.right = OperandShape::Other;
   }
   return shapes;
-}
-
-bool isComparison(TokenKind op) noexcept {
-  return op >= TokenKind::Equal && op <= TokenKind::GreaterEqual;
 }
 
 bool isNegation(const Expr& condition) noexcept {
@@ -242,8 +240,10 @@ void withComparison(TokenKind op, Use use) {
       return use(Comparison<OrderRule<LessEqual>>());
     case TokenKind::Greater:
       return use(Comparison<OrderRule<Greater>>());
-    default:
+    case TokenKind::GreaterEqual:
       return use(Comparison<OrderRule<GreaterEqual>>());
+    default:
+      unreachable("not a comparison operator");
   }
 }
 

@@ -145,10 +145,9 @@ Value evaluateEmptyTable(const Node* node, Value*) {
 Environment* environmentToCapture(const FunctionExpr* function, Value* base) {
   if (!function->capturesOwn) return runningFunction(base)->environment;
   const Value& owner = slotAt(base, function->captureOffset);
-  // The planner gave the scope an environment, and its block made it; anything else is a fault of
-  // ours.
+  // The planner gave the scope an environment, and its block made it.
   if (owner.tag != kEnvironment)
-    throw std::runtime_error("attempted to capture a non-owning TarvelLua environment");
+    unreachable("attempted to capture a non-owning TarvelLua environment");
   return owner.environment;
 }
 
@@ -200,8 +199,10 @@ void chooseUnary(UnaryExpr& unary) {
     case TokenKind::Hash:
       unary.execute = unary.operand->peekable ? evaluateLengthOfVariable : evaluateLength;
       return;
-    default:
+    case TokenKind::Minus:
       return chooseNegation(unary);
+    default:
+      unreachable("not a unary operator");
   }
 }
 
