@@ -26,6 +26,10 @@ void chooseArithmeticStore(
 
 // comparisons.cpp
 void chooseComparison(BinaryExpr& comparison);
+// For an `if` on a comparison; false when it is on something else.
+bool chooseFusedIf(IfStmt& statement);
+
+// branches.cpp
 void chooseIf(IfStmt& statement);      // by its `condition`, `thenNode` and `otherwiseNode`
 void chooseLadder(IfStmt& statement);  // by its branches and `otherwiseNode`
 
