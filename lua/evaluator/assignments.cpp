@@ -1,6 +1,5 @@
 #include <string>
 
-#include "lua/evaluator/concatenation.h"
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
@@ -113,35 +112,6 @@ Value declareNil(const Node* node, Value* base) {
   for (const AssignTarget& target : asAssignment(node)->targets) {
     replaceSlot(variableSlot(static_cast<const VariableExpr*>(target.expression), base), Value());
   }
-  return normalCompletion();
-}
-
-// `s = s .. x`: appends in place where nobody else holds the string. The old s is the left operand
-// also when evaluating the others changes s, so s is held meanwhile, and the append is in place
-// only if s still is that very string.
-Value appendToVariable(const Node* node, Value* base) {
-  const AssignmentStmt* const statement = asAssignment(node);
-  const auto* const variable = static_cast<const VariableExpr*>(statement->targets[0].expression);
-  const auto* const concat = static_cast<const ConcatExpr*>(statement->values[0]);
-  Value& held = slotAt(base, concat->temporariesOffset);
-  held = retain(variableSlot(variable, base));
-  evaluatePieces(concat, 1, base);
-  Value& target = variableSlot(variable, base);
-  Heap& heap = node->interpreter->heap;
-  if (!held.isString() || target.tag != kString || target.string != held.string ||
-      held.string->count != 2) {
-    Value text(StringObject::create(
-        heap, held.isString() ? held.string->view() : std::string_view(held.toString())));
-    clearSlot(held);
-    held = text;
-    appendPieces(concat, 1, held, base);
-    text = held;
-    held = Value();
-    replaceSlot(target, text);
-    return normalCompletion();
-  }
-  clearSlot(held);
-  appendPieces(concat, 1, target, base);
   return normalCompletion();
 }
 
@@ -296,28 +266,14 @@ Value declareFunction(const Node* node, Value* base) {
 
 // ---- Choosing -----------------------------------------------------------------------------------
 
-bool isSameVariable(const Expr& a, const Expr& b) noexcept {
-  if (a.kind != ExprKind::Variable || b.kind != ExprKind::Variable) return false;
-  const auto& left = static_cast<const VariableExpr&>(a);
-  const auto& right = static_cast<const VariableExpr&>(b);
-  return left.variable == right.variable && (left.variable != nullptr || left.cell == right.cell);
-}
-
-bool appendsToItself(const AssignmentStmt& statement) noexcept {
-  if (statement.isLocal || statement.values[0]->kind != ExprKind::Concat) return false;
-  return isSameVariable(*statement.targets[0].expression,
-                        *static_cast<const ConcatExpr*>(statement.values[0])->operands[0]);
-}
-
 bool hasArithmeticValue(const AssignmentStmt& statement) noexcept {
   return statement.value->kind == ExprKind::Binary &&
          isArithmetic(static_cast<const BinaryExpr*>(statement.value)->op);
 }
 
 void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) {
-  if (appendsToItself(statement)) {
-    statement.execute = appendToVariable;
-  } else if (target.home == VariableHome::Global) {
+  if (chooseAppend(statement)) return;
+  if (target.home == VariableHome::Global) {
     statement.execute = storeGlobal;
   } else if (target.home != VariableHome::Frame) {
     statement.execute = storeVariable;

@@ -12,9 +12,13 @@ namespace tarvel::lua::internal {
 void chooseLiteral(LiteralExpr& literal);
 void chooseUnary(UnaryExpr& unary);
 void chooseLogic(BinaryExpr& logic);  // `and`, `or`
-void chooseConcat(ConcatExpr& concat);
 void chooseTable(TableExpr& table);
 void chooseFunction(FunctionExpr& function);
+
+// concatenation.cpp
+void chooseConcat(ConcatExpr& concat);
+// For `s = s .. x`; false when the statement is no such append.
+bool chooseAppend(AssignmentStmt& statement);
 
 // variables.cpp
 void chooseVariable(VariableExpr& variable);
