@@ -78,6 +78,13 @@ StringObject* joinAll(Heap& heap, Value* first, Value* end) {
   return text;
 }
 
+// Out of line, because the frame of evaluateConcat is open while the operands are evaluated: what
+// the pieces need for their digits would be more of the host's stack than a level of the tree may
+// take.
+[[gnu::noinline]] StringObject* join(Heap& heap, Value* first, Value* end) {
+  return end - first == 2 ? joinTwo(heap, first[0], first[1]) : joinAll(heap, first, end);
+}
+
 // Evaluates the operands from number `first` on into their temporaries, left to right.
 void evaluatePieces(const ConcatExpr* concat, std::uint32_t first, Value* base) {
   Value* const pieces = piecesOf(concat, base);
@@ -91,9 +98,7 @@ Value evaluateConcat(const Node* node, Value* base) {
   evaluatePieces(concat, 0, base);
   Value* const first = piecesOf(concat, base);
   Value* const end = first + concat->operands.size;
-  Heap& heap = node->interpreter->heap;
-  StringObject* const text =
-      end - first == 2 ? joinTwo(heap, first[0], first[1]) : joinAll(heap, first, end);
+  StringObject* const text = join(node->interpreter->heap, first, end);
   clearSlots(first, end);
   return Value(text);
 }
