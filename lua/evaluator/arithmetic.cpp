@@ -119,7 +119,7 @@ NodeFunction functionFor(TokenKind op, OperandShapes shapes) {
 }  // namespace
 
 void chooseArithmetic(BinaryExpr& node) {
-  node.execute = functionFor<Arithmetic>(node.op, noteOperands(node));
+  node.execute = functionFor<Arithmetic>(node.op, placeOperands(node));
   node.test = testValue;
 }
 

@@ -213,7 +213,7 @@ void withComparison(TokenKind op, Use use) {
 }  // namespace
 
 void chooseComparison(BinaryExpr& node) {
-  noteOperands(node);
+  placeOperands(node);
   const OperandShapes shapes = comparisonShapes(node);
   withComparison(node.op, [&]<class Kind>(Kind) {
     node.execute = chooseByShapes<Kind::template AsValue, NodeFunction, kShapes>(shapes);

@@ -11,9 +11,9 @@ namespace tarvel::lua::internal {
 // base:
 //
 //   [-1]  the callee, which keeps the running closure alive
-//   [0..] the parameters, then each open scope's arriving variables, environment and locals, then
-//   temporaries;
-//         a call puts its callee and arguments where the callee's frame will start
+//   [0..] the parameters, then each open scope's arriving variables, environment and locals,
+//         then temporaries; a call puts its callee and arguments where the callee's frame will
+//         start
 //
 // Sibling scopes use the same slots one after the other.
 class FramePlanner {

@@ -14,6 +14,8 @@ void chooseUnary(UnaryExpr& unary);
 void chooseLogic(BinaryExpr& logic);  // `and`, `or`
 void chooseTable(TableExpr& table);
 void chooseFunction(FunctionExpr& function);
+// The truth of an expression that has no shorter way to it.
+bool testValue(const Node* node, Value* base);
 
 // concatenation.cpp
 void chooseConcat(ConcatExpr& concat);
@@ -25,8 +27,8 @@ void chooseVariable(VariableExpr& variable);
 
 // arithmetic.cpp
 void chooseArithmetic(BinaryExpr& arithmetic);
-void chooseArithmeticStore(
-    AssignmentStmt& statement);  // of an arithmetic value into a scalar frame variable
+// For an arithmetic value that goes into a frame variable which only ever holds scalars.
+void chooseArithmeticStore(AssignmentStmt& statement);
 
 // comparisons.cpp
 void chooseComparison(BinaryExpr& comparison);
@@ -53,18 +55,14 @@ void chooseFunctionDeclaration(FunctionDeclarationStmt& statement);
 void chooseBlock(Block& block, Arena& arena);
 void chooseReturn(ReturnStmt& statement);
 void chooseBreak(BreakStmt& statement);
+// What to execute for a body: the block, or its only statement where the block itself has nothing
+// to do.
+const Node* bodyNodeOf(const Block& block) noexcept;
 
 // loops.cpp
 void chooseWhile(WhileStmt& loop);
 void chooseNumericFor(NumericForStmt& loop);
 void chooseGenericFor(GenericForStmt& loop);
-
-// The truth of an expression that has no shorter way to it.
-bool testValue(const Node* node, Value* base);
-
-// What to execute for a body: the block, or its only statement where the block itself has nothing
-// to do.
-const Node* bodyNodeOf(const Block& block) noexcept;
 
 inline bool isFrameVariable(const Expr& expression) noexcept {
   return expression.kind == ExprKind::Variable &&

@@ -215,7 +215,9 @@ inline OperandShapes operandShapes(const BinaryExpr& node) noexcept {
   return shapes;
 }
 
-inline OperandShapes noteOperands(BinaryExpr& node) noexcept {
+// Writes where the operands are into the node, which its function and those of nodes that it is
+// fused into read: offsets of frame variables, and the constant.
+inline OperandShapes placeOperands(BinaryExpr& node) noexcept {
   const OperandShapes shapes = operandShapes(node);
   if (shapes.left == OperandShape::Frame) node.leftOffset = frameOffsetOf(*node.left);
   if (shapes.right == OperandShape::Frame) node.rightOffset = frameOffsetOf(*node.right);

@@ -27,8 +27,8 @@ class Resolver {
     Scope* scope;
     std::int32_t depth;
     std::vector<LocalVariable*> variables;
-    std::vector<std::pair<StringObject*, LocalVariable*>>
-        shadowed;  // bindings to restore, in order
+    // Bindings to restore, in order.
+    std::vector<std::pair<StringObject*, LocalVariable*>> shadowed;
   };
   // A value that may be stored into a variable.
   struct Source {
@@ -59,8 +59,8 @@ class Resolver {
 
   ResolvedChunk& chunk_;
   std::vector<OpenScope> scopes_;
-  std::unordered_map<StringObject*, LocalVariable*>
-      bindings_;  // the innermost declaration of each name
+  // The innermost declaration of each name.
+  std::unordered_map<StringObject*, LocalVariable*> bindings_;
   std::unordered_map<const Scope*, std::int32_t> depths_;
   FunctionExpr* function_ = nullptr;
   std::vector<Source> sources_;
