@@ -1,5 +1,6 @@
 #include <string>
 
+#include "lua/evaluator/access_objects.h"
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
@@ -116,20 +117,6 @@ Value declareNil(const Node* node, Value* base) {
 }
 
 // ---- One field or element, of an object that a variable holds -----------------------------------
-
-struct InFrame {
-  template <class Access>
-  static Value load(const Access* target, Value* base) noexcept {
-    return slotAt(base, target->objectOffset);
-  }
-};
-
-struct InVariable {
-  template <class Access>
-  static Value load(const Access* target, Value* base) noexcept {
-    return variableSlot(static_cast<const VariableExpr*>(target->object), base);
-  }
-};
 
 [[noreturn, gnu::noinline]] void dropAndFailAssignInto(Value value, const Value& object,
                                                        unsigned line) {
@@ -288,9 +275,9 @@ void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) 
 NodeFunction fieldStore(FieldExpr& target) noexcept {
   if (isFrameVariable(*target.object)) {
     target.objectOffset = frameOffsetOf(*target.object);
-    return storeField<InFrame>;
+    return storeField<FrameObject>;
   }
-  return target.object->kind == ExprKind::Variable ? storeField<InVariable> : storeAnywhere;
+  return target.object->kind == ExprKind::Variable ? storeField<VariableObject> : storeAnywhere;
 }
 
 template <class Object>
@@ -307,9 +294,9 @@ NodeFunction indexStore(IndexExpr& target, const Expr& value) noexcept {
     return storeAnywhere;
   if (isFrameVariable(*target.key)) {
     target.keyOffset = frameOffsetOf(*target.key);
-    return inFrame ? storeAtLocal<InFrame>(value) : storeAtLocal<InVariable>(value);
+    return inFrame ? storeAtLocal<FrameObject>(value) : storeAtLocal<VariableObject>(value);
   }
-  return inFrame ? storeElement<InFrame> : storeElement<InVariable>;
+  return inFrame ? storeElement<FrameObject> : storeElement<VariableObject>;
 }
 
 bool allInFrame(const AssignmentStmt& statement) noexcept {
