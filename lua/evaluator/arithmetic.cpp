@@ -4,6 +4,7 @@
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
 #include "lua/value/completion.h"
+#include "lua/value/errors.h"
 
 // The nodes of `+`, `-`, `*`, `/` and `%`. What inline_arithmetic.h does is done in place;
 // everything else goes through the operators' rules out of line, so that the common path needs no
@@ -98,7 +99,7 @@ constexpr std::size_t kShapes = std::tuple_size_v<LeftOperands>;
 
 // The entry of `Form`, Arithmetic or ArithmeticStore, for an operator and its operands' shapes.
 template <template <class> class Form>
-NodeFunction functionFor(TokenKind op, OperandShapes shapes) noexcept {
+NodeFunction functionFor(TokenKind op, OperandShapes shapes) {
   switch (op) {
     case TokenKind::Plus:
       return chooseByShapes<Form<Add>::template Execute, NodeFunction, kShapes>(shapes);
@@ -108,15 +109,17 @@ NodeFunction functionFor(TokenKind op, OperandShapes shapes) noexcept {
       return chooseByShapes<Form<Multiply>::template Execute, NodeFunction, kShapes>(shapes);
     case TokenKind::Slash:
       return chooseByShapes<Form<Divide>::template Execute, NodeFunction, kShapes>(shapes);
-    default:
+    case TokenKind::Percent:
       return chooseByShapes<Form<Modulo>::template Execute, NodeFunction, kShapes>(shapes);
+    default:
+      unreachable("not an arithmetic operator");
   }
 }
 
 }  // namespace
 
 void chooseArithmetic(BinaryExpr& node) {
-  node.execute = functionFor<Arithmetic>(node.op, noteOperands(node));
+  node.execute = functionFor<Arithmetic>(node.op, placeOperands(node));
   node.test = testValue;
 }
 

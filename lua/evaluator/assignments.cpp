@@ -1,6 +1,6 @@
 #include <string>
 
-#include "lua/evaluator/concatenation.h"
+#include "lua/evaluator/access_objects.h"
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
@@ -109,50 +109,7 @@ Value storeVariable(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-// `s = s .. x`: appends in place where nobody else holds the string. The old s is the left operand
-// also when evaluating the others changes s, so s is held meanwhile, and the append is in place
-// only if s still is that very string.
-Value appendToVariable(const Node* node, Value* base) {
-  const AssignmentStmt* const statement = asAssignment(node);
-  const auto* const variable = static_cast<const VariableExpr*>(statement->targets[0].expression);
-  const auto* const concat = static_cast<const ConcatExpr*>(statement->values[0]);
-  Value& held = slotAt(base, concat->temporariesOffset);
-  held = retain(variableSlot(variable, base));
-  evaluatePieces(concat, 1, base);
-  Value& target = variableSlot(variable, base);
-  Heap& heap = node->interpreter->heap;
-  if (!held.isString() || target.tag != kString || target.string != held.string ||
-      held.string->count != 2) {
-    Value text(StringObject::create(
-        heap, held.isString() ? held.string->view() : std::string_view(held.toString())));
-    clearSlot(held);
-    held = text;
-    appendPieces(concat, 1, held, base);
-    text = held;
-    held = Value();
-    replaceSlot(target, text);
-    return normalCompletion();
-  }
-  clearSlot(held);
-  appendPieces(concat, 1, target, base);
-  return normalCompletion();
-}
-
 // ---- One field or element, of an object that a variable holds -----------------------------------
-
-struct InFrame {
-  template <class Access>
-  static Value load(const Access* target, Value* base) noexcept {
-    return slotAt(base, target->objectOffset);
-  }
-};
-
-struct InVariable {
-  template <class Access>
-  static Value load(const Access* target, Value* base) noexcept {
-    return variableSlot(static_cast<const VariableExpr*>(target->object), base);
-  }
-};
 
 [[noreturn, gnu::noinline]] void dropAndFailAssignInto(Value value, const Value& object,
                                                        unsigned line) {
@@ -342,29 +299,14 @@ Value storeFunctionInField(const Node* node, Value* base) {
 
 // ---- Choosing -----------------------------------------------------------------------------------
 
-bool isSameVariable(const Expr& a, const Expr& b) noexcept {
-  if (a.kind != ExprKind::Variable || b.kind != ExprKind::Variable) return false;
-  const auto& left = static_cast<const VariableExpr&>(a);
-  const auto& right = static_cast<const VariableExpr&>(b);
-  return left.variable == right.variable && (left.variable != nullptr || left.cell == right.cell);
-}
-
-bool appendsToItself(const AssignmentStmt& statement) noexcept {
-  if (statement.isLocal || statement.values[0]->kind != ExprKind::Concat) return false;
-  return isSameVariable(*statement.targets[0].expression,
-                        *static_cast<const ConcatExpr*>(statement.values[0])->operands[0]);
-}
-
-bool isArithmetic(const Expr& expression) noexcept {
-  if (expression.kind != ExprKind::Binary) return false;
-  const TokenKind op = static_cast<const BinaryExpr&>(expression).op;
-  return op >= TokenKind::Plus && op <= TokenKind::Percent;
+bool hasArithmeticValue(const AssignmentStmt& statement) noexcept {
+  return statement.value->kind == ExprKind::Binary &&
+         isArithmetic(static_cast<const BinaryExpr*>(statement.value)->op);
 }
 
 void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) {
-  if (appendsToItself(statement)) {
-    statement.execute = appendToVariable;
-  } else if (target.home == VariableHome::Global) {
+  if (chooseAppend(statement)) return;
+  if (target.home == VariableHome::Global) {
     statement.execute = storeGlobal;
   } else if (target.home != VariableHome::Frame && !statement.isLocal) {
     statement.execute = storeVariable;
@@ -374,7 +316,7 @@ void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) 
     statement.execute = ownsNothing ? storeScalarLocal : storeLocal;
     if (target.home != VariableHome::Frame) {
       statement.execute = declareShared<storeScalarLocal>;
-    } else if (ownsNothing && isArithmetic(*statement.value)) {
+    } else if (ownsNothing && hasArithmeticValue(statement)) {
       chooseArithmeticStore(statement);
     }
   }
@@ -383,9 +325,9 @@ void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) 
 NodeFunction fieldStore(FieldExpr& target) noexcept {
   if (isFrameVariable(*target.object)) {
     target.objectOffset = frameOffsetOf(*target.object);
-    return storeField<InFrame>;
+    return storeField<FrameObject>;
   }
-  return target.object->kind == ExprKind::Variable ? storeField<InVariable> : storeAnywhere;
+  return target.object->kind == ExprKind::Variable ? storeField<VariableObject> : storeAnywhere;
 }
 
 template <class Object>
@@ -402,9 +344,9 @@ NodeFunction indexStore(IndexExpr& target, const Expr& value) noexcept {
     return storeAnywhere;
   if (isFrameVariable(*target.key)) {
     target.keyOffset = frameOffsetOf(*target.key);
-    return inFrame ? storeAtLocal<InFrame>(value) : storeAtLocal<InVariable>(value);
+    return inFrame ? storeAtLocal<FrameObject>(value) : storeAtLocal<VariableObject>(value);
   }
-  return inFrame ? storeElement<InFrame> : storeElement<InVariable>;
+  return inFrame ? storeElement<FrameObject> : storeElement<VariableObject>;
 }
 
 bool allInFrame(const AssignmentStmt& statement) noexcept {

@@ -329,6 +329,24 @@ bool lastMayExpand(const CallExpr& call) noexcept {
 
 }  // namespace
 
+std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
+                                     Value* base) {
+  std::uint32_t count = 0;
+  for (; count + 1 < expressions.size; ++count) {
+    slots[count] = evaluateExpression(expressions[count], base);
+  }
+  const Expr* const last = expressions[count];
+  const Value result = last->kind == ExprKind::Call
+                           ? evaluateExpressionMulti(static_cast<const CallExpr*>(last), base)
+                           : evaluateExpression(last, base);
+  if (isSingleValue(result)) {
+    slots[count++] = result;
+  } else if (ReturnSignal::isSeveral(result)) {
+    count += ReturnSignal::count(result);  // they stand where the call's frame started: here
+  }
+  return count;
+}
+
 void chooseCall(CallExpr& call) {
   if (lastMayExpand(call)) return choose<callWithMany>(call);
   if (call.object != nullptr) return chooseByCount<MethodCall>(call);

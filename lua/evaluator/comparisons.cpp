@@ -5,10 +5,11 @@
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
 #include "lua/value/completion.h"
+#include "lua/value/errors.h"
 #include "lua/value/number_rules.h"
 
-// The nodes of the comparison operators, as values and as conditions, and `if`, into which a
-// comparison is fused.
+// The nodes of the comparison operators, as values and as conditions, and those of an `if` that a
+// comparison is fused into.
 
 namespace tarvel::lua::internal {
 
@@ -169,40 +170,9 @@ struct Comparison {
   };
 };
 
-Value executeIf(const Node* node, Value* base) {
-  const auto* const statement = static_cast<const IfStmt*>(node);
-  if (!evaluateCondition(statement->condition, base)) return normalCompletion();
-  return executeStatement(statement->thenNode, base);
-}
-
-// `if not x`.
-Value executeIfNot(const Node* node, Value* base) {
-  const auto* const statement = static_cast<const IfStmt*>(node);
-  if (evaluateCondition(statement->condition, base)) return normalCompletion();
-  return executeStatement(statement->thenNode, base);
-}
-
-Value executeIfElse(const Node* node, Value* base) {
-  const auto* const statement = static_cast<const IfStmt*>(node);
-  const Node* const chosen = evaluateCondition(statement->condition, base)
-                                 ? statement->thenNode
-                                 : statement->otherwiseNode;
-  return executeStatement(chosen, base);
-}
-
-// Many branches: each tested in turn, without taking more of the host's stack for each.
-Value executeLadder(const Node* node, Value* base) {
-  const auto* const statement = static_cast<const IfStmt*>(node);
-  for (const IfStmt::Branch& branch : statement->branches) {
-    if (!evaluateCondition(branch.condition, base)) continue;
-    return executeStatement(branch.body, base);
-  }
-  const Node* const otherwise = statement->otherwiseNode;
-  return otherwise == nullptr ? normalCompletion() : executeStatement(otherwise, base);
-}
-
-// Products are rare here.
+// Products are rare here, so the last shape has no functions.
 constexpr std::size_t kShapes = static_cast<std::size_t>(OperandShape::Product);
+static_assert(kShapes + 1 == std::tuple_size_v<LeftOperands>);
 
 // A field is tried as a number; where it is compared with a literal that is none, in vain.
 OperandShapes comparisonShapes(const BinaryExpr& node) noexcept {
@@ -219,15 +189,6 @@ OperandShapes comparisonShapes(const BinaryExpr& node) noexcept {
   return shapes;
 }
 
-bool isComparison(TokenKind op) noexcept {
-  return op >= TokenKind::Equal && op <= TokenKind::GreaterEqual;
-}
-
-bool isNegation(const Expr& condition) noexcept {
-  return condition.kind == ExprKind::Unary &&
-         static_cast<const UnaryExpr&>(condition).op == TokenKind::Not;
-}
-
 // Calls `use` with the Comparison of an operator.
 template <class Use>
 void withComparison(TokenKind op, Use use) {
@@ -242,15 +203,17 @@ void withComparison(TokenKind op, Use use) {
       return use(Comparison<OrderRule<LessEqual>>());
     case TokenKind::Greater:
       return use(Comparison<OrderRule<Greater>>());
-    default:
+    case TokenKind::GreaterEqual:
       return use(Comparison<OrderRule<GreaterEqual>>());
+    default:
+      unreachable("not a comparison operator");
   }
 }
 
 }  // namespace
 
 void chooseComparison(BinaryExpr& node) {
-  noteOperands(node);
+  placeOperands(node);
   const OperandShapes shapes = comparisonShapes(node);
   withComparison(node.op, [&]<class Kind>(Kind) {
     node.execute = chooseByShapes<Kind::template AsValue, NodeFunction, kShapes>(shapes);
@@ -258,28 +221,18 @@ void chooseComparison(BinaryExpr& node) {
   });
 }
 
-void chooseIf(IfStmt& statement) {
+bool chooseFusedIf(IfStmt& statement) {
+  if (statement.condition->kind != ExprKind::Binary) return false;
+  const auto& condition = static_cast<const BinaryExpr&>(*statement.condition);
+  if (!isComparison(condition.op)) return false;
   const bool hasElse = statement.otherwiseNode != nullptr;
-  if (statement.condition->kind == ExprKind::Binary) {
-    const auto& condition = static_cast<const BinaryExpr&>(*statement.condition);
-    if (isComparison(condition.op)) {
-      const OperandShapes shapes = comparisonShapes(condition);
-      withComparison(condition.op, [&]<class Kind>(Kind) {
-        statement.execute =
-            hasElse ? chooseByShapes<Kind::template IfElse, NodeFunction, kShapes>(shapes)
-                    : chooseByShapes<Kind::template If, NodeFunction, kShapes>(shapes);
-      });
-      return;
-    }
-  }
-  if (!hasElse && isNegation(*statement.condition)) {
-    statement.condition = static_cast<const UnaryExpr&>(*statement.condition).operand;
-    statement.execute = executeIfNot;
-    return;
-  }
-  statement.execute = hasElse ? executeIfElse : executeIf;
+  const OperandShapes shapes = comparisonShapes(condition);
+  withComparison(condition.op, [&]<class Kind>(Kind) {
+    statement.execute = hasElse
+                            ? chooseByShapes<Kind::template IfElse, NodeFunction, kShapes>(shapes)
+                            : chooseByShapes<Kind::template If, NodeFunction, kShapes>(shapes);
+  });
+  return true;
 }
-
-void chooseLadder(IfStmt& statement) { statement.execute = executeLadder; }
 
 }  // namespace tarvel::lua::internal

@@ -1,5 +1,3 @@
-#include "lua/evaluator/concatenation.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -8,8 +6,12 @@
 
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
+#include "lua/value/completion.h"
 #include "lua/value/string_object.h"
+
+// `..`: a chain of operands becomes one string, or is appended to the variable that it starts with.
 
 namespace tarvel::lua::internal {
 
@@ -76,20 +78,14 @@ StringObject* joinAll(Heap& heap, Value* first, Value* end) {
   return text;
 }
 
-Value evaluateConcat(const Node* node, Value* base) {
-  const auto* const concat = static_cast<const ConcatExpr*>(node);
-  evaluatePieces(concat, 0, base);
-  Value* const first = piecesOf(concat, base);
-  Value* const end = first + concat->operands.size;
-  Heap& heap = node->interpreter->heap;
-  StringObject* const text =
-      end - first == 2 ? joinTwo(heap, first[0], first[1]) : joinAll(heap, first, end);
-  clearSlots(first, end);
-  return Value(text);
+// Out of line, because the frame of evaluateConcat is open while the operands are evaluated: what
+// the pieces need for their digits would be more of the host's stack than a level of the tree may
+// take.
+[[gnu::noinline]] StringObject* join(Heap& heap, Value* first, Value* end) {
+  return end - first == 2 ? joinTwo(heap, first[0], first[1]) : joinAll(heap, first, end);
 }
 
-}  // namespace
-
+// Evaluates the operands from number `first` on into their temporaries, left to right.
 void evaluatePieces(const ConcatExpr* concat, std::uint32_t first, Value* base) {
   Value* const pieces = piecesOf(concat, base);
   for (std::uint32_t i = first; i < concat->operands.size; ++i) {
@@ -97,6 +93,20 @@ void evaluatePieces(const ConcatExpr* concat, std::uint32_t first, Value* base) 
   }
 }
 
+Value evaluateConcat(const Node* node, Value* base) {
+  const auto* const concat = static_cast<const ConcatExpr*>(node);
+  evaluatePieces(concat, 0, base);
+  Value* const first = piecesOf(concat, base);
+  Value* const end = first + concat->operands.size;
+  StringObject* const text = join(node->interpreter->heap, first, end);
+  clearSlots(first, end);
+  return Value(text);
+}
+
+// ---- Appending ----------------------------------------------------------------------------------
+
+// Appends the text of the pieces from number `first` on to `text`, a slot that holds the only
+// reference to a string, and empties their slots. On failure (std::bad_alloc) nothing is appended.
 void appendPieces(const ConcatExpr* concat, std::uint32_t first, Value& text, Value* base) {
   Heap& heap = concat->interpreter->heap;
   Value* const begin = piecesOf(concat, base) + first;
@@ -112,9 +122,59 @@ void appendPieces(const ConcatExpr* concat, std::uint32_t first, Value& text, Va
   clearSlots(begin, end);
 }
 
+// `s = s .. x`: appends in place where nobody else holds the string. The old s is the left operand
+// also when evaluating the others changes s, so s is held meanwhile, and the append is in place
+// only if s still is that very string.
+Value appendToVariable(const Node* node, Value* base) {
+  const auto* const statement = static_cast<const AssignmentStmt*>(node);
+  const auto* const variable = static_cast<const VariableExpr*>(statement->targets[0].expression);
+  const auto* const concat = static_cast<const ConcatExpr*>(statement->values[0]);
+  Value& held = slotAt(base, concat->temporariesOffset);
+  held = retain(variableSlot(variable, base));
+  evaluatePieces(concat, 1, base);
+  Value& target = variableSlot(variable, base);
+  Heap& heap = node->interpreter->heap;
+  if (!held.isString() || !target.isString() || target.string != held.string ||
+      held.string->count != 2) {
+    Value text(StringObject::create(
+        heap, held.isString() ? held.string->view() : std::string_view(held.toString())));
+    clearSlot(held);
+    held = text;
+    appendPieces(concat, 1, held, base);
+    text = held;
+    held = Value();
+    replaceSlot(target, text);
+    return normalCompletion();
+  }
+  clearSlot(held);
+  appendPieces(concat, 1, target, base);
+  return normalCompletion();
+}
+
+bool isSameVariable(const Expr& a, const Expr& b) noexcept {
+  if (a.kind != ExprKind::Variable || b.kind != ExprKind::Variable) return false;
+  const auto& left = static_cast<const VariableExpr&>(a);
+  const auto& right = static_cast<const VariableExpr&>(b);
+  return left.variable == right.variable && (left.variable != nullptr || left.cell == right.cell);
+}
+
+bool appendsToItself(const AssignmentStmt& statement) noexcept {
+  if (statement.isLocal || statement.values[0]->kind != ExprKind::Concat) return false;
+  return isSameVariable(*statement.targets[0].expression,
+                        *static_cast<const ConcatExpr*>(statement.values[0])->operands[0]);
+}
+
+}  // namespace
+
 void chooseConcat(ConcatExpr& concat) {
   concat.execute = evaluateConcat;
   concat.test = testValue;
+}
+
+bool chooseAppend(AssignmentStmt& statement) {
+  if (!appendsToItself(statement)) return false;
+  statement.execute = appendToVariable;
+  return true;
 }
 
 }  // namespace tarvel::lua::internal

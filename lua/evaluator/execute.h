@@ -26,8 +26,9 @@ inline bool evaluateCondition(const Expr* condition, Value* base) {
   return condition->test(condition, base);
 }
 
-// Evaluates a list of one or more expressions into consecutive slots, the planned temporaries of
-// the list. Only a call at the end contributes all its values. Returns the number of values.
+// In calls.cpp, for only calls have several values. Evaluates a list of one or more expressions
+// into consecutive slots, the planned temporaries of the list. Only a call at the end contributes
+// all its values. Returns the number of values.
 std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
                                      Value* base);
 

@@ -1,20 +1,12 @@
-#include <array>
-#include <charconv>
-#include <cstring>
-#include <stdexcept>
-#include <string>
-
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operators.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
-#include "lua/value/completion.h"
 #include "lua/value/environment.h"
 #include "lua/value/table.h"
 
-// Literals, unary and logical operators, concatenation, table constructors and function
-// expressions.
+// Literals, unary and logical operators, table constructors and function expressions.
 
 namespace tarvel::lua::internal {
 
@@ -167,31 +159,12 @@ Value makeScriptFunction(const Node* node, Value* base) {
   }
   if (isSound) [[likely]]
     return Value(function);
-  // The planner gave the variable a home, and its declaration made it; anything else is a fault of
-  // ours.
+  // The planner gave the variable a home, and its declaration made it.
   drop(Value(function));
-  throw std::runtime_error("attempted to capture a non-owning TarvelLua environment");
+  unreachable("attempted to capture a non-owning TarvelLua environment");
 }
 
 }  // namespace
-
-std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
-                                     Value* base) {
-  std::uint32_t count = 0;
-  for (; count + 1 < expressions.size; ++count) {
-    slots[count] = evaluateExpression(expressions[count], base);
-  }
-  const Expr* const last = expressions[count];
-  const Value result = last->kind == ExprKind::Call
-                           ? evaluateExpressionMulti(static_cast<const CallExpr*>(last), base)
-                           : evaluateExpression(last, base);
-  if (isSingleValue(result)) {
-    slots[count++] = result;
-  } else if (ReturnSignal::isSeveral(result)) {
-    count += ReturnSignal::count(result);  // they stand where the call's frame started: here
-  }
-  return count;
-}
 
 bool testValue(const Node* node, Value* base) {
   const Value value = node->execute(node, base);
@@ -215,8 +188,10 @@ void chooseUnary(UnaryExpr& unary) {
     case TokenKind::Hash:
       unary.execute = unary.operand->peekable ? evaluateLengthOfVariable : evaluateLength;
       return;
-    default:
+    case TokenKind::Minus:
       return chooseNegation(unary);
+    default:
+      unreachable("not a unary operator");
   }
 }
 

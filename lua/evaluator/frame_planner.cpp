@@ -119,7 +119,7 @@ FramePlanner::Top FramePlanner::planStatement(Stmt& statement, Top top) {
     case StmtKind::Break:
       return top;
   }
-  return top;
+  unreachable("no frame for a statement of this kind");
 }
 
 FramePlanner::Top FramePlanner::planAssignment(AssignmentStmt& statement, Top top) {

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "lua/evaluator/access_objects.h"
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/lua_vm_impl.h"
@@ -19,9 +20,11 @@ using internal::Table;
 using internal::TableKey;
 using internal::Value;
 
+namespace {
+
 // Strings have no fields of their own, only the methods that the global `string` has at this
 // moment.
-static Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned line) {
+Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned line) {
   if (key.isString()) {
     const Value library = interpreter.globals[interpreter.stringLibrarySlot];
     if (library.isTable()) {
@@ -31,6 +34,8 @@ static Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned l
   }
   failRuntime(line, "string indexing only supports library methods");
 }
+
+}  // namespace
 
 void LuaVM::Impl::failIndex(const Value& object, unsigned line) {
   failRuntime(line, std::string("attempt to index a ") + describeValueType(object) + " value");
@@ -64,40 +69,6 @@ Value LuaVM::Impl::indexField(const Value& object, StringObject* name, std::uint
 namespace internal {
 
 namespace {
-
-// ---- How the object of an access is reached. Only an owned one needs release. -------------------
-
-template <class Access>
-struct FrameObject {
-  static constexpr bool kOwned = false;
-  static Value load(const Access* node, Value* base) noexcept {
-    return slotAt(base, node->objectOffset);
-  }
-};
-
-template <class Access>
-struct GlobalObject {
-  static constexpr bool kOwned = false;
-  static Value load(const Access* node, Value*) noexcept {
-    return *static_cast<const VariableExpr*>(node->object)->cell;
-  }
-};
-
-template <class Access>
-struct PeekedObject {
-  static constexpr bool kOwned = false;
-  static Value load(const Access* node, Value* base) {
-    return node->object->peek(node->object, base);
-  }
-};
-
-template <class Access>
-struct OwnedObject {
-  static constexpr bool kOwned = true;
-  static Value load(const Access* node, Value* base) {
-    return evaluateExpression(node->object, base);
-  }
-};
 
 // A field that is peeked at on something that is no table is a fresh method or an error. The access
 // that peeks only wants to index it, which fails for every function alike, so a function that lives
@@ -262,13 +233,13 @@ bool isGlobalVariable(const Expr& expression) noexcept {
 void chooseField(FieldExpr& field) {
   if (isFrameVariable(*field.object)) {
     field.objectOffset = frameOffsetOf(*field.object);
-    chooseFieldObject<FrameObject<FieldExpr>>(field);
+    chooseFieldObject<FrameObject>(field);
   } else if (isGlobalVariable(*field.object)) {
-    chooseFieldObject<GlobalObject<FieldExpr>>(field);
+    chooseFieldObject<GlobalObject>(field);
   } else if (field.object->peekable) {
-    chooseFieldObject<PeekedObject<FieldExpr>>(field);
+    chooseFieldObject<PeekedObject>(field);
   } else {
-    field.execute = readField<OwnedObject<FieldExpr>>;
+    field.execute = readField<OwnedObject>;
     field.test = testValue;
   }
 }
@@ -276,9 +247,9 @@ void chooseField(FieldExpr& field) {
 void chooseIndex(IndexExpr& index) {
   if (isFrameVariable(*index.object)) {
     index.objectOffset = frameOffsetOf(*index.object);
-    chooseKey<FrameObject<IndexExpr>>(index);
+    chooseKey<FrameObject>(index);
   } else if (index.peekable) {
-    chooseKey<PeekedObject<IndexExpr>>(index);
+    chooseKey<PeekedObject>(index);
   } else {
     index.execute = readIndexKeepingObject;
     index.test = testValue;

@@ -3,8 +3,8 @@
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/iteration.h"
 #include "lua/evaluator/node_functions.h"
-#include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
+#include "lua/value/errors.h"
 
 // `while` and both kinds of `for`. The body's block releases the iteration's locals; the loop only
 // looks at how the body ended.

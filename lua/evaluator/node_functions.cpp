@@ -89,6 +89,7 @@ class NodeFunctionSelector {
       case StmtKind::Break:
         return chooseBreak(static_cast<BreakStmt&>(statement));
     }
+    unreachable("no function for a statement of this kind");
   }
 
   // From the last branch to the first, each with the next as what runs otherwise.
@@ -165,14 +166,14 @@ class NodeFunctionSelector {
       case ExprKind::Function:
         return selectFunction(static_cast<FunctionExpr&>(*expression));
     }
+    unreachable("no function for an expression of this kind");
   }
 
   void selectBinary(BinaryExpr& binary) {
     selectExpression(binary.left);
     selectExpression(binary.right);
     if (binary.op == TokenKind::And || binary.op == TokenKind::Or) return chooseLogic(binary);
-    if (binary.op >= TokenKind::Equal && binary.op <= TokenKind::GreaterEqual)
-      return chooseComparison(binary);
+    if (isComparison(binary.op)) return chooseComparison(binary);
     chooseArithmetic(binary);
   }
 

@@ -12,20 +12,30 @@ namespace tarvel::lua::internal {
 void chooseLiteral(LiteralExpr& literal);
 void chooseUnary(UnaryExpr& unary);
 void chooseLogic(BinaryExpr& logic);  // `and`, `or`
-void chooseConcat(ConcatExpr& concat);
 void chooseTable(TableExpr& table);
 void chooseFunction(FunctionExpr& function);
+// The truth of an expression that has no shorter way to it.
+bool testValue(const Node* node, Value* base);
+
+// concatenation.cpp
+void chooseConcat(ConcatExpr& concat);
+// For `s = s .. x`; false when the statement is no such append.
+bool chooseAppend(AssignmentStmt& statement);
 
 // variables.cpp
 void chooseVariable(VariableExpr& variable);
 
 // arithmetic.cpp
 void chooseArithmetic(BinaryExpr& arithmetic);
-void chooseArithmeticStore(
-    AssignmentStmt& statement);  // of an arithmetic value into a scalar frame variable
+// For an arithmetic value that goes into a frame variable which only ever holds scalars.
+void chooseArithmeticStore(AssignmentStmt& statement);
 
 // comparisons.cpp
 void chooseComparison(BinaryExpr& comparison);
+// For an `if` on a comparison; false when it is on something else.
+bool chooseFusedIf(IfStmt& statement);
+
+// branches.cpp
 void chooseIf(IfStmt& statement);      // by its `condition`, `thenNode` and `otherwiseNode`
 void chooseLadder(IfStmt& statement);  // by its branches and `otherwiseNode`
 
@@ -45,18 +55,14 @@ void chooseFunctionDeclaration(FunctionDeclarationStmt& statement);
 void chooseBlock(Block& block, Arena& arena);
 void chooseReturn(ReturnStmt& statement);
 void chooseBreak(BreakStmt& statement);
+// What to execute for a body: the block, or its only statement where the block itself has nothing
+// to do.
+const Node* bodyNodeOf(const Block& block) noexcept;
 
 // loops.cpp
 void chooseWhile(WhileStmt& loop);
 void chooseNumericFor(NumericForStmt& loop);
 void chooseGenericFor(GenericForStmt& loop);
-
-// The truth of an expression that has no shorter way to it.
-bool testValue(const Node* node, Value* base);
-
-// What to execute for a body: the block, or its only statement where the block itself has nothing
-// to do.
-const Node* bodyNodeOf(const Block& block) noexcept;
 
 inline bool isFrameVariable(const Expr& expression) noexcept {
   return expression.kind == ExprKind::Variable &&

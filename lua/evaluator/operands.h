@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include "lua/evaluator/execute.h"
@@ -169,10 +170,20 @@ inline typename Use::Result withOperands(const BinaryExpr* node, const Node* sta
   return Use::template apply<Left, Right>(statement, base, left, right);
 }
 
-// In the order in which the policies stand in the lists.
+// What an operand looks like: the number of its policy in the lists.
 enum class OperandShape : std::size_t { Frame, Constant, Other, Field, Product };
 using LeftOperands = std::tuple<LeftFrame, Constant, LeftOther, LeftField, LeftProduct>;
 using RightOperands = std::tuple<RightFrame, Constant, RightOther, RightField, RightProduct>;
+
+template <OperandShape Shape, class Left, class Right>
+constexpr bool kHasPolicies =
+    std::is_same_v<std::tuple_element_t<static_cast<std::size_t>(Shape), LeftOperands>, Left>&&
+        std::is_same_v<std::tuple_element_t<static_cast<std::size_t>(Shape), RightOperands>, Right>;
+static_assert(kHasPolicies<OperandShape::Frame, LeftFrame, RightFrame>);
+static_assert(kHasPolicies<OperandShape::Constant, Constant, Constant>);
+static_assert(kHasPolicies<OperandShape::Other, LeftOther, RightOther>);
+static_assert(kHasPolicies<OperandShape::Field, LeftField, RightField>);
+static_assert(kHasPolicies<OperandShape::Product, LeftProduct, RightProduct>);
 
 struct OperandShapes {
   OperandShape left;
@@ -204,7 +215,9 @@ inline OperandShapes operandShapes(const BinaryExpr& node) noexcept {
   return shapes;
 }
 
-inline OperandShapes noteOperands(BinaryExpr& node) noexcept {
+// Writes where the operands are into the node, which its function and those of nodes that it is
+// fused into read: offsets of frame variables, and the constant.
+inline OperandShapes placeOperands(BinaryExpr& node) noexcept {
   const OperandShapes shapes = operandShapes(node);
   if (shapes.left == OperandShape::Frame) node.leftOffset = frameOffsetOf(*node.left);
   if (shapes.right == OperandShape::Frame) node.rightOffset = frameOffsetOf(*node.right);

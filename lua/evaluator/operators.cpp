@@ -21,8 +21,10 @@ const char* operatorText(TokenKind op) {
       return "*";
     case TokenKind::Slash:
       return "/";
-    default:
+    case TokenKind::Percent:
       return "%";
+    default:
+      unreachable("not an arithmetic operator");
   }
 }
 
@@ -35,8 +37,10 @@ bool ordered(TokenKind op, T left, T right) {
       return left <= right;
     case TokenKind::Greater:
       return left > right;
-    default:
+    case TokenKind::GreaterEqual:
       return left >= right;
+    default:
+      unreachable("not an ordering operator");
   }
 }
 
@@ -126,9 +130,11 @@ Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, un
       // A divisor within the epsilon counts as zero; this is meant.
       if (isZeroDivisor(right.asFloat())) failRuntime(line, "division by zero");
       return divideNumbers(left, right);
-    default:
+    case TokenKind::Percent:
       if (isZeroDivisor(right.asFloat())) failRuntime(line, "modulo by zero");
       return moduloNumbers(left, right);
+    default:
+      unreachable("not an arithmetic operator");
   }
 }
 

@@ -42,12 +42,8 @@ Value integerOrFloat(std::string_view text) {
   return result.ec == std::errc() ? Value(value) : Value(decimalNumber(text));
 }
 
-bool isComparison(TokenKind kind) {
-  return kind >= TokenKind::Equal && kind <= TokenKind::GreaterEqual;
-}
-
 bool isFactorOperator(TokenKind kind) {
-  return kind >= TokenKind::Star && kind <= TokenKind::Percent;
+  return kind == TokenKind::Star || kind == TokenKind::Slash || kind == TokenKind::Percent;
 }
 
 bool isUnaryOperator(TokenKind kind) {

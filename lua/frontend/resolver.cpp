@@ -1,6 +1,6 @@
 #include "lua/frontend/resolver.h"
 
-#include <stdexcept>
+#include "lua/value/errors.h"
 
 namespace tarvel::lua::internal {
 
@@ -96,7 +96,7 @@ void Resolver::resolveStatement(Stmt& statement) {
     case StmtKind::Break:
       return;
   }
-  throw std::runtime_error("unable to resolve statement");
+  unreachable("unable to resolve statement");
 }
 
 // The values are resolved before the names are declared, so in `local x = x` the right one is the

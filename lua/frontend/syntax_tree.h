@@ -329,7 +329,7 @@ struct IfStmt : Stmt {
   Block* elseBody;  // null when absent
   // As it is executed: the first branch, and what runs when its condition is false (null: nothing).
   // Further branches are an IfStmt of their own there.
-  const Expr* condition = nullptr;
+  const Expr* condition = nullptr;  // of `if not x` without an else: x
   const Node* thenNode = nullptr;
   const Node* otherwiseNode = nullptr;
 };

@@ -5,7 +5,8 @@
 
 namespace tarvel::lua::internal {
 
-// The numbers are fixed: keywords stand in alphabetical order, operators are compared as ranges.
+// The numbers are fixed. Punctuation and operators come first, then the keywords in alphabetical
+// order.
 enum class TokenKind : std::uint32_t {
   Identifier = 0,
   Integer = 1,
@@ -56,6 +57,35 @@ enum class TokenKind : std::uint32_t {
   While = 46,
   EndOfFile = 47,
 };
+
+// `+`, `-`, `*`, `/` and `%`.
+constexpr bool isArithmetic(TokenKind kind) noexcept {
+  switch (kind) {
+    case TokenKind::Plus:
+    case TokenKind::Minus:
+    case TokenKind::Star:
+    case TokenKind::Slash:
+    case TokenKind::Percent:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// `==`, `~=` and the four that order.
+constexpr bool isComparison(TokenKind kind) noexcept {
+  switch (kind) {
+    case TokenKind::Equal:
+    case TokenKind::NotEqual:
+    case TokenKind::Less:
+    case TokenKind::LessEqual:
+    case TokenKind::Greater:
+    case TokenKind::GreaterEqual:
+      return true;
+    default:
+      return false;
+  }
+}
 
 struct Token {
   TokenKind kind;

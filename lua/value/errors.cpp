@@ -18,6 +18,8 @@ void failRuntime(unsigned line, const std::string& message) {
 
 void failRuntime(unsigned line, const char* message) { failRuntime(line, std::string(message)); }
 
+void unreachable(const char* message) { throw std::runtime_error(message); }
+
 const char* exceptionText(const std::exception& error) noexcept {
   return dynamic_cast<const std::bad_alloc*>(&error) != nullptr ? "not enough memory"
                                                                 : error.what();

@@ -37,6 +37,11 @@ struct ExitSignal {
 // "attempt to <action> a <kind> value" and the like are built here, away from the hot paths.
 [[noreturn]] void failRuntime(unsigned line, const char* message);
 
+// Raises a std::runtime_error: the interpreter itself is wrong, for a well-formed tree never gets
+// here. Ends switches over operators and kinds of nodes, so that one that is new and forgotten
+// somewhere is noticed.
+[[noreturn]] void unreachable(const char* message);
+
 // What a standard exception is reported as: its own text, but "not enough memory" for
 // std::bad_alloc, whose text is the C++ library's.
 const char* exceptionText(const std::exception& error) noexcept;

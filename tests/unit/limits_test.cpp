@@ -89,6 +89,15 @@ TEST(Recursion, ThroughLongBlocksIsAnErrorToo) {
     runOnStack(size * kMegabyte, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
 }
 
+// Nor does any other level of a tall tree. Where it ends on the stack differs from size to size.
+TEST(Recursion, ThroughTallTreesIsAnErrorToo) {
+  const std::string source = "n = 0 function f() n = n + 1 return " + repeated("1 .. (", 3500) +
+                             "f()" + repeated(")", 3500) + " end f()";
+  const std::size_t least = (kSanitized ? 45 : 15) * kMegabyte;  // with less it is not even read
+  for (std::size_t size = least; size < least + 900 * kKilobyte; size += 90 * kKilobyte)
+    runOnStack(size, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
+}
+
 // A run inside a run inside a run.
 std::string recurseThroughHost() {
   LuaVM vm;
