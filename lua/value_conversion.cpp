@@ -27,19 +27,6 @@ using internal::Value;
 using internal::ValueKind;
 using internal::ValueSpan;
 
-// ---- Public values ------------------------------------------------------------------------------
-
-LuaValue::LuaValue(std::int64_t integer) : type(Type::Integer), data(integer) {}
-LuaValue::LuaValue(double number) : type(Type::Float), data(number) {}
-LuaValue::LuaValue(bool boolean) : type(Type::Boolean), data(boolean) {}
-LuaValue::LuaValue(std::string text) : type(Type::String), data(std::move(text)) {}
-LuaValue::LuaValue(const char* text) : LuaValue(std::string(text)) {}
-LuaValue::LuaValue(std::shared_ptr<Sequence> sequence)
-    : type(Type::Sequence), data(std::move(sequence)) {}
-LuaValue::LuaValue(std::shared_ptr<Object> object) : type(Type::Object), data(std::move(object)) {}
-LuaValue::LuaValue(std::shared_ptr<LuaFunctionHandle> function)
-    : type(Type::Function), data(std::move(function)) {}
-
 // ---- Functions that crossed ---------------------------------------------------------------------
 
 // Holds a share in the function and in the heap that it lives in, so that it may outlive the
@@ -81,6 +68,11 @@ constexpr std::size_t kHostBytesPerConversion = 2048;
 }
 
 [[noreturn]] void failUnsupported() { throw std::runtime_error("unsupported TarvelLua value"); }
+
+// A host can set `type` and `data` apart.
+void requireConsistent(const LuaValue& value) {
+  if (static_cast<std::size_t>(value.type) != value.data.index()) failUnsupported();
+}
 
 bool isTooDeep(int depth) noexcept {
   return depth > kDeepestConversion || internal::hostStackRoom() < kHostBytesPerConversion;
@@ -213,26 +205,26 @@ class PublicReader {
 
   // Returns an owned value.
   Value read(const LuaValue& value, int depth) {
-    switch (value.data.index()) {
-      case 0:
-        return Value();
-      case 1:
+    requireConsistent(value);
+    switch (value.type) {
+      case LuaValue::Type::Nil:
+        break;
+      case LuaValue::Type::Integer:
         return Value(std::get<std::int64_t>(value.data));
-      case 2:
+      case LuaValue::Type::Float:
         return Value(std::get<double>(value.data));
-      case 3:
+      case LuaValue::Type::Boolean:
         return Value(std::get<bool>(value.data));
-      case 4:
+      case LuaValue::Type::String:
         return Value(StringObject::create(heap_, std::get<std::string>(value.data)));
-      case 5:
+      case LuaValue::Type::Sequence:
         return readSequence(std::get<std::shared_ptr<LuaValue::Sequence>>(value.data).get(), depth);
-      case 6:
+      case LuaValue::Type::Object:
         return readObject(std::get<std::shared_ptr<LuaValue::Object>>(value.data).get(), depth);
-      case 7:
+      case LuaValue::Type::Function:
         return readFunction(std::get<std::shared_ptr<LuaFunctionHandle>>(value.data).get());
-      default:
-        failUnsupported();
     }
+    return Value();
   }
 
  private:
@@ -299,25 +291,26 @@ class PublicPrinter {
 
   void print(const LuaValue& value, int depth = 0) {
     if (isTooDeep(depth)) failBridgeOut();
-    switch (value.data.index()) {
-      case 1:
+    requireConsistent(value);
+    switch (value.type) {
+      case LuaValue::Type::Nil:
+        return append("nil");
+      case LuaValue::Type::Integer:
         return Value(std::get<std::int64_t>(value.data)).appendTo(text_);
-      case 2:
+      case LuaValue::Type::Float:
         return Value(std::get<double>(value.data)).appendTo(text_);
-      case 3:
+      case LuaValue::Type::Boolean:
         return Value(std::get<bool>(value.data)).appendTo(text_);
-      case 4:
+      case LuaValue::Type::String:
         return append(std::get<std::string>(value.data));
-      case 5:
+      case LuaValue::Type::Sequence:
         return printSequence(std::get<std::shared_ptr<LuaValue::Sequence>>(value.data).get(),
                              depth + 1);
-      case 6:
+      case LuaValue::Type::Object:
         return printObject(std::get<std::shared_ptr<LuaValue::Object>>(value.data).get(),
                            depth + 1);
-      case 7:
+      case LuaValue::Type::Function:
         return printFunction(std::get<std::shared_ptr<LuaFunctionHandle>>(value.data).get());
-      default:
-        append("nil");
     }
   }
 

@@ -5,6 +5,8 @@
 #include <limits>
 #include <new>
 
+#include "lua/value/hashing.h"
+
 namespace tarvel::lua::internal {
 
 namespace {
@@ -52,24 +54,8 @@ void StringObject::append(std::string_view more) noexcept {
   cachedHash = 0;
 }
 
-// Eight bytes at a time, multiplied and folded; the tail is read as one padded word.
 std::uint32_t StringObject::hashOf(std::string_view bytes) noexcept {
-  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
-  std::uint64_t state = bytes.size() * kMultiplier;
-  const char* next = bytes.data();
-  std::size_t left = bytes.size();
-  std::uint64_t word = 0;
-  for (; left >= sizeof word; left -= sizeof word, next += sizeof word) {
-    std::memcpy(&word, next, sizeof word);
-    state = (state ^ word) * kMultiplier;
-    state ^= state >> 32;
-  }
-  word = 0;
-  if (left > 0) std::memcpy(&word, next, left);
-  state = (state ^ word) * kMultiplier;
-  state ^= state >> 29;
-  state *= kMultiplier;
-  const auto hash = static_cast<std::uint32_t>(state >> 32);
+  const std::uint32_t hash = hashOfBytes(bytes, processHashSecrets());
   return hash != 0 ? hash : 1;
 }
 

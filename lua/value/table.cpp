@@ -4,6 +4,7 @@
 #include <limits>
 #include <new>
 
+#include "lua/value/hashing.h"
 #include "lua/value/number_rules.h"
 
 namespace tarvel::lua::internal {
@@ -39,9 +40,8 @@ std::uint32_t grownCapacity(std::uint32_t current, std::uint32_t needed) {
 }  // namespace
 
 TableKey TableKey::ofInteger(std::int64_t key) noexcept {
-  const std::uint64_t mixed = static_cast<std::uint64_t>(key) * 0x9E3779B97F4A7C15;
   TableKey result;
-  result.word = keyWord(kInteger, static_cast<std::uint32_t>(mixed >> 32));
+  result.word = keyWord(kInteger, hashOfInteger(key, processHashSecrets()));
   result.integer = key;
   return result;
 }

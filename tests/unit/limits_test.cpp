@@ -474,5 +474,34 @@ TEST(Memory, RunningOutLeavesNoGlobalWithoutAVariable) {
   EXPECT_EXIT(runOutWhileSettingGlobals(), ::testing::ExitedWithCode(0), "");
 }
 
+// Assigns a text that there is no memory for to values of other kinds, and ends the process with
+// status 0 if all of them stay what they were.
+[[noreturn]] void copyWithoutMemory() {
+  const LuaValue text(std::string(kLittleMemory, 'x'));
+  const std::pair<LuaValue, std::string> targets[] = {
+      {LuaValue(), "nil"},
+      {integer(1), "i1"},
+      {LuaValue("short"), "'short'"},
+      {sequence(integer(1)), "[i1]"},
+      {object({{"a", integer(1)}}), "{a: i1}"},
+  };
+  limitMemory(kLittleMemory / 2);
+  bool allStay = true;
+  for (auto [target, before] : targets) {
+    try {
+      target = text;
+      allStay = false;
+    } catch (const std::bad_alloc&) {
+      allStay = allStay && typed(target) == before;
+    }
+  }
+  _exit(allStay && !::testing::Test::HasFailure() ? 0 : 1);
+}
+
+TEST(Memory, AFailedCopyLeavesTheHostsValue) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  EXPECT_EXIT(copyWithoutMemory(), ::testing::ExitedWithCode(0), "");
+}
+
 }  // namespace
 }  // namespace tarvel::lua

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -77,11 +78,28 @@ struct LuaValue {
   explicit LuaValue(std::shared_ptr<Object> object);
   explicit LuaValue(std::shared_ptr<LuaFunctionHandle> function);
 
+  // A copy that fails for want of memory (std::bad_alloc) leaves the target as it was.
+  LuaValue(const LuaValue& other);
+  LuaValue(LuaValue&&) noexcept = default;
+  LuaValue& operator=(const LuaValue& other);
+  LuaValue& operator=(LuaValue&& other) noexcept;
+  // Does not recurse, however deep sequences and objects are nested.
+  ~LuaValue() {
+    if (data.index() == static_cast<std::size_t>(Type::Sequence) ||
+        data.index() == static_cast<std::size_t>(Type::Object)) {
+      releaseContainer();
+    }
+  }
+
   // As `print` shows it: "{1, 2}" for a sequence, "{1: 5, name: x}" for an object (keys that are
   // integers first, in ascending order, then the others bytewise), "[function name]" for a
   // function. Throws std::runtime_error "value cannot be bridged out of TarvelLua" for a value that
-  // is nested too deeply, such as one that contains itself.
+  // is nested too deeply, such as one that contains itself, and "unsupported TarvelLua value" where
+  // a `type` is not the index of its `data`.
   std::string toString() const;
+
+ private:
+  void releaseContainer() noexcept;  // of a sequence or an object
 };
 
 // What one run of a script came to. It owns what it holds and stays valid after the LuaVM is gone.
@@ -113,8 +131,9 @@ class LuaVM {
   LuaVM& operator=(const LuaVM&) = delete;
 
   // Sets a global variable, replacing its value. The interpreter takes a copy. Throws
-  // std::runtime_error "unsupported TarvelLua value" for a function of another interpreter, or for
-  // a value that is nested too deeply or contains itself.
+  // std::runtime_error "unsupported TarvelLua value" for a function of another interpreter, for a
+  // value that is nested too deeply or contains itself, or where a `type` is not the index of its
+  // `data`.
   void setGlobal(const std::string& name, const LuaValue& value);
 
   // Makes `function` the value of the global `name`. The interpreter keeps a copy for as long as a

@@ -1,0 +1,108 @@
+#include <tarvel/lua/lua_vm.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+// How public values are made, copied and released.
+
+namespace tarvel::lua {
+
+LuaValue::LuaValue(std::int64_t integer) : type(Type::Integer), data(integer) {}
+LuaValue::LuaValue(double number) : type(Type::Float), data(number) {}
+LuaValue::LuaValue(bool boolean) : type(Type::Boolean), data(boolean) {}
+LuaValue::LuaValue(std::string text) : type(Type::String), data(std::move(text)) {}
+LuaValue::LuaValue(const char* text) : LuaValue(std::string(text)) {}
+LuaValue::LuaValue(std::shared_ptr<Sequence> sequence)
+    : type(Type::Sequence), data(std::move(sequence)) {}
+LuaValue::LuaValue(std::shared_ptr<Object> object) : type(Type::Object), data(std::move(object)) {}
+LuaValue::LuaValue(std::shared_ptr<LuaFunctionHandle> function)
+    : type(Type::Function), data(std::move(function)) {}
+
+// A variant that copies its alternative itself may be left without one, which g++ 12 takes to be
+// impossible for these types and then releases what is not there.
+LuaValue::LuaValue(const LuaValue& other) : type(other.type) {
+  const auto copyInto = [this](auto alternative) {
+    data.emplace<decltype(alternative)>(std::move(alternative));
+  };
+  std::visit(copyInto, other.data);
+}
+
+LuaValue& LuaValue::operator=(const LuaValue& other) { return *this = LuaValue(other); }
+
+// The other value may be a part of this one, and must then be out of it before it goes.
+LuaValue& LuaValue::operator=(LuaValue&& other) noexcept {
+  LuaValue taken(std::move(other));
+  std::swap(type, taken.type);
+  data.swap(taken.data);
+  return *this;
+}
+
+namespace {
+
+// Releases sequences and objects one after the other: those that go with another one wait until
+// that is gone, so that no depth of nesting uses up the stack.
+class ReleaseQueue {
+ public:
+  static void release(std::shared_ptr<void> container) noexcept {
+    if (active_ != nullptr) {
+      active_->add(std::move(container));
+      return;
+    }
+    ReleaseQueue queue;
+    active_ = &queue;
+    container.reset();
+    while (queue.releaseLast()) continue;
+    active_ = nullptr;
+  }
+
+ private:
+  // Enough for any chain, so that it needs no memory.
+  static constexpr std::size_t kRoom = 4;
+
+  // Where there is no memory to let it wait, it goes at once.
+  void add(std::shared_ptr<void> container) noexcept {
+    if (count_ < kRoom) {
+      waiting_[count_++] = std::move(container);
+      return;
+    }
+    try {
+      more_.push_back(std::move(container));
+    } catch (const std::bad_alloc&) {
+    }
+  }
+
+  bool releaseLast() noexcept {
+    std::shared_ptr<void> last;
+    if (!more_.empty()) {
+      last = std::move(more_.back());
+      more_.pop_back();
+    } else if (count_ > 0) {
+      last = std::move(waiting_[--count_]);
+    }
+    return last != nullptr;
+  }
+
+  static inline constinit thread_local ReleaseQueue* active_ = nullptr;  // the outermost release's
+
+  std::array<std::shared_ptr<void>, kRoom> waiting_;
+  std::size_t count_ = 0;
+  std::vector<std::shared_ptr<void>> more_;
+};
+
+}  // namespace
+
+void LuaValue::releaseContainer() noexcept {
+  if (auto* const sequence = std::get_if<std::shared_ptr<Sequence>>(&data)) {
+    if (*sequence != nullptr) ReleaseQueue::release(std::move(*sequence));
+  } else if (auto* const object = std::get_if<std::shared_ptr<Object>>(&data)) {
+    if (*object != nullptr) ReleaseQueue::release(std::move(*object));
+  }
+}
+
+}  // namespace tarvel::lua
