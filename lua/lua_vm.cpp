@@ -14,6 +14,7 @@
 namespace tarvel::lua {
 
 using internal::ChunkReference;
+using internal::ExitRequest;
 using internal::ExitSignal;
 using internal::HostStackScope;
 using internal::MultiValue;
@@ -40,7 +41,7 @@ LuaVM::~LuaVM() {
 void LuaVM::setGlobal(const std::string& name, const LuaValue& value) {
   const std::shared_ptr<Impl> impl = impl_;
   const HostStackScope hostStack;
-  impl->setGlobalValue(name, impl->publicToValue(value));
+  impl->globals.set(name, impl->publicToValue(value));
 }
 
 void LuaVM::bindFunction(const std::string& name, HostFunction function) {
@@ -63,33 +64,20 @@ LuaVM::Impl::Impl(LuaVM& ownerVm)
       patterns(std::make_unique<internal::PatternCache>()) {}
 
 void LuaVM::Impl::fillGlobals() {
-  anyFunction = OwnedValue(makeNative("", {}));
-  outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
+  standard.function = OwnedValue(makeNative("", {}));
+  standard.outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
   bindDefaults();
-  stringLibrarySlot = resolveGlobalSlot("string");
+  standard.stringLibrarySlot = resolveGlobalSlot("string");
 }
 
 LuaVM::Impl::~Impl() { end(); }
 
 void LuaVM::Impl::end() noexcept {
   const internal::DestructionScope destruction;
-  clearGlobals();
-  ended = true;
+  globals.clear();
+  ended_ = true;
   heap.closeResources();
-  clearGlobals();  // what the host's destructors have set meanwhile
-}
-
-// From the last to the first. The slots stay, because trees point at them.
-void LuaVM::Impl::clearGlobals() noexcept {
-  for (std::size_t i = globals.size(); i-- > 0;) internal::clearSlot(globals[i]);
-}
-
-LuaVM::Impl::Value LuaVM::Impl::makeString(std::string_view bytes) {
-  if (bytes.size() > 1) return Value(internal::StringObject::create(heap, bytes));
-  OwnedValue& shared =
-      bytes.empty() ? emptyString : oneByteStrings[static_cast<unsigned char>(bytes[0])];
-  if (shared.get().isNil()) shared = OwnedValue(Value(strings.intern(bytes)));
-  return retain(shared.get());
+  globals.clear();  // what the host's destructors have set meanwhile
 }
 
 LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,
@@ -111,15 +99,15 @@ constexpr std::size_t kLeastHostStack = std::size_t{16} << 10;
 // no exit that would be taken for one of a run around it.
 class RunScope {
  public:
-  RunScope(ValueStack& stack, bool& exitRequested)
+  RunScope(ValueStack& stack, ExitRequest& exit)
       : stack_(stack),
         mark_(destruction_.isNested() ? stack.markBeyondFrames() : stack.mark()),
-        exitRequested_(exitRequested) {
+        exit_(exit) {
     stack_.enterThread();
   }
   ~RunScope() {
     stack_.unwindTo(mark_);
-    exitRequested_ = false;
+    exit_ = {};
   }
   RunScope(const RunScope&) = delete;
   RunScope& operator=(const RunScope&) = delete;
@@ -129,7 +117,7 @@ class RunScope {
   const internal::DestructionScope destruction_;
   ValueStack& stack_;
   ValueStack::Mark mark_;
-  bool& exitRequested_;
+  ExitRequest& exit_;
 };
 
 }  // namespace
@@ -147,9 +135,9 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
 // Throws std::bad_alloc when there is no memory to say what failed. What the run held is released
 // before that is put into words.
 LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
-  std::optional<RunScope> scope(std::in_place, stack, exitRequested);
+  std::optional<RunScope> scope(std::in_place, stack, exit_);
   try {
-    if (ended) throw std::runtime_error("the interpreter has ended");
+    if (ended_) throw std::runtime_error("the interpreter has ended");
     if (internal::hostStackRoom() < kLeastHostStack) throw RuntimeError("stack overflow", 1, true);
     MultiValue results;
     {
@@ -158,8 +146,7 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
     }
     return makeSuccess(results);
   } catch (const ExitSignal& exit) {
-    exitRequested = true;
-    exitCode = exit.code;
+    exit_ = {true, exit.code};
     return makeSuccess(MultiValue(Value(static_cast<std::int64_t>(exit.code))));
   } catch (const ProtectedRuntimeError& error) {
     scope.reset();
@@ -181,8 +168,8 @@ LuaResult LuaVM::Impl::makeSuccess(const MultiValue& results) const {
     result.value = valueToPublic(list.get());
   }
   result.ok = true;
-  result.exitRequested = exitRequested;
-  result.exitCode = exitRequested ? exitCode : 0;
+  result.exitRequested = exit_.isMade;
+  result.exitCode = exit_.code;
   return result;
 }
 

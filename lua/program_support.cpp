@@ -2,6 +2,7 @@
 
 #include <tarvel/lua/lua_vm.h>
 
+#include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/buffered_file.h"
 

@@ -391,7 +391,7 @@ LuaVM::Impl::Value LuaVM::Impl::publicToValue(const LuaValue& value) {
   return PublicReader(heap).read(value, 0);
 }
 
-void LuaVM::Impl::writePublic(const LuaValue& value, TextWriter write) {
+void LuaVM::Impl::printPublic(const LuaValue& value, TextWriter write) {
   PublicPrinter printer(write);
   printer.print(value);
   printer.flush();

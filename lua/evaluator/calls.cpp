@@ -367,11 +367,9 @@ using internal::ReturnSignal;
 using internal::Value;
 using internal::ValueSpan;
 
-Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, unsigned line) {
-  return internal::callAny(*this, frame, count, line);
-}
+namespace {
 
-MultiValue LuaVM::Impl::takeResults(Value completion) {
+MultiValue takeResults(Value completion) {
   if (isSingleValue(completion)) return MultiValue(completion);
   MultiValue results;
   if (!ReturnSignal::isSeveral(completion)) return results;
@@ -382,6 +380,8 @@ MultiValue LuaVM::Impl::takeResults(Value completion) {
   }
   return results;
 }
+
+}  // namespace
 
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, unsigned line) {
   if (!callee.isFunction()) internal::failNotCallable(callee, line);
@@ -394,7 +394,8 @@ MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan
   if (!stack.makeRoom(frame + 1 + arguments.size(), 0)) internal::failStackOverflow(line);
   frame[0] = retain(Value(function));
   for (std::size_t i = 0; i < arguments.size(); ++i) frame[1 + i] = retain(arguments[i]);
-  return takeResults(callFrame(frame, static_cast<std::uint32_t>(arguments.size()), line));
+  const auto count = static_cast<std::uint32_t>(arguments.size());
+  return takeResults(internal::callAny(*this, frame, count, line));
 }
 
 bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const Value& second,
@@ -416,7 +417,7 @@ MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {
   if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->line);
   frame[0] =
       Value(internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, 0));
-  return takeResults(callFrame(frame, 0, chunk.main->line));
+  return takeResults(internal::callAny(*this, frame, 0, chunk.main->line));
 }
 
 }  // namespace tarvel::lua

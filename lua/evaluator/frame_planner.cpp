@@ -2,16 +2,11 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
-#include "lua/lua_vm_impl.h"
+#include "lua/value/errors.h"
 
-namespace tarvel::lua {
-
-void LuaVM::Impl::planFrames(internal::ResolvedChunk& chunk) {
-  stack.announceFrame(internal::FramePlanner(chunk, heap).planChunk());
-}
-
-namespace internal {
+namespace tarvel::lua::internal {
 
 namespace {
 
@@ -309,6 +304,4 @@ CaptureSource FramePlanner::captureSource(OpenFunction& maker, const LocalVariab
   return {From::Capture, isEnvironment, captureIndex(maker, variable)};
 }
 
-}  // namespace internal
-
-}  // namespace tarvel::lua
+}  // namespace tarvel::lua::internal

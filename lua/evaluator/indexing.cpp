@@ -26,7 +26,7 @@ namespace {
 // moment.
 Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned line) {
   if (key.isString()) {
-    const Value library = interpreter.globals[interpreter.stringLibrarySlot];
+    const Value library = interpreter.globals.at(interpreter.standard.stringLibrarySlot);
     if (library.isTable()) {
       const Value method = library.table->getString(key.string);
       if (!method.isNil()) return retain(method);
@@ -35,11 +35,12 @@ Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned line) {
   failRuntime(line, "string indexing only supports library methods");
 }
 
-}  // namespace
-
-void LuaVM::Impl::failIndex(const Value& object, unsigned line) {
+// For what is no table, string or native object.
+[[noreturn]] void failIndex(const Value& object, unsigned line) {
   failRuntime(line, std::string("attempt to index a ") + describeValueType(object) + " value");
 }
+
+}  // namespace
 
 Value LuaVM::Impl::indexValue(const Value& object, const Value& key, unsigned line) {
   switch (object.tag) {
@@ -76,7 +77,7 @@ namespace {
 Value borrowedStandIn(const Node* node, Value owned) {
   const OwnedValue guard(owned);
   return guard.get().isFunction() && guard.get().function->count == 1
-             ? node->interpreter->anyFunction.get()
+             ? node->interpreter->standard.function.get()
              : guard.get();
 }
 

@@ -4,9 +4,7 @@
 
 // Walks a laid-out chunk and has every node's function chosen, children first.
 
-namespace tarvel::lua {
-
-namespace internal {
+namespace tarvel::lua::internal {
 
 namespace {
 
@@ -183,10 +181,8 @@ class NodeFunctionSelector {
 
 }  // namespace
 
-}  // namespace internal
-
-void LuaVM::Impl::selectNodeFunctions(internal::ResolvedChunk& chunk) {
-  internal::NodeFunctionSelector(*this, chunk.arena).selectFunction(*chunk.main);
+void selectNodeFunctions(LuaVM::Impl& interpreter, ResolvedChunk& chunk) {
+  NodeFunctionSelector(interpreter, chunk.arena).selectFunction(*chunk.main);
 }
 
-}  // namespace tarvel::lua
+}  // namespace tarvel::lua::internal

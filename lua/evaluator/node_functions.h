@@ -8,6 +8,9 @@
 
 namespace tarvel::lua::internal {
 
+// Has the functions of all nodes of a laid-out chunk chosen.
+void selectNodeFunctions(LuaVM::Impl& interpreter, ResolvedChunk& chunk);
+
 // expressions.cpp
 void chooseLiteral(LiteralExpr& literal);
 void chooseUnary(UnaryExpr& unary);

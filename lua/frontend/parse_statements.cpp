@@ -10,7 +10,7 @@
 namespace tarvel::lua::internal {
 
 Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
-               StringInterner& strings, std::uint32_t nestingLimit)
+               StringPool& strings, std::uint32_t nestingLimit)
     : tokens_(std::move(tokens)),
       chunkName_(std::move(chunkName)),
       chunk_(chunk),

@@ -10,7 +10,7 @@
 
 #include "lua/frontend/syntax_tree.h"
 #include "lua/frontend/token.h"
-#include "lua/value/string_object.h"
+#include "lua/value/string_pool.h"
 
 namespace tarvel::lua::internal {
 
@@ -28,7 +28,7 @@ class Parser {
  public:
   // `tokens` ends with its only EndOfFile. `strings` supplies the chunk's names and literals.
   Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
-         StringInterner& strings, std::uint32_t nestingLimit);
+         StringPool& strings, std::uint32_t nestingLimit);
 
   // Parses all tokens: makes `chunk.main` and returns the statements of its body. Throws
   // std::runtime_error "chunkName:line:column: message" (failParse) at the first token that does
@@ -168,7 +168,7 @@ class Parser {
   const std::vector<Token> tokens_;
   const std::string chunkName_;
   ResolvedChunk& chunk_;
-  StringInterner& strings_;
+  StringPool& strings_;
   const std::uint32_t nestingLimit_;
   std::size_t index_ = 0;
   std::uint32_t depth_ = 0;              // levels that are open

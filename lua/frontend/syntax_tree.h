@@ -40,7 +40,7 @@ inline Value& slotAt(Value* base, SlotOffset offset) noexcept {
 struct Node {
   explicit Node(std::uint32_t nodeLine) : line(nodeLine) {}
 
-  NodeFunction execute = nullptr;      // chosen by LuaVM::Impl::selectNodeFunctions
+  NodeFunction execute = nullptr;      // chosen by selectNodeFunctions
   LuaVM::Impl* interpreter = nullptr;  // whose tree this is; set along with `execute`
   std::uint32_t line;                  // 1-based; which token's line it is differs per node kind
 };
@@ -408,6 +408,24 @@ struct ResolvedChunk final : FunctionCode {
 
  private:
   void close() noexcept override;  // gives up the tree and its strings
+};
+
+// A reference to a chunk, as the run and every closure hold one.
+class ChunkReference {
+ public:
+  explicit ChunkReference(ResolvedChunk* owned) : chunk_(owned) {}
+  ChunkReference(ChunkReference&& other) noexcept : chunk_(other.chunk_) { other.chunk_ = nullptr; }
+  ChunkReference(const ChunkReference&) = delete;
+  ChunkReference& operator=(const ChunkReference&) = delete;
+  ~ChunkReference() {
+    if (chunk_ != nullptr) chunk_->removeReference();
+  }
+
+  ResolvedChunk& operator*() const { return *chunk_; }
+  ResolvedChunk* operator->() const { return chunk_; }
+
+ private:
+  ResolvedChunk* chunk_;
 };
 
 }  // namespace tarvel::lua::internal

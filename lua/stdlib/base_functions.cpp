@@ -21,7 +21,7 @@ namespace tarvel::lua::internal {
 LuaValue basePrint(LuaVM&, const std::vector<LuaValue>& arguments) {
   for (const LuaValue& argument : arguments) {
     if (&argument != &arguments.front()) writeStandardOutput("\t");
-    LuaVM::Impl::writePublic(argument, writeStandardOutput);
+    LuaVM::Impl::printPublic(argument, writeStandardOutput);
   }
   writeStandardOutput("\n");
   return LuaValue();
@@ -123,7 +123,7 @@ MultiValue failedCall(LuaVM::Impl& interpreter, const ValueStack::Mark& mark,
 // There may be no memory for a message either.
 MultiValue outOfMemory(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
   interpreter.stack.unwindTo(mark);
-  return MultiValue{Value(false), retain(interpreter.outOfMemoryText.get())};
+  return MultiValue{Value(false), retain(interpreter.standard.outOfMemoryText.get())};
 }
 
 }  // namespace

@@ -184,7 +184,7 @@ MultiValue ioOpen(LuaVM& vm, ValueSpan args, unsigned line) {
 MultiValue ioWrite(LuaVM& vm, ValueSpan args, unsigned line) {
   requireArgumentCount("io.write", args.size(), 1, kAnyCount);
   writeToStream(writeStandardOutput, args, 0, line);
-  return MultiValue(retain(LuaVM::Impl::of(vm).standardOutput.get()));
+  return MultiValue(retain(LuaVM::Impl::of(vm).standard.output.get()));
 }
 
 }  // namespace internal

@@ -16,14 +16,7 @@ using internal::TableKey;
 using internal::Value;
 
 void LuaVM::Impl::bindNativeGlobal(const std::string& name, NativeFunction function) {
-  setGlobalValue(name, makeNative(name, std::move(function)));
-}
-
-void LuaVM::Impl::bindTableFunction(Table& table, const std::string& name,
-                                    NativeFunction function) {
-  OwnedValue value(makeNative(name, std::move(function)));
-  const OwnedValue key(Value(strings.intern(name)));
-  tableSetByKey(table, TableKey::ofString(key.get().string), value.take());
+  globals.set(name, makeNative(name, std::move(function)));
 }
 
 namespace {
@@ -41,7 +34,7 @@ class Library {
 
   Library& functions(std::initializer_list<Member> members) {
     for (const Member& member : members) {
-      interpreter_.bindTableFunction(*table_.get().table, member.name, member.function);
+      value(member.name, interpreter_.makeNative(member.name, member.function));
     }
     return *this;
   }
@@ -53,7 +46,7 @@ class Library {
     return *this;
   }
 
-  void storeAs(const char* globalName) { interpreter_.setGlobalValue(globalName, table_.take()); }
+  void storeAs(const char* globalName) { interpreter_.globals.set(globalName, table_.take()); }
 
  private:
   LuaVM::Impl& interpreter_;
@@ -64,7 +57,7 @@ class Library {
 
 void LuaVM::Impl::bindDefaults() {
   using namespace internal;
-  setGlobalValue("_VERSION", makeString("Tarvel TarvelLua"));
+  globals.set("_VERSION", makeString("Tarvel TarvelLua"));
   // The one function that goes through the bridge for the host's functions, so what it prints is
   // public values.
   bindFunction("print", basePrint);
@@ -91,11 +84,11 @@ void LuaVM::Impl::bindDefaults() {
   Library(*this)
       .functions({{"min", mathMin}, {"max", mathMax}, {"floor", mathFloor}})
       .storeAs("math");
-  standardOutput = OwnedValue(makeStandardOutput(heap));
+  standard.output = OwnedValue(makeStandardOutput(heap));
   Library(*this)
       .functions({{"open", ioOpen}, {"write", ioWrite}})
       .value("stderr", makeStandardError(heap))
-      .value("stdout", retain(standardOutput.get()))
+      .value("stdout", retain(standard.output.get()))
       .storeAs("io");
   Library(*this).functions({{"execute", osExecute}, {"exit", osExit}}).storeAs("os");
 }

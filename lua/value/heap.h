@@ -136,4 +136,17 @@ class Heap {
   std::size_t owners_ = 1;
 };
 
+// One owner's share in a new heap, so that the heap goes last among an interpreter's members.
+class HeapOwner {
+ public:
+  HeapOwner() : heap_(Heap::create()) {}
+  ~HeapOwner() { heap_->removeOwner(); }
+  HeapOwner(const HeapOwner&) = delete;
+  HeapOwner& operator=(const HeapOwner&) = delete;
+  Heap& get() const noexcept { return *heap_; }
+
+ private:
+  Heap* heap_;
+};
+
 }  // namespace tarvel::lua::internal

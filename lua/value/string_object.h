@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
-#include <vector>
 
 #include "lua/value/heap.h"
 #include "lua/value/value.h"
@@ -55,27 +54,6 @@ bool stringsEqual(StringObject* a, StringObject* b) noexcept;
 
 // Orders by unsigned bytes, then the shorter string first: negative, zero or positive.
 int compareStrings(const StringObject* a, const StringObject* b) noexcept;
-
-// One copy of each name and literal of an interpreter's scripts, so that looking up a field by name
-// is usually a comparison of addresses. Holds a reference to each string; those that nobody else
-// holds are dropped when it grows.
-class StringInterner {
- public:
-  explicit StringInterner(Heap& heap) : heap_(heap) {}
-  ~StringInterner();
-  StringInterner(const StringInterner&) = delete;
-  StringInterner& operator=(const StringInterner&) = delete;
-
-  // Returns an owned reference.
-  StringObject* intern(std::string_view bytes);
-
- private:
-  void rebuild();
-
-  Heap& heap_;
-  std::vector<StringObject*> slots_;  // open addressing, a power of two; null: free
-  std::size_t used_ = 0;
-};
 
 // The printable form of a value. Of a string it is the string itself, which must outlive it.
 class PrintableText {

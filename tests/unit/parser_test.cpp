@@ -29,7 +29,7 @@ class ParsedChunk {
 
  private:
   TestHeap heap_;
-  StringInterner strings_{heap_.get()};
+  StringPool strings_{heap_.get()};
   ResolvedChunk chunk_{heap_.get()};
 };
 

@@ -18,6 +18,7 @@
 #include "lua/value/function_handle.h"
 #include "lua/value/iterator_state.h"
 #include "lua/value/string_object.h"
+#include "lua/value/string_pool.h"
 #include "lua/value/table.h"
 #include "tests/unit/value_support.h"
 
@@ -91,11 +92,11 @@ TEST(StringObject, ComparesAndHashesBytes) {
   EXPECT_FALSE(hashes.contains(0));
 }
 
-TEST(StringInterner, KeepsOneCopyOfEachAndForgetsTheUnused) {
+TEST(StringPool, KeepsOneCopyOfEachAndForgetsTheUnused) {
   const TestHeap heap;
   OwnedValue kept;
   {
-    StringInterner strings(heap.get());
+    StringPool strings(heap.get());
     kept = OwnedValue(Value(strings.intern("kept")));
     const OwnedValue withZero(Value(strings.intern({"kept\0", 5})));
     EXPECT_NE(kept.get().string, withZero.get().string);

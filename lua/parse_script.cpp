@@ -1,13 +1,15 @@
 #include <algorithm>
 #include <string>
 
+#include "lua/evaluator/frame_planner.h"
+#include "lua/evaluator/node_functions.h"
 #include "lua/frontend/lexer.h"
 #include "lua/frontend/parser.h"
 #include "lua/frontend/resolver.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
 
-// The front end on one page: text to a tree that the evaluator can run.
+// From text to a tree that can run, on one page.
 
 namespace tarvel::lua {
 
@@ -33,23 +35,6 @@ std::uint32_t nestingLimit() {
 
 }  // namespace
 
-void ResolvedChunk::close() noexcept {
-  for (StringObject* text : strings) drop(Value(text));
-  strings = std::vector<StringObject*>();
-  arena.clear();
-}
-
-StringObject* ResolvedChunk::own(StringObject* text) {
-  OwnedValue guard{Value(text)};
-  strings.push_back(text);
-  guard.take();
-  return text;
-}
-
-ChunkReference::~ChunkReference() {
-  if (chunk_ != nullptr) chunk_->removeReference();
-}
-
 }  // namespace internal
 
 internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
@@ -62,14 +47,14 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
   internal::Resolver resolver(*chunk);
   resolver.resolveChunk();
   bindGlobalSlots(resolver.unboundNames());
-  planFrames(*chunk);
-  selectNodeFunctions(*chunk);
+  stack.announceFrame(internal::FramePlanner(*chunk, heap).planChunk());
+  internal::selectNodeFunctions(*this, *chunk);
   return chunk;
 }
 
 void LuaVM::Impl::bindGlobalSlots(const std::vector<internal::VariableExpr*>& names) {
   for (internal::VariableExpr* variable : names) {
-    variable->cell = &globals[resolveGlobalSlot(variable->name->view())];
+    variable->cell = &globals.at(resolveGlobalSlot(variable->name->view()));
   }
 }
 

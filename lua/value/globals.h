@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+// The global variables of an interpreter: names to numbered slots, dense, in order of first
+// mention, never given up. A slot never moves, so syntax trees point at it.
+class Globals {
+ public:
+  Globals() = default;
+  ~Globals() { clear(); }
+  Globals(const Globals&) = delete;
+  Globals& operator=(const Globals&) = delete;
+
+  // The slot of a name; one that is new gets nil.
+  std::size_t slotOf(std::string_view name);
+  Value& at(std::size_t slot) noexcept { return slots_[slot]; }
+  // Stores an owned value.
+  void set(std::string_view name, Value owned);
+  // Makes all of them nil, from the last to the first.
+  void clear() noexcept;
+
+ private:
+  std::unordered_map<std::string, std::size_t> names_;
+  std::deque<Value> slots_;
+};
+
+}  // namespace tarvel::lua::internal
