@@ -2,7 +2,8 @@
 """Checks that no source includes a file of a layer above its own.
 
 The layers, from the bottom: lua/value, lua/frontend, lua/evaluator, lua/stdlib, the files directly in lua/, cli.
-Two files stand outside the order. The public header is for everybody. lua/lua_vm_impl.h, with the interpreter's state,
+The program (cli) sees only the public header and lua/program_support.h. Two files stand outside the order. The public
+header is for everybody. lua/lua_vm_impl.h, with the interpreter's state,
 is for the sources (not the headers) of any layer; since it thereby reaches all of them, it may itself include nothing
 but lua/value and the public header.
 """
@@ -15,6 +16,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 LAYERS = ("lua/value", "lua/frontend", "lua/evaluator", "lua/stdlib", "lua", "cli")
 PUBLIC_FOLDER = "lua/include/"
 SEAM = "lua/lua_vm_impl.h"
+FOR_THE_PROGRAM = "lua/program_support.h"
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
 
@@ -34,6 +36,8 @@ def judge(path, included, sources):
         return "no such file, counted from the repository's root"
     if included == SEAM:
         return None if path.endswith(".cpp") else "a header must not depend on the interpreter's state"
+    if path.startswith("cli/") and not included.startswith("cli/"):
+        return None if included == FOR_THE_PROGRAM else f"the program may include only {FOR_THE_PROGRAM}"
     own = layer_of("lua/value/" if path == SEAM else path)
     other = layer_of(included)
     if own is None or other is None:
