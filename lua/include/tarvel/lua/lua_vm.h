@@ -18,15 +18,16 @@
 //   else std::cout << result.value.toString() << '\n';       // 20
 //
 // Threads: a LuaVM, and every LuaFunctionHandle that came out of it, is used by one thread at a
-// time, and a run ends on the thread that began it. Two LuaVM objects share nothing and may run on
-// two threads at once. The depth of calls that a script may reach follows from the stack of the
-// thread that runs it; exceeding it is a script error ("stack overflow"), never a crash.
+// time; destroying a handle is a use, also after its LuaVM is gone. A run ends on the thread that
+// began it. Two LuaVM objects share nothing and may run on two threads at once. The depth of calls
+// that a script may reach follows from the stack of the thread that runs it; exceeding it is a
+// script error ("stack overflow"), never a crash.
 
 namespace tarvel::lua {
 
 // A function of a script or of the library that crossed to the host. The host can name it, keep it,
 // and hand it back to the interpreter it came from; the interpreter then sees the very same
-// function. It may outlive its LuaVM.
+// function. It may outlive its LuaVM; then it only has its name.
 class LuaFunctionHandle : public std::enable_shared_from_this<LuaFunctionHandle> {
  public:
   ~LuaFunctionHandle();
@@ -58,8 +59,13 @@ struct LuaValue {
     Float = 2,
     Boolean = 3,
     String = 4,
-    Sequence = 5,  // keys 1 to n of a table
-    Object = 6,    // a table with other keys; every key as text
+    // The keys 1 to n of a table that has no others. A table with a hole in it, or whose keys
+    // above 64 were not set in ascending order, may come as an object.
+    Sequence = 5,
+    // Any other table; every key as text. Of two keys with one text, such as 1 and "1", the one
+    // that `pairs` reaches last remains. On the way in, keys that are whole decimal integers become
+    // integers; which one of several equal ones remains is not determined.
+    Object = 6,
     Function = 7,
   };
 
@@ -105,8 +111,13 @@ struct LuaValue {
 // What one run of a script came to. It owns what it holds and stays valid after the LuaVM is gone.
 struct LuaResult {
   bool ok = false;  // the run finished without an error
-  LuaValue value;   // what the script returned: nil, one value, or a sequence of several
-  // "chunk:line: message"; empty on success, and where there was no memory even for the message.
+  // What the script returned: nil, one value, or several as a table with the keys 1, 2, ...: a
+  // sequence, or an object if there is a nil among them; nils at the end are lost.
+  LuaValue value;
+  // "chunk:line: message". The chunk is the one that was run, also where the failing function came
+  // from another one; the line is that of the function's own text. Without chunk and line "value
+  // cannot be bridged out of TarvelLua" when the script returned a file, an iterator, or a table
+  // that contains itself. Empty on success, and where there was no memory even for the message.
   std::string error;
   bool exitRequested = false;  // the script called os.exit; `value` is then the code
   std::int32_t exitCode = 0;   // the code that it passed
@@ -118,6 +129,12 @@ class LuaVM {
   // A function of the host that scripts can call. It gets copies of the arguments and returns one
   // value. What it throws becomes a script error with the exception's text if it is a
   // std::exception; any other exception passes through pcall and runScriptString to the host.
+  //
+  // It may use the LuaVM: set globals, bind functions, start runs, which have a result, an error
+  // and an os.exit of their own; it may even destroy it. What it holds is destroyed when the last
+  // script that can reach the function gives it up, perhaps in the middle of an expression, or when
+  // the interpreter ends. Those destructors may use the LuaVM, too; near the end of the interpreter
+  // their runs fail with "the interpreter has ended".
   using HostFunction = std::function<LuaValue(LuaVM&, const std::vector<LuaValue>&)>;
 
   // Throws std::bad_alloc when there is no memory for an interpreter.
@@ -137,12 +154,13 @@ class LuaVM {
   void setGlobal(const std::string& name, const LuaValue& value);
 
   // Makes `function` the value of the global `name`. The interpreter keeps a copy for as long as a
-  // script can reach it.
+  // script can reach it. Calling an empty one is a script error.
   void bindFunction(const std::string& name, HostFunction function);
 
   // Runs `source` as one chunk; `chunkName` only labels messages. A script's failure comes back in
   // the result (ok == false), never as an exception. Globals stay for the next run, top-level
   // locals end with this one. May be called again from a host function that the script is calling.
+  // Throws only what a host's function throws that is no std::exception.
   LuaResult runScriptString(const std::string& source, const std::string& chunkName);
 
   class Impl;
