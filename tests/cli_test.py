@@ -125,6 +125,13 @@ Usage:
             self.check_script(f"print(1) os.exit({code}) print(2)", stdout="1\n", status=status)
         self.check_script(";;;")
 
+    def test_messages_with_zero_bytes(self):
+        self.check_script('error("a\\0b")', status=1, stderr=self.failure(1, "a\0b"))
+        self.check("--repl", stdin=b'error("a\\0b")', stdout="lua> lua> ", stderr="<repl>:1: a\0b\n")
+        container = b"TLBC\1\0\0\0\3\0\0\0a\0b\1\0\0\0="
+        stderr = "tarvellua: a\0b:1:1: expected expression\n"
+        self.check("--run-bytecode", self.write("c", container), status=1, stderr=stderr)
+
     def test_little_memory(self):
         if options.sanitized:
             self.skipTest("sanitizers need more address space")
