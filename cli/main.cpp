@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -187,6 +188,16 @@ void occupyStandardDescriptors() {
   }
 }
 
+// A file that may not grow further is then a failed write, which is reported, and not the end of
+// the process. A handler, because the programs that a script starts would inherit SIG_IGN.
+void surviveFileSizeLimit() {
+  struct sigaction action {};
+  if (sigaction(SIGXFSZ, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
+  action.sa_handler = [](int) {};
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGXFSZ, &action, nullptr);
+}
+
 // What a script printed must not get lost silently.
 int finishStandardOutput(int status) {
   const bool failedBefore = std::ferror(stdout) != 0;
@@ -249,5 +260,6 @@ int runWithLargeStack(Arguments arguments) {
 
 int main(int argc, char** argv) {
   tarvel::lua::occupyStandardDescriptors();
+  tarvel::lua::surviveFileSizeLimit();
   return tarvel::lua::runWithLargeStack({argc, argv});
 }

@@ -262,6 +262,22 @@ class ContainerTest(ProgramTest):
             self.check("--compile", script, str(target), preexec_fn=small, status=1, stderr=stderr)
             self.assertFalse(out.exists())
 
+    def test_a_file_that_may_not_grow_is_a_failed_write(self):
+        def restrict():
+            signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096))
+
+        out = self.path("out")
+        script = self.write("long.lua", "-- long enough\n" * 5000)
+        stderr = f"tarvellua: failed to write file: {out}\n"
+        self.check("--compile", script, out, preexec_fn=restrict, status=1, stderr=stderr)
+        self.assertFalse((self.folder / "out").exists())
+        source = 'print(pcall(function() io.open(arg[1], "w"):write(string.rep("x", 100000)) end))'
+        self.check_script(source, out, preexec_fn=restrict, stdout="false\tfailed to write file\n")
+        # What a script starts ends as it always does.
+        source = 'print(os.execute("exec 2> /dev/null; head -c 100000 /dev/zero > " .. arg[1] .. "; kill -l $?"))'
+        self.check_script(source, out, preexec_fn=restrict, stdout="XFSZ\n0\n")
+
     def test_a_full_device_stays(self):
         device = self.path("full")
         try:
