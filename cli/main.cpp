@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -12,6 +13,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "cli/script_container.h"
@@ -47,14 +49,39 @@ struct Arguments {
   }
 };
 
-int fail(const char* message) {
-  std::fprintf(stderr, "tarvellua: %s\n", message);
+// A line on standard error, in one piece where there is memory for that, so that the lines of
+// programs that share it do not mix.
+void report(std::string_view prefix, std::string_view message) {
+  const auto write = [](std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stderr);
+  };
+  try {
+    std::string line;
+    line.reserve(prefix.size() + message.size() + 1);
+    write(line.append(prefix).append(message).append("\n"));
+  } catch (const std::bad_alloc&) {
+    for (const std::string_view part : {prefix, message, std::string_view("\n")}) write(part);
+  }
+}
+
+int fail(std::string_view message) {
+  report("tarvellua: ", message);
   return 1;
 }
 
-const char* messageOf(const std::exception& error) {
-  return dynamic_cast<const std::bad_alloc*>(&error) != nullptr ? "not enough memory"
-                                                                : error.what();
+class FailedRun : public std::runtime_error {
+ public:
+  explicit FailedRun(const std::string& text)
+      : std::runtime_error("TarvelLua execution failed"), message(text) {}
+
+  std::string message;  // the run's; may be empty, or contain zero bytes
+};
+
+std::string_view messageOf(const std::exception& error) {
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return "not enough memory";
+  const auto* const failedRun = dynamic_cast<const FailedRun*>(&error);
+  if (failedRun != nullptr && !failedRun->message.empty()) return failedRun->message;
+  return error.what();
 }
 
 // ---- The run modes; each returns the exit status or throws --------------------------------------
@@ -82,9 +109,7 @@ LuaValue buildArgTable(const std::string& scriptName, Arguments arguments, int f
 
 // The exit status of a finished run. Throws with the message of a failed one.
 int requireOk(const LuaResult& result) {
-  if (!result.ok) {
-    throw std::runtime_error(result.error.empty() ? "TarvelLua execution failed" : result.error);
-  }
+  if (!result.ok) throw FailedRun(result.error);
   return result.exitRequested ? result.exitCode & kStatusMask : 0;
 }
 
@@ -121,7 +146,7 @@ int runInteractively(LuaVM& vm) {
     try {
       requireOk(vm.runScriptString(line, "<repl>"));
     } catch (const std::exception& error) {
-      std::fprintf(stderr, "%s\n", messageOf(error));
+      report("", messageOf(error));
     }
   }
 }
@@ -158,6 +183,16 @@ void occupyStandardDescriptors() {
       open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
   }
+}
+
+// A file that may not grow further is then a failed write, which is reported, and not the end of
+// the process. A handler, because the programs that a script starts would inherit SIG_IGN.
+void surviveFileSizeLimit() {
+  struct sigaction action {};
+  if (sigaction(SIGXFSZ, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
+  action.sa_handler = [](int) {};
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGXFSZ, &action, nullptr);
 }
 
 // What a script printed must not get lost silently.
@@ -229,5 +264,6 @@ int runWithLargeStack(Arguments arguments) {
 
 int main(int argc, char** argv) {
   tarvel::lua::occupyStandardDescriptors();
+  tarvel::lua::surviveFileSizeLimit();
   return tarvel::lua::runWithLargeStack({argc, argv});
 }

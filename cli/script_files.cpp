@@ -1,8 +1,10 @@
 #include "cli/script_files.h"
 
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <stdexcept>
 #include <system_error>
 
@@ -18,11 +20,21 @@ constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
   throw std::runtime_error(failure + path);
 }
 
+// A stream without memory to open a file throws or fails like one without the file.
+template <class Stream>
+Stream openFile(const std::string& path, std::ios::openmode mode, const char* failure) {
+  errno = 0;
+  Stream file(path, mode);
+  if (!file && errno == ENOMEM) throw std::bad_alloc();
+  if (!file) fail(failure, path);
+  return file;
+}
+
 // A directory can be opened, but not read.
 std::ifstream openForReading(const std::string& path, const char* openFailure) {
-  std::ifstream file(path, std::ios::binary);
+  auto file = openFile<std::ifstream>(path, std::ios::in | std::ios::binary, openFailure);
   std::error_code ignored;
-  if (!file || std::filesystem::is_directory(path, ignored)) fail(openFailure, path);
+  if (std::filesystem::is_directory(path, ignored)) fail(openFailure, path);
   return file;
 }
 
@@ -73,8 +85,8 @@ bool readScriptLine(std::istream& input, std::string& line) {
 }
 
 void writeContainerFile(const std::string& path, std::string_view bytes) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  if (!file) fail("failed to open file for writing: ", path);
+  auto file = openFile<std::ofstream>(path, std::ios::out | std::ios::binary | std::ios::trunc,
+                                      "failed to open file for writing: ");
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.close();
   if (file) return;

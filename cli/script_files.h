@@ -5,8 +5,8 @@
 #include <string_view>
 
 // Reading and writing whole files. Every failure is a std::runtime_error whose text ends with the
-// path; what is larger than a gigabyte, such as a device without end, fails with "file is too
-// large: ".
+// path, or std::bad_alloc where there is no memory, also for opening a file; what is larger than a
+// gigabyte, such as a device without end, fails with "file is too large: ".
 
 namespace tarvel::lua {
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "lua/frontend/syntax_tree.h"
@@ -175,8 +176,8 @@ LuaResult LuaVM::Impl::makeSuccess(const MultiValue& results) const {
 
 namespace {
 
-std::string located(const std::string& chunkName, unsigned line, const std::string& message) {
-  return chunkName + ":" + std::to_string(line) + ": " + message;
+std::string located(const std::string& chunkName, unsigned line, std::string_view message) {
+  return (chunkName + ":" + std::to_string(line) + ": ").append(message);
 }
 
 }  // namespace
@@ -192,10 +193,10 @@ LuaResult LuaVM::Impl::makeFailure(const std::exception& error,
                                    const std::string& chunkName) const {
   LuaResult result;
   const auto* const runtimeError = dynamic_cast<const RuntimeError*>(&error);
-  const std::string message = internal::exceptionText(error);
+  const std::string_view message = internal::exceptionText(error);
   result.error = runtimeError != nullptr && runtimeError->hasLocation
                      ? located(chunkName, runtimeError->line, message)
-                     : message;
+                     : std::string(message);
   return result;
 }
 

@@ -125,6 +125,13 @@ Usage:
             self.check_script(f"print(1) os.exit({code}) print(2)", stdout="1\n", status=status)
         self.check_script(";;;")
 
+    def test_messages_with_zero_bytes(self):
+        self.check_script('error("a\\0b")', status=1, stderr=self.failure(1, "a\0b"))
+        self.check("--repl", stdin=b'error("a\\0b")', stdout="lua> lua> ", stderr="<repl>:1: a\0b\n")
+        container = b"TLBC\1\0\0\0\3\0\0\0a\0b\1\0\0\0="
+        stderr = "tarvellua: a\0b:1:1: expected expression\n"
+        self.check("--run-bytecode", self.write("c", container), status=1, stderr=stderr)
+
     def test_little_memory(self):
         if options.sanitized:
             self.skipTest("sanitizers need more address space")
@@ -275,6 +282,22 @@ class ContainerTest(ProgramTest):
             small = limit(resource.RLIMIT_FSIZE, 20)
             self.check("--compile", script, str(target), preexec_fn=small, status=1, stderr=stderr)
             self.assertFalse(out.exists())
+
+    def test_a_file_that_may_not_grow_is_a_failed_write(self):
+        def restrict():
+            signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096))
+
+        out = self.path("out")
+        script = self.write("long.lua", "-- long enough\n" * 5000)
+        stderr = f"tarvellua: failed to write file: {out}\n"
+        self.check("--compile", script, out, preexec_fn=restrict, status=1, stderr=stderr)
+        self.assertFalse((self.folder / "out").exists())
+        source = 'print(pcall(function() io.open(arg[1], "w"):write(string.rep("x", 100000)) end))'
+        self.check_script(source, out, preexec_fn=restrict, stdout="false\tfailed to write file\n")
+        # What a script starts ends as it always does.
+        source = 'print(os.execute("exec 2> /dev/null; head -c 100000 /dev/zero > " .. arg[1] .. "; kill -l $?"))'
+        self.check_script(source, out, preexec_fn=restrict, stdout="XFSZ\n0\n")
 
     def test_a_full_device_stays(self):
         device = self.path("full")

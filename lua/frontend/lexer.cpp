@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
+
+#include "lua/value/errors.h"
 
 namespace tarvel::lua::internal {
 
@@ -83,8 +84,9 @@ char unescape(char c) {
 
 void failParse(const std::string& chunkName, std::uint32_t line, std::uint32_t column,
                const std::string& message) {
-  throw std::runtime_error(chunkName + ":" + std::to_string(line) + ":" + std::to_string(column) +
-                           ": " + message);
+  throw RuntimeError(
+      chunkName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + message, line,
+      false);
 }
 
 std::vector<Token> Lexer::tokenise() {

@@ -42,10 +42,9 @@ bool consumed(const StringObject& text, const char* end) noexcept {
   return end == text.data() + text.length;
 }
 
-// Decimal text with a fraction or an exponent, no hexadecimal, no names of infinity or NaN.
-bool isDecimalText(std::string_view text) noexcept {
-  return text.find_first_of("xXnN") == std::string_view::npos &&
-         text.find_first_of("iI") == std::string_view::npos;
+// Whether a text that strtod takes wholly is hexadecimal. A NaN may have an x between parentheses.
+bool isHexadecimal(std::string_view text) noexcept {
+  return text.substr(0, text.find('(')).find_first_of("xX") != std::string_view::npos;
 }
 
 // Leading white space is accepted as the C library does, trailing is not. A text with an embedded
@@ -56,11 +55,11 @@ Value numberFromText(const StringObject& text, std::int64_t base) {
   errno = 0;
   const long long integer = std::strtoll(text.data(), &end, static_cast<int>(base));
   if (errno == 0 && consumed(text, end)) return Value(static_cast<std::int64_t>(integer));
-  if (base != 10 || !isDecimalText(text.view())) return Value();
+  if (base != 10 || isHexadecimal(text.view())) return Value();
   errno = 0;
   const double number = std::strtod(text.data(), &end);
   if (errno != 0 || !consumed(text, end)) return Value();
-  // Whole decimal text becomes an integer; this is meant.
+  // Whole decimal text becomes an integer; this is meant. Infinity and NaN are not whole.
   std::int64_t whole = 0;
   return wholeNumber(number, whole) ? Value(whole) : Value(number);
 }

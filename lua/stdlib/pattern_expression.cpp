@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <cstdint>
 #include <cstring>
+#include <locale>
+#include <mutex>
 
 #include "lua/value/value_stack.h"
 
@@ -31,10 +34,24 @@ std::size_t countOf(std::string_view text, char c) noexcept {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), c));
 }
 
-const std::string& requireRoomToCompile(const std::string& expression) {
+// The C++ library enters each character into the tables behind std::regex when it first needs it,
+// without a lock. With all of them entered, threads that compile at once only read the tables.
+void fillCharacterTables() {
+  static std::mutex mutex;
+  const std::locale locale;
+  const auto& characters = std::use_facet<std::ctype<char>>(locale);
+  const std::lock_guard lock(mutex);
+  for (int byte = 0; byte <= UCHAR_MAX; ++byte) {
+    characters.widen(static_cast<char>(byte));
+    characters.narrow(static_cast<char>(byte), '\0');
+  }
+}
+
+const std::string& readyToCompile(const std::string& expression) {
   const std::size_t needed =
       kCompilerBytes + expression.size() * kElementBytes + countOf(expression, '(') * kGroupBytes;
   if (needed > hostStackRoom()) failStack();
+  fillCharacterTables();
   return expression;
 }
 
@@ -119,7 +136,7 @@ PatternExpression::PatternExpression(std::string_view pattern)
     : PatternExpression(pattern, translateLuaPatternToRegex(pattern)) {}
 
 PatternExpression::PatternExpression(std::string_view pattern, const std::string& expression)
-    : expression_(requireRoomToCompile(expression)),
+    : expression_(readyToCompile(expression)),
       hints_(findSearchHints(expression)),
       bound_(RecursionBound::of(pattern, expression)) {}
 

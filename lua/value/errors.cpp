@@ -20,9 +20,10 @@ void failRuntime(unsigned line, const char* message) { failRuntime(line, std::st
 
 void unreachable(const char* message) { throw std::runtime_error(message); }
 
-const char* exceptionText(const std::exception& error) noexcept {
-  return dynamic_cast<const std::bad_alloc*>(&error) != nullptr ? "not enough memory"
-                                                                : error.what();
+std::string_view exceptionText(const std::exception& error) noexcept {
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return "not enough memory";
+  const auto* const runtimeError = dynamic_cast<const RuntimeError*>(&error);
+  return runtimeError != nullptr ? runtimeError->message : std::string_view(error.what());
 }
 
 ProtectedCallScope::ProtectedCallScope() noexcept { ++protectedCallDepth; }

@@ -4,16 +4,18 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace tarvel::lua::internal {
 
 // A script error raised outside any pcall.
 class RuntimeError : public std::runtime_error {
  public:
-  RuntimeError(const std::string& message, unsigned errorLine, bool located)
-      : std::runtime_error(message), line(errorLine), hasLocation(located) {}
+  RuntimeError(const std::string& text, unsigned errorLine, bool located)
+      : std::runtime_error(text), message(text), line(errorLine), hasLocation(located) {}
 
-  unsigned line;  // 1-based
+  std::string message;  // all of it; what() ends at the first zero byte
+  unsigned line;        // 1-based
   bool hasLocation;
 };
 
@@ -43,8 +45,8 @@ struct ExitSignal {
 [[noreturn]] void unreachable(const char* message);
 
 // What a standard exception is reported as: its own text, but "not enough memory" for
-// std::bad_alloc, whose text is the C++ library's.
-const char* exceptionText(const std::exception& error) noexcept;
+// std::bad_alloc, whose text is the C++ library's. Valid as long as the exception.
+std::string_view exceptionText(const std::exception& error) noexcept;
 
 // Counts the active pcalls of this thread while it lives.
 class ProtectedCallScope {

@@ -258,5 +258,19 @@ TEST(Threads, MayRunInterpretersAtOnce) {
   }
 }
 
+// ---- Messages -----------------------------------------------------------------------------------
+
+TEST(Run, ReportsMessagesWithZeroBytesWhole) {
+  LuaVM vm;
+  EXPECT_EQ("error c\0d:1: a\0b"s, run(vm, "error('a\0b')"s, "c\0d"s));
+  EXPECT_EQ("error c\0d:1: a\0b"s, run(vm, "pcall(error) assert(nil, 'a\0b')"s, "c\0d"s));
+  EXPECT_EQ("error c\0d:1:5: expected expression"s, run(vm, "x = = 1", "c\0d"s));
+  EXPECT_EQ("error c:1:5: unexpected character '\0'"s, run(vm, "x = \0"s));
+  EXPECT_EQ("[false 'a\0b']"s, run(vm, "return pcall(error, 'a\0b')"s));
+  EXPECT_EQ(
+      "error c:1: a\0b"s,
+      run(vm, "local ok, e = pcall(error, 'a\0b') table.sort({1, 2}, function() error(e) end)"s));
+}
+
 }  // namespace
 }  // namespace tarvel::lua

@@ -4,10 +4,13 @@
 #include <tarvel/lua/lua_vm.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <latch>
 #include <random>
 #include <regex>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -277,6 +280,22 @@ TEST(PatternTest, WatchingTheStackChangesNoResult) {
       outcomeOn(std::size_t{256} << 10, "return string.match('key = value', '(%w+)%s*=%s*(%w+)')"),
       "{key, value}");
   EXPECT_EQ(outcomeOn(std::size_t{256} << 10, "return #string.match('-' .. big, '%w+')"), "50000");
+}
+
+// That they do not disturb each other inside the C++ library, only the thread sanitizer sees.
+TEST(PatternTest, IsCompiledOnThreadsAtOnce) {
+  std::vector<std::string> outcomes(4);
+  std::latch ready(static_cast<std::ptrdiff_t>(outcomes.size()));
+  std::vector<std::thread> threads;
+  for (std::string& outcome : outcomes) {
+    threads.emplace_back([&outcome, &ready] {
+      LuaVM vm;
+      ready.arrive_and_wait();
+      outcome = run(vm, "return string.gsub('one two_3', '([%a_]+)%d*', '#')");
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::string& outcome : outcomes) EXPECT_EQ("['# #' i2]", outcome);
 }
 
 }  // namespace

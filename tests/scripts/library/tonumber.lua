@@ -11,7 +11,7 @@ print(tonumber("-9223372036854775808"), tonumber("99999999999999999999"))  -- ex
 -- White space may lead but not trail; the whole text must be used. No hexadecimal in base 10.
 print(tonumber(" 7"), tonumber("\t\n 2.5"), tonumber("7 "), tonumber("7\n"))  -- expect: 7	2.5	nil	nil
 print(tonumber("1e"), tonumber("e1"), tonumber("."), tonumber("1.2.3"), tonumber("1\0"))  -- expect: nil	nil	nil	nil	nil
-print(tonumber("0x10"), tonumber("ff"), tonumber("inf"), tonumber("nan"))  -- expect: nil	nil	nil	nil
+print(tonumber("0x10"), tonumber("0x1p4"), tonumber("-0x1p4"), tonumber(" 0X.8"), tonumber("ff"))  -- expect: nil	nil	nil	nil	nil
 
 -- Other bases; digits beyond 9 are letters of either case, no fractions.
 print(tonumber("10", 2), tonumber("10", 36), tonumber("zz", 36), tonumber("777", 8))  -- expect: 2	36	1295	511
@@ -19,3 +19,8 @@ print(tonumber("ff", 16), tonumber("fF", 16), tonumber("-ff", 16), tonumber("0X1
 print(tonumber("7fffffffffffffff", 16), tonumber("ffffffffffffffff", 16))  -- expect: 9223372036854775807	nil
 print(tonumber("101", 2.9), tonumber("1.5", nil))  -- expect: 5	1.5
 print(tonumber("8", 8), tonumber("1.5", 16), tonumber("1", 1), tonumber("1", 37))  -- expect: nil	nil	nil	nil
+
+-- The names of infinity and NaN, as the C library knows them, are floats in base 10.
+print(tonumber("inf"), tonumber("-inf"), tonumber(" +Infinity"), tonumber("INF") > tonumber("1e308"))  -- expect: inf	-inf	inf	true
+print(tonumber("nan"), tonumber("NaN(0x1f)"), tonumber("nan") == tonumber("nan"))  -- expect: nan	nan	false
+print(tonumber("infinit"), tonumber("inf "), tonumber("nan("), tonumber("inf", 10), tonumber("inf", 16))  -- expect: nil	nil	nil	inf	nil
