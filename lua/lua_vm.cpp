@@ -10,7 +10,7 @@
 
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
-#include "lua/stdlib/pattern.h"
+#include "lua/stdlib/patterns/searcher.h"
 
 namespace tarvel::lua {
 

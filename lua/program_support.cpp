@@ -4,7 +4,7 @@
 
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
-#include "lua/stdlib/buffered_file.h"
+#include "lua/stdlib/files/buffered_file.h"
 
 namespace tarvel::lua {
 

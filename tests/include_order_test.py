@@ -22,8 +22,14 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
 def layer_of(path):
     """The layer's position from the bottom; None for a file that is in no layer."""
-    folder = path.rpartition("/")[0]
+    folder = layer_folder(path)
     return LAYERS.index(folder) if folder in LAYERS else None
+
+
+def layer_folder(path):
+    """The folder of the file's layer, which may have folders of its own."""
+    folder = path.rpartition("/")[0]
+    return "lua/stdlib" if folder.startswith("lua/stdlib/") else folder
 
 
 def judge(path, included, sources):
@@ -52,7 +58,7 @@ def main():
         for file in (ROOT / folder).rglob("*")
         if file.suffix in (".cpp", ".h")
     }
-    folders = {path.rpartition("/")[0] for path in sources}
+    folders = {layer_folder(path) for path in sources}
     problems = [f"{layer} is empty" for layer in LAYERS if layer not in folders]
     for path, text in sorted(sources.items()):
         for quoted, angled in INCLUDE.findall(text):

@@ -8,8 +8,8 @@
 
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
+#include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
-#include "lua/stdlib/standard_output.h"
 #include "lua/value/iterator_state.h"
 #include "lua/value/number_rules.h"
 

@@ -13,8 +13,6 @@
 
 namespace tarvel::lua::internal {
 
-class Heap;
-
 // base_functions.cpp
 LuaValue basePrint(LuaVM& vm, const std::vector<LuaValue>& arguments);
 MultiValue baseToString(LuaVM& vm, ValueSpan args, unsigned line);
@@ -48,11 +46,9 @@ MultiValue mathMin(LuaVM& vm, ValueSpan args, unsigned line);
 MultiValue mathMax(LuaVM& vm, ValueSpan args, unsigned line);
 MultiValue mathFloor(LuaVM& vm, ValueSpan args, unsigned line);
 
-// files.cpp
+// files/file_functions.cpp
 MultiValue ioOpen(LuaVM& vm, ValueSpan args, unsigned line);
 MultiValue ioWrite(LuaVM& vm, ValueSpan args, unsigned line);
-Value makeStandardError(Heap& heap);   // owned
-Value makeStandardOutput(Heap& heap);  // owned
 
 // os_functions.cpp
 MultiValue osExecute(LuaVM& vm, ValueSpan args, unsigned line);

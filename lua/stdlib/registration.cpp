@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "lua/lua_vm_impl.h"
+#include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
 
 // Everything that a script finds predefined, in the order in which the names take their global

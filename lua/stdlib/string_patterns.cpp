@@ -9,7 +9,7 @@
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/library.h"
-#include "lua/stdlib/pattern.h"
+#include "lua/stdlib/patterns/searcher.h"
 #include "lua/stdlib/text_builder.h"
 #include "lua/value/iterator_state.h"
 

@@ -1,5 +1,3 @@
-#include "lua/stdlib/pattern.h"
-
 #include <gtest/gtest.h>
 #include <tarvel/lua/lua_vm.h>
 
@@ -15,7 +13,9 @@
 #include <utility>
 #include <vector>
 
-#include "lua/stdlib/pattern_hints.h"
+#include "lua/stdlib/patterns/hints.h"
+#include "lua/stdlib/patterns/searcher.h"
+#include "lua/stdlib/patterns/translation.h"
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/value_support.h"
 

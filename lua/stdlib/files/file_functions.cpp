@@ -7,11 +7,11 @@
 
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
-#include "lua/stdlib/buffered_file.h"
-#include "lua/stdlib/file_reading.h"
+#include "lua/stdlib/files/buffered_file.h"
+#include "lua/stdlib/files/file_reading.h"
+#include "lua/stdlib/files/native_handles.h"
+#include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
-#include "lua/stdlib/native_handles.h"
-#include "lua/stdlib/standard_output.h"
 #include "lua/value/errors.h"
 
 // io.open, io.write, and the methods of files and streams.

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "lua/stdlib/buffered_file.h"
+#include "lua/stdlib/files/buffered_file.h"
 #include "lua/value/value.h"
 
 // What file:read can ask for, one function per format. All take a file that startReading() has

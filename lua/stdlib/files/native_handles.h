@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "lua/stdlib/buffered_file.h"
+#include "lua/stdlib/files/buffered_file.h"
 #include "lua/value/native_object.h"
 
 // What the two kinds of native objects hold.

@@ -10,20 +10,11 @@
 
 #include "lua/value/string_object.h"
 
-// Lua patterns. There is no matcher of our own: a pattern is translated into an ECMAScript regular
-// expression and run by std::regex with its default flags. So std::regex says what a match is, and
-// which expressions it rejects with which text.
+// Searching for patterns: the translated and compiled ones, and those that are plain text.
 
 namespace tarvel::lua::internal {
 
 class PatternExpression;
-
-// `c` as it stands for itself in an expression, outside of sets.
-std::string escapeRegexLiteralChar(char c);
-
-// The expression that a pattern stands for. Shallow: what it does not know is taken literally. The
-// result may be an expression that std::regex rejects.
-std::string translateLuaPatternToRegex(std::string_view pattern);
 
 // The views are into the subject.
 struct PatternMatch {

@@ -1,4 +1,4 @@
-#include "lua/stdlib/pattern_expression.h"
+#include "lua/stdlib/patterns/expression.h"
 
 #include <algorithm>
 #include <charconv>
@@ -8,6 +8,7 @@
 #include <locale>
 #include <mutex>
 
+#include "lua/stdlib/patterns/translation.h"
 #include "lua/value/value_stack.h"
 
 namespace tarvel::lua::internal {

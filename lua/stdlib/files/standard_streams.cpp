@@ -1,13 +1,15 @@
+#include "lua/stdlib/files/standard_streams.h"
+
 #include <cstdio>
 #include <memory>
 
-#include "lua/stdlib/library.h"
-#include "lua/stdlib/native_handles.h"
-#include "lua/stdlib/standard_output.h"
-
-// io.stderr and io.stdout.
+#include "lua/stdlib/files/native_handles.h"
 
 namespace tarvel::lua::internal {
+
+bool writeStandardOutput(std::string_view text) noexcept {
+  return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+}
 
 namespace {
 
@@ -22,8 +24,8 @@ Value makeStream(Heap& heap, StreamHandle::Writer writer) {
 
 }  // namespace
 
-Value makeStandardError(Heap& heap) { return makeStream(heap, writeStandardError); }
-
 Value makeStandardOutput(Heap& heap) { return makeStream(heap, writeStandardOutput); }
+
+Value makeStandardError(Heap& heap) { return makeStream(heap, writeStandardError); }
 
 }  // namespace tarvel::lua::internal

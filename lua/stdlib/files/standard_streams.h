@@ -2,6 +2,11 @@
 
 #include <string_view>
 
+#include "lua/value/heap.h"
+#include "lua/value/value.h"
+
+// io.stdout and io.stderr.
+
 namespace tarvel::lua::internal {
 
 // Everything that scripts write to the process's standard output goes through here, in order, into
@@ -9,5 +14,9 @@ namespace tarvel::lua::internal {
 // explicitly: on a terminal a completed line appears at once, otherwise the text leaves when the
 // buffer is full and when the process ends. Returns false when the stream could not take all of it.
 bool writeStandardOutput(std::string_view text) noexcept;
+
+// Return an owned native object.
+Value makeStandardOutput(Heap& heap);
+Value makeStandardError(Heap& heap);
 
 }  // namespace tarvel::lua::internal

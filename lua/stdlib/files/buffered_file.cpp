@@ -1,4 +1,4 @@
-#include "lua/stdlib/buffered_file.h"
+#include "lua/stdlib/files/buffered_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "lua/stdlib/file_reading.h"
+#include "lua/stdlib/files/file_reading.h"
 
 #include <algorithm>
 #include <string_view>

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "lua/stdlib/guarded_position.h"
-#include "lua/stdlib/pattern.h"
-#include "lua/stdlib/pattern_hints.h"
+#include "lua/stdlib/patterns/guarded_position.h"
+#include "lua/stdlib/patterns/hints.h"
+#include "lua/stdlib/patterns/searcher.h"
 
 namespace tarvel::lua::internal {
 

@@ -1,4 +1,4 @@
-#include "lua/stdlib/pattern_hints.h"
+#include "lua/stdlib/patterns/hints.h"
 
 #include <algorithm>
 
