@@ -1,13 +1,17 @@
-#include <tarvel/lua/lua_vm.h>
+#include "lua/public_value.h"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <variant>
 #include <vector>
+
+#include "lua/value/value_stack.h"
 
 // How public values are made, copied and released.
 
@@ -104,5 +108,43 @@ void LuaValue::releaseContainer() noexcept {
     if (*object != nullptr) ReleaseQueue::release(std::move(*object));
   }
 }
+
+// ---- For conversion and printing ----------------------------------------------------------------
+
+namespace internal {
+
+namespace {
+
+constexpr int kDeepestConversion = 1000;
+constexpr std::size_t kHostBytesPerConversion = 2048;
+
+}  // namespace
+
+void failBridgeOut() { throw std::runtime_error("value cannot be bridged out of TarvelLua"); }
+
+void failUnsupported() { throw std::runtime_error("unsupported TarvelLua value"); }
+
+bool isTooDeep(int depth) noexcept {
+  return depth > kDeepestConversion || hostStackRoom() < kHostBytesPerConversion;
+}
+
+std::optional<std::int64_t> integerKey(const std::string& key) noexcept {
+  // A key may have the plus sign and the leading white space that strtoll accepts; from_chars takes
+  // neither.
+  std::size_t start = 0;
+  while (start < key.size() && (key[start] == ' ' || (key[start] >= '\t' && key[start] <= '\r')))
+    ++start;
+  if (start < key.size() && key[start] == '+') {
+    ++start;
+    if (start < key.size() && key[start] == '-') return std::nullopt;
+  }
+  std::int64_t integer = 0;
+  const char* const end = key.data() + key.size();
+  const auto [rest, failure] = std::from_chars(key.data() + start, end, integer);
+  if (failure != std::errc() || rest != end) return std::nullopt;
+  return integer;
+}
+
+}  // namespace internal
 
 }  // namespace tarvel::lua

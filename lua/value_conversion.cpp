@@ -1,25 +1,27 @@
-#include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "lua/lua_vm_impl.h"
+#include "lua/public_value.h"
 #include "lua/value/memory_charge.h"
 #include "lua/value/table.h"
 
-// How values cross between host and interpreter, and how public values print.
+// How values cross between host and interpreter.
 
 namespace tarvel::lua {
 
-using internal::FunctionObject;
+using internal::failBridgeOut;
+using internal::failUnsupported;
 using internal::Heap;
+using internal::integerKey;
+using internal::isTooDeep;
 using internal::MemoryCharge;
 using internal::MultiValue;
 using internal::OwnedValue;
+using internal::requireConsistent;
 using internal::StringObject;
 using internal::Table;
 using internal::TableKey;
@@ -58,26 +60,6 @@ std::string LuaFunctionHandle::name() const {
 
 namespace {
 
-// Nesting of sequences and objects that conversion and printing go down to, unless the stack ends
-// first.
-constexpr int kDeepestConversion = 1000;
-constexpr std::size_t kHostBytesPerConversion = 2048;
-
-[[noreturn]] void failBridgeOut() {
-  throw std::runtime_error("value cannot be bridged out of TarvelLua");
-}
-
-[[noreturn]] void failUnsupported() { throw std::runtime_error("unsupported TarvelLua value"); }
-
-// A host can set `type` and `data` apart.
-void requireConsistent(const LuaValue& value) {
-  if (static_cast<std::size_t>(value.type) != value.data.index()) failUnsupported();
-}
-
-bool isTooDeep(int depth) noexcept {
-  return depth > kDeepestConversion || internal::hostStackRoom() < kHostBytesPerConversion;
-}
-
 // An existing handle stands for its function again, so that the host can tell functions apart.
 std::shared_ptr<LuaFunctionHandle> handleOf(const Value& function, Heap& heap) {
   LuaFunctionHandle*& exported = function.function->exported;
@@ -102,9 +84,9 @@ bool isSequence(Table& table) noexcept {
 // Copies values for the host. A table that stands in many places is copied as often, so a small
 // script can ask for more than the machine has: while it lives, the copies count as memory of the
 // interpreter.
-class PublicWriter {
+class ToPublic {
  public:
-  explicit PublicWriter(Heap& heap) : heap_(heap), memory_(heap) {}
+  explicit ToPublic(Heap& heap) : heap_(heap), memory_(heap) {}
 
   LuaValue write(const Value& value, int depth = 0) {
     switch (value.kind()) {
@@ -181,27 +163,9 @@ class PublicWriter {
 
 // ---- Into the interpreter -----------------------------------------------------------------------
 
-// The integer that a member's key is, where the whole key is one in base 10.
-std::optional<std::int64_t> integerKey(const std::string& key) noexcept {
-  // A key may have the plus sign and the leading white space that strtoll accepts; from_chars takes
-  // neither.
-  std::size_t start = 0;
-  while (start < key.size() && (key[start] == ' ' || (key[start] >= '\t' && key[start] <= '\r')))
-    ++start;
-  if (start < key.size() && key[start] == '+') {
-    ++start;
-    if (start < key.size() && key[start] == '-') return std::nullopt;
-  }
-  std::int64_t integer = 0;
-  const char* const end = key.data() + key.size();
-  const auto [rest, failure] = std::from_chars(key.data() + start, end, integer);
-  if (failure != std::errc() || rest != end) return std::nullopt;
-  return integer;
-}
-
-class PublicReader {
+class FromPublic {
  public:
-  explicit PublicReader(Heap& heap) : heap_(heap) {}
+  explicit FromPublic(Heap& heap) : heap_(heap) {}
 
   // Returns an owned value.
   Value read(const LuaValue& value, int depth) {
@@ -262,139 +226,16 @@ class PublicReader {
   Heap& heap_;
 };
 
-// ---- Printing -----------------------------------------------------------------------------------
-
-// Keys that are integers first, ascending, then the others bytewise, so that output is
-// reproducible.
-std::vector<const LuaValue::Object::value_type*> orderedMembers(const LuaValue::Object& object) {
-  std::vector<std::pair<std::optional<std::int64_t>, const LuaValue::Object::value_type*>> keyed;
-  keyed.reserve(object.size());
-  for (const auto& member : object) keyed.emplace_back(integerKey(member.first), &member);
-  std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-    if (a.first.has_value() != b.first.has_value()) return a.first.has_value();
-    if (a.first != b.first) return a.first < b.first;
-    return a.second->first < b.second->first;
-  });
-  std::vector<const LuaValue::Object::value_type*> members;
-  members.reserve(keyed.size());
-  for (const auto& member : keyed) members.push_back(member.second);
-  return members;
-}
-
-using TextWriter = bool (*)(std::string_view text) noexcept;
-
-// Puts the printable form of a value together. With a writer the text leaves in pieces, so it may
-// be larger than memory.
-class PublicPrinter {
- public:
-  explicit PublicPrinter(TextWriter writer = nullptr) : writer_(writer) {}
-
-  void print(const LuaValue& value, int depth = 0) {
-    if (isTooDeep(depth)) failBridgeOut();
-    requireConsistent(value);
-    switch (value.type) {
-      case LuaValue::Type::Nil:
-        return append("nil");
-      case LuaValue::Type::Integer:
-        return Value(std::get<std::int64_t>(value.data)).appendTo(text_);
-      case LuaValue::Type::Float:
-        return Value(std::get<double>(value.data)).appendTo(text_);
-      case LuaValue::Type::Boolean:
-        return Value(std::get<bool>(value.data)).appendTo(text_);
-      case LuaValue::Type::String:
-        return append(std::get<std::string>(value.data));
-      case LuaValue::Type::Sequence:
-        return printSequence(std::get<std::shared_ptr<LuaValue::Sequence>>(value.data).get(),
-                             depth + 1);
-      case LuaValue::Type::Object:
-        return printObject(std::get<std::shared_ptr<LuaValue::Object>>(value.data).get(),
-                           depth + 1);
-      case LuaValue::Type::Function:
-        return printFunction(std::get<std::shared_ptr<LuaFunctionHandle>>(value.data).get());
-    }
-  }
-
-  // Hands over what has not been written.
-  std::string take() { return std::move(text_); }
-  void flush() {
-    writer_(text_);
-    text_.clear();
-  }
-
- private:
-  static constexpr std::size_t kPieceBytes = 4096;
-
-  void append(std::string_view text) {
-    if (writer_ != nullptr && text_.size() + text.size() > kPieceBytes) {
-      flush();
-      if (text.size() > kPieceBytes) {
-        writer_(text);
-        return;
-      }
-    }
-    text_.append(text);
-  }
-
-  void printSequence(const LuaValue::Sequence* sequence, int depth) {
-    append("{");
-    const char* separator = "";
-    if (sequence != nullptr) {
-      for (const LuaValue& element : *sequence) {
-        append(std::exchange(separator, ", "));
-        print(element, depth);
-      }
-    }
-    append("}");
-  }
-
-  void printObject(const LuaValue::Object* object, int depth) {
-    append("{");
-    const char* separator = "";
-    if (object != nullptr) {
-      for (const auto* member : orderedMembers(*object)) {
-        append(std::exchange(separator, ", "));
-        append(member->first);
-        append(": ");
-        print(member->second, depth);
-      }
-    }
-    append("}");
-  }
-
-  void printFunction(const LuaFunctionHandle* handle) {
-    const std::string name = handle == nullptr ? std::string() : handle->name();
-    append("[function ");
-    append(name.empty() ? "anonymous" : std::string_view(name));
-    append("]");
-  }
-
-  TextWriter writer_;
-  std::string text_;
-};
-
 }  // namespace
-
-std::string LuaValue::toString() const {
-  const internal::HostStackScope hostStack;
-  PublicPrinter printer;
-  printer.print(*this);
-  return printer.take();
-}
 
 // ---- The interpreter's side ---------------------------------------------------------------------
 
 LuaValue LuaVM::Impl::valueToPublic(const Value& value) const {
-  return PublicWriter(heap).write(value);
+  return ToPublic(heap).write(value);
 }
 
 LuaVM::Impl::Value LuaVM::Impl::publicToValue(const LuaValue& value) {
-  return PublicReader(heap).read(value, 0);
-}
-
-void LuaVM::Impl::printPublic(const LuaValue& value, TextWriter write) {
-  PublicPrinter printer(write);
-  printer.print(value);
-  printer.flush();
+  return FromPublic(heap).read(value, 0);
 }
 
 void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
@@ -405,7 +246,7 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
   bindNativeGlobal(
       name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments, unsigned) {
         Impl& interpreter = Impl::of(vm);
-        PublicWriter writer(interpreter.heap);
+        ToPublic writer(interpreter.heap);
         const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
         return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
       });
