@@ -136,7 +136,7 @@ int runContainer(LuaVM& vm, Arguments arguments) {
   return requireOk(vm.runScriptString(container.source, container.chunkName));
 }
 
-// os.exit ends only the line that calls it; this is meant.
+// Deliberate: os.exit ends only the line that calls it; `exit` and `quit` end the loop.
 int runInteractively(LuaVM& vm) {
   for (std::string line;;) {
     std::fputs("lua> ", stdout);

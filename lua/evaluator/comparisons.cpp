@@ -174,7 +174,7 @@ struct Comparison {
 constexpr std::size_t kShapes = static_cast<std::size_t>(OperandShape::Product);
 static_assert(kShapes + 1 == std::tuple_size_v<LeftOperands>);
 
-// A field is tried as a number; where it is compared with a literal that is none, in vain.
+// A field is tried as a number, which is useless where it is compared with a literal that is none.
 OperandShapes comparisonShapes(const BinaryExpr& node) noexcept {
   OperandShapes shapes = operandShapes(node);
   const auto isOtherLiteral = [](const Expr& operand) {

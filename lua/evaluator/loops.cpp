@@ -106,7 +106,7 @@ Value executeNumericFor(const Node* node, Value* base) {
   for (std::uint32_t i = 0; i < iterators.size; ++i)
     slots[i] = evaluateExpression(iterators[i], base);
   clearSlots(slots + 1, slots + iterators.size);
-  // Iterator functions are not supported; this is meant.
+  // Deliberate: only iterators, no iterator functions, so that a step of the loop is no call.
   if (slots[0].tag != kIterator) failRuntime(loop->line, "generic for loop expects an iterator");
 }
 

@@ -17,7 +17,7 @@
 // literal are borrowed and can be read at any time, also after the other operand has run, because
 // no callee can change them. A field or a product of frame variables is tried in place: where it
 // gives a number without any effect, that is the operand. Any other operand is evaluated in its
-// turn and owned; `Any` is the policy for what was tried in vain.
+// turn and owned; `Any` is the policy after a try that failed.
 
 namespace tarvel::lua::internal {
 

@@ -127,7 +127,8 @@ Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, un
     case TokenKind::Star:
       return multiplyNumbers(left, right);
     case TokenKind::Slash:
-      // A divisor within the epsilon counts as zero; this is meant.
+      // Deliberate: a divisor within the epsilon counts as zero, as it compares equal to the
+      // integer 0.
       if (isZeroDivisor(right.asFloat())) failRuntime(line, "division by zero");
       return divideNumbers(left, right);
     case TokenKind::Percent:

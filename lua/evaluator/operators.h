@@ -7,7 +7,7 @@
 #include "lua/value/string_object.h"
 #include "lua/value/value.h"
 
-// The operators' rules, told once. The evaluator's nodes try the common operand types inline and
+// The rules of the operators. The evaluator's nodes try the common operand types inline and
 // come here for the rest.
 
 namespace tarvel::lua::internal {
@@ -28,8 +28,8 @@ inline Value divideNumbers(const Value& left, const Value& right) {
   return Value(left.asFloat() / right.asFloat());
 }
 
-// An integer and a float are equal within the epsilon, two floats only exactly; the asymmetry is
-// meant.
+// An integer and a float are equal within the epsilon, two floats only exactly; this difference is
+// deliberate: integers that became floats stay equal to themselves, floats keep their order.
 bool valuesEqual(const Value& left, const Value& right) noexcept;
 
 // An ordering operator on two numbers or two strings. Any other pair raises "ordered comparisons

@@ -64,7 +64,8 @@ TokenKind kindOfName(std::string_view name) {
   return TokenKind::Identifier;
 }
 
-// What a backslash followed by `c` stands for. An unknown escape is the byte itself; this is meant.
+// What a backslash followed by `c` stands for. Deliberate: an unknown
+// escape is the byte itself, so that `\%` and `\/` in texts made for other tools are read.
 char unescape(char c) {
   switch (c) {
     case 'n':

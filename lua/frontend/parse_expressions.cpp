@@ -81,8 +81,8 @@ Expr* Parser::parseComparison() {
   return left;
 }
 
-// `..` shares its level with `+` and `-`, and its right operand takes in everything that follows on
-// the level; this is meant. So `a + b .. c + d` is `(a + b) .. (c + d)`.
+// Deliberate, the dialect's grammar: `..` shares its level with `+` and `-`, and its right operand
+// takes in everything that follows on the level. So `a + b .. c + d` is `(a + b) .. (c + d)`.
 Expr* Parser::parseConcat() {
   Expr* first = parseSum();
   return at(TokenKind::DotDot) ? parseConcatChain(first) : first;

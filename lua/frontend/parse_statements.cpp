@@ -26,7 +26,8 @@ ArenaList<Stmt*> Parser::parseChunk() {
 // ---- Blocks ----
 
 // Without terminators, the block is the rest of the text. Its end is for the caller to check and to
-// consume. `return` need not be the last statement; this is meant.
+// consume. Deliberate: `return` need not be the last statement, so that one can be put in for a
+// try.
 Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
   const Level blockLevel(*this);
   const Level statementLevel(*this);

@@ -20,7 +20,8 @@ constexpr std::size_t kAnyCount = SIZE_MAX;
 [[noreturn]] void failArgument(const char* name, const char* text, unsigned line);
 [[noreturn]] void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximum);
 
-// Throws std::runtime_error without a location, unlike every other check; this is meant.
+// Throws std::runtime_error without a location, unlike every other check. Deliberate: hosts and
+// scripts know these texts without one.
 inline void requireArgumentCount(const char* name, std::size_t count, std::size_t minimum,
                                  std::size_t maximum) {
   if (count < minimum || count > maximum) failArgumentCount(name, minimum, maximum);

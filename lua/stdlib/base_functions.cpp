@@ -59,7 +59,8 @@ Value numberFromText(const StringObject& text, std::int64_t base) {
   errno = 0;
   const double number = std::strtod(text.data(), &end);
   if (errno != 0 || !consumed(text, end)) return Value();
-  // Whole decimal text becomes an integer; this is meant. Infinity and NaN are not whole.
+  // Deliberate: whole decimal text becomes an integer, as whole results of operators do. Infinity
+  // and NaN are not whole.
   std::int64_t whole = 0;
   return wholeNumber(number, whole) ? Value(whole) : Value(number);
 }

@@ -8,8 +8,8 @@
 
 namespace tarvel::lua::internal {
 
-// The raw wait status, undecoded; this is meant. What the script has written so far is not flushed
-// before the command runs.
+// Deliberate: the raw wait status, undecoded, so that a script can tell a signal from a status.
+// What the script has written so far is not flushed before the command runs.
 MultiValue osExecute(LuaVM&, ValueSpan args, unsigned line) {
   requireArgumentCount("os.execute", args.size(), 1, 1);
   const StringObject& command = requireString("os.execute", args, 0, line);

@@ -69,8 +69,8 @@ const Value& requireNumberFor(const Value& value, const char* message, unsigned 
   return value;
 }
 
-// `%f` is not a fixed notation but the printable form of a float, with six significant digits; this
-// is meant.
+// Deliberate: `%f` is not a fixed notation but the printable form of a float, with six significant
+// digits, so that a number looks the same wherever it is printed.
 void appendFormatted(TextBuilder& out, char token, const Value& value, unsigned line) {
   switch (token) {
     case 'd':

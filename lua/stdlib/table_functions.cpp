@@ -92,7 +92,8 @@ double numberOf(const Value& value) noexcept {
   return value.isInteger() ? static_cast<double>(value.integer) : value.number;
 }
 
-// "Not greater or equal" puts NaN before everything and everything before NaN; this is meant.
+// Deliberate: "not greater or equal" is the dialect's default order, which puts NaN before
+// everything and everything before NaN. The sort has to end all the same.
 struct NumberOrder {
   bool operator()(const Value& a, const Value& b) const noexcept {
     return !(numberOf(a) >= numberOf(b));

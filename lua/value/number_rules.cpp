@@ -10,8 +10,8 @@ bool wholeNumber(double value, std::int64_t& out) noexcept {
   return true;
 }
 
-// The tests ask whether the value is *not* whole, so NaN passes them all and becomes 0; this is
-// meant.
+// Deliberate, the dialect's number model: NaN becomes 0. The tests ask whether the value is *not*
+// whole, which NaN never is said to be.
 Value normalizeWhole(double result) noexcept {
   if (isClearlyFractional(result)) return Value(result);
   const double rounded = std::round(result);

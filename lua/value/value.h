@@ -100,7 +100,8 @@ struct Value {
   bool isCounted() const noexcept { return tag >= kString; }
   ValueKind kind() const noexcept;
 
-  // The printable form. A whole float prints exactly like the integer; this is meant.
+  // The printable form. Deliberate: a whole float prints exactly like the integer, because scripts
+  // see one kind of number.
   std::string toString() const;
   void appendTo(std::string& out) const;
 

@@ -22,8 +22,8 @@ struct OpenMode {
   bool append = false;    // every write goes to the file's end
   bool truncate = false;  // the file starts empty; cannot be had together with append
 
-  // From the letters r, w, a and b anywhere in the text. A text with none of r, w and a reads; this
-  // is meant.
+  // From the letters r, w, a and b anywhere in the text. Deliberate: a text with none of r, w and a
+  // reads, so that a wrong mode never destroys a file.
   static OpenMode fromLetters(std::string_view letters) noexcept;
 };
 

@@ -34,8 +34,9 @@ std::string_view classOutsideSet(char letter) noexcept {
   }
 }
 
-// The `^` of %S and %W is an ordinary byte in the middle of a set, and %A and %D are no classes in
-// one; this is meant.
+// Deliberate: in a set, %S and %W are their bytes and a `^`, which is an ordinary byte there, and
+// %A and %D are no classes. A set of the expression has no way to say "all but these" for a part of
+// it.
 std::string_view classInsideSet(char letter) noexcept {
   switch (letter) {
     case 'a':
@@ -55,8 +56,8 @@ std::string_view classInsideSet(char letter) noexcept {
   }
 }
 
-// The offset of the bracket that closes a set whose contents start at `from`. Directly at the start
-// it closes the set too, unlike in Lua; this is meant.
+// The offset of the bracket that closes a set whose contents start at `from`. Deliberate: unlike in
+// Lua it closes the set also directly at the start, because the expression reads it so.
 std::size_t findSetEnd(std::string_view pattern, std::size_t from) noexcept {
   for (std::size_t i = from; i < pattern.size(); ++i) {
     if (pattern[i] == ']') return i;
