@@ -52,7 +52,8 @@ inline std::uint32_t finishHash(std::uint64_t left, std::uint64_t right, std::ui
 }
 
 inline std::uint32_t hashOfInteger(std::int64_t key, const HashSecrets& secrets) noexcept {
-  return finishHash(static_cast<std::uint64_t>(key) ^ secrets.left, secrets.right, 0, secrets);
+  return static_cast<std::uint32_t>(
+      HashProduct::of(static_cast<std::uint64_t>(key) ^ secrets.left, secrets.right).folded());
 }
 
 // What the bytes in front of the last sixteen or fewer come to, sixteen a round.
