@@ -1,15 +1,12 @@
 #include "lua/value/globals.h"
 
-#include <utility>
-
 namespace tarvel::lua::internal {
 
 std::size_t Globals::slotOf(std::string_view name) {
-  std::string key(name);
-  if (const auto entry = names_.find(key); entry != names_.end()) return entry->second;
+  if (const auto entry = names_.find(name); entry != names_.end()) return entry->second;
   // The slot comes first, so that no name ever stands for one that there was no memory for.
   slots_.emplace_back();
-  return names_.emplace(std::move(key), slots_.size() - 1).first->second;
+  return names_.emplace(name, slots_.size() - 1).first->second;
 }
 
 void Globals::set(std::string_view name, Value owned) {

@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
+#include "lua/value/hashing.h"
 #include "lua/value/value.h"
 
 namespace tarvel::lua::internal {
@@ -28,7 +30,14 @@ class Globals {
   void clear() noexcept;
 
  private:
-  std::unordered_map<std::string, std::size_t> names_;
+  struct HashOfName {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const noexcept {
+      return hashOfBytes(name, processHashSecrets());
+    }
+  };
+
+  std::unordered_map<std::string, std::size_t, HashOfName, std::equal_to<>> names_;
   std::deque<Value> slots_;
 };
 
