@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/inline_arithmetic.h"
 #include "lua/evaluator/node_functions.h"
@@ -125,6 +127,7 @@ void chooseArithmetic(BinaryExpr& node) {
 
 void chooseArithmeticStore(AssignmentStmt& statement) {
   const auto& value = static_cast<const BinaryExpr&>(*statement.value);
+  assert(isChosen(value));
   statement.execute = functionFor<ArithmeticStore>(value.op, operandShapes(value));
 }
 

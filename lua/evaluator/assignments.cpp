@@ -1,3 +1,4 @@
+#include <cassert>
 #include <string>
 
 #include "lua/evaluator/access_objects.h"
@@ -322,11 +323,10 @@ void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) 
   }
 }
 
-NodeFunction fieldStore(FieldExpr& target) noexcept {
-  if (isFrameVariable(*target.object)) {
-    target.objectOffset = frameOffsetOf(*target.object);
-    return storeField<FrameObject>;
-  }
+// The target's offsets are those that it has as an expression.
+NodeFunction fieldStore(const FieldExpr& target) noexcept {
+  assert(isChosen(target));
+  if (isFrameVariable(*target.object)) return storeField<FrameObject>;
   return target.object->kind == ExprKind::Variable ? storeField<VariableObject> : storeAnywhere;
 }
 
@@ -337,13 +337,12 @@ NodeFunction storeAtLocal(const Expr& value) noexcept {
              : storeElementAtLocal<Object, AnyValue>;
 }
 
-NodeFunction indexStore(IndexExpr& target, const Expr& value) noexcept {
+NodeFunction indexStore(const IndexExpr& target, const Expr& value) noexcept {
+  assert(isChosen(target));
   const bool inFrame = isFrameVariable(*target.object);
-  if (inFrame) target.objectOffset = frameOffsetOf(*target.object);
   if (!inFrame && (target.object->kind != ExprKind::Variable || target.key->containsCall))
     return storeAnywhere;
   if (isFrameVariable(*target.key)) {
-    target.keyOffset = frameOffsetOf(*target.key);
     return inFrame ? storeAtLocal<FrameObject>(value) : storeAtLocal<VariableObject>(value);
   }
   return inFrame ? storeElement<FrameObject> : storeElement<VariableObject>;
@@ -372,14 +371,14 @@ void chooseAssignment(AssignmentStmt& statement) {
     statement.execute = statement.isLocal ? declaration<declareSeveral>(statement) : assignSeveral;
     return;
   }
-  Expr& target = *statement.targets[0].expression;
+  const Expr& target = *statement.targets[0].expression;
   statement.value = statement.values[0];
   if (target.kind == ExprKind::Variable) {
-    chooseVariableStore(statement, static_cast<VariableExpr&>(target));
+    chooseVariableStore(statement, static_cast<const VariableExpr&>(target));
   } else if (target.kind == ExprKind::Field) {
-    statement.execute = fieldStore(static_cast<FieldExpr&>(target));
+    statement.execute = fieldStore(static_cast<const FieldExpr&>(target));
   } else {
-    statement.execute = indexStore(static_cast<IndexExpr&>(target), *statement.value);
+    statement.execute = indexStore(static_cast<const IndexExpr&>(target), *statement.value);
   }
 }
 

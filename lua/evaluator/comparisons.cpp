@@ -1,3 +1,4 @@
+#include <cassert>
 #include <cstddef>
 
 #include "lua/evaluator/execute.h"
@@ -225,6 +226,7 @@ bool chooseFusedIf(IfStmt& statement) {
   if (statement.condition->kind != ExprKind::Binary) return false;
   const auto& condition = static_cast<const BinaryExpr&>(*statement.condition);
   if (!isComparison(condition.op)) return false;
+  assert(isChosen(condition));
   const bool hasElse = statement.otherwiseNode != nullptr;
   const OperandShapes shapes = comparisonShapes(condition);
   withComparison(condition.op, [&]<class Kind>(Kind) {

@@ -152,7 +152,7 @@ void FramePlanner::planTarget(Expr& target, Top top) {
     planVariable(static_cast<VariableExpr&>(target));
   } else if (target.kind == ExprKind::Field) {
     auto& field = static_cast<FieldExpr&>(target);
-    planExpression(&field, top + 1);
+    planExpression(field.object, top + 1);
     field.temporariesOffset = offsetOf(top);
   } else {
     auto& index = static_cast<IndexExpr&>(target);
@@ -218,7 +218,6 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
       return planTable(static_cast<TableExpr&>(*expression), top);
     case ExprKind::Field: {
       auto& field = static_cast<FieldExpr&>(*expression);
-      field.temporariesOffset = offsetOf(top);
       planExpression(field.object, top);
       field.peekable = field.object->peekable;
       return;

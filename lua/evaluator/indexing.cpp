@@ -210,7 +210,6 @@ void chooseObjectAndKey(IndexExpr& index) {
 template <class Object>
 void chooseKey(IndexExpr& index) {
   if (isFrameVariable(*index.key)) {
-    index.keyOffset = frameOffsetOf(*index.key);
     chooseObjectAndKey<Object, FrameKey>(index);
   } else {
     chooseObjectAndKey<Object, OtherKey>(index);
@@ -246,6 +245,7 @@ void chooseField(FieldExpr& field) {
 }
 
 void chooseIndex(IndexExpr& index) {
+  if (isFrameVariable(*index.key)) index.keyOffset = frameOffsetOf(*index.key);
   if (isFrameVariable(*index.object)) {
     index.objectOffset = frameOffsetOf(*index.object);
     chooseKey<FrameObject>(index);

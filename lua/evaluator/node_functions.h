@@ -4,7 +4,8 @@
 
 // Which function executes which node. Each chooser looks at the shapes of a node's operands (a
 // frame variable, a literal, anything else) and stores the function made for them; it is called
-// after those of the node's children. The functions themselves are local to the chooser's file.
+// after those of the node's children and, for a target, of the target as an expression, because it
+// reads what they wrote into these nodes. The functions themselves are local to the chooser's file.
 
 namespace tarvel::lua::internal {
 
@@ -66,6 +67,10 @@ const Node* bodyNodeOf(const Block& block) noexcept;
 void chooseWhile(WhileStmt& loop);
 void chooseNumericFor(NumericForStmt& loop);
 void chooseGenericFor(GenericForStmt& loop);
+
+// Whether the node's chooser has run. It also writes offsets and a constant into the node; a node
+// that this one is fused into, or that tries it in place, reads them there.
+inline bool isChosen(const Node& node) noexcept { return node.execute != nullptr; }
 
 inline bool isFrameVariable(const Expr& expression) noexcept {
   return expression.kind == ExprKind::Variable &&

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <tuple>
 #include <type_traits>
@@ -218,6 +219,7 @@ inline OperandShapes operandShapes(const BinaryExpr& node) noexcept {
 // Writes where the operands are into the node, which its function and those of nodes that it is
 // fused into read: offsets of frame variables, and the constant.
 inline OperandShapes placeOperands(BinaryExpr& node) noexcept {
+  assert(isChosen(*node.left) && isChosen(*node.right));
   const OperandShapes shapes = operandShapes(node);
   if (shapes.left == OperandShape::Frame) node.leftOffset = frameOffsetOf(*node.left);
   if (shapes.right == OperandShape::Frame) node.rightOffset = frameOffsetOf(*node.right);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -154,6 +155,7 @@ Value executeBreak(const Node*, Value*) { return BreakSignal::completion(); }
 }  // namespace
 
 const Node* bodyNodeOf(const Block& block) noexcept {
+  assert(isChosen(block));
   return block.execute == runSome<1> ? block.nodes[0] : &block;
 }
 

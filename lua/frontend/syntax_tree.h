@@ -141,6 +141,7 @@ struct BinaryExpr : Expr {
   Expr* left;
   TokenKind op;
   Expr* right;
+  // Also read by a node that this one is fused into, or that tries it in place as its operand.
   SlotOffset leftOffset = 0;   // of a left operand that is a frame variable
   SlotOffset rightOffset = 0;  // likewise
   Value constant;              // of the operand that is a literal
