@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,8 +28,7 @@ class Piece {
       text_ = {digits_.data(),
                std::to_chars(digits_.data(), digits_.data() + digits_.size(), value.integer).ptr};
     } else {
-      value.appendTo(other_);
-      text_ = other_;
+      text_ = other_.emplace(value.toString());
     }
   }
   Piece(const Piece&) = delete;
@@ -39,7 +39,7 @@ class Piece {
  private:
   std::string_view text_;
   std::array<char, 24> digits_;
-  std::string other_;
+  std::optional<std::string> other_;
 };
 
 Value* piecesOf(const ConcatExpr* concat, Value* base) noexcept {
@@ -78,11 +78,17 @@ StringObject* joinAll(Heap& heap, Value* first, Value* end) {
   return text;
 }
 
-// Out of line, because the frame of evaluateConcat is open while the operands are evaluated: what
-// the pieces need for their digits would be more of the host's stack than a level of the tree may
-// take.
-[[gnu::noinline]] StringObject* join(Heap& heap, Value* first, Value* end) {
-  return end - first == 2 ? joinTwo(heap, first[0], first[1]) : joinAll(heap, first, end);
+// Out of line, because evaluateConcat's frame is open while the operands are evaluated: with what
+// the pieces need for their digits it would be more of the host's stack than a level of the tree
+// may take.
+[[gnu::noinline]] Value joinPieces(const ConcatExpr* concat, Value* base) {
+  Value* const first = piecesOf(concat, base);
+  Value* const end = first + concat->operands.size;
+  Heap& heap = concat->interpreter->heap;
+  StringObject* const text =
+      end - first == 2 ? joinTwo(heap, first[0], first[1]) : joinAll(heap, first, end);
+  clearSlots(first, end);
+  return Value(text);
 }
 
 // Evaluates the operands from number `first` on into their temporaries, left to right.
@@ -96,11 +102,7 @@ void evaluatePieces(const ConcatExpr* concat, std::uint32_t first, Value* base) 
 Value evaluateConcat(const Node* node, Value* base) {
   const auto* const concat = static_cast<const ConcatExpr*>(node);
   evaluatePieces(concat, 0, base);
-  Value* const first = piecesOf(concat, base);
-  Value* const end = first + concat->operands.size;
-  StringObject* const text = join(node->interpreter->heap, first, end);
-  clearSlots(first, end);
-  return Value(text);
+  return joinPieces(concat, base);
 }
 
 // ---- Appending ----------------------------------------------------------------------------------
