@@ -29,7 +29,7 @@ namespace {
 
 // The interpreter's thread gets a stack of its own size: pages cost nothing until a script recurses
 // that deep. The address sanitizer gives up its bookkeeping for exceptions on stacks beyond 64 MB.
-#ifdef TARVELLUA_CHECKED_HEAP
+#ifdef TARVELLUA_WIDE_FRAMES
 constexpr std::size_t kStackBytes = std::size_t{60} << 20;
 #else
 constexpr std::size_t kStackBytes = std::size_t{256} << 20;

@@ -1,7 +1,7 @@
 # What every target of this project is compiled with.
 
 # A checked heap has no free lists, which would hide leaks and use after release, and counts its objects.
-if(TARVELLUA_COUNT_OBJECTS OR TARVELLUA_CHECKED_HEAP OR TARVELLUA_SANITIZE)
+if(TARVELLUA_COUNT_OBJECTS OR TARVELLUA_SANITIZE)
   set(tarvelCheckedHeap ON)
 else()
   set(tarvelCheckedHeap OFF)

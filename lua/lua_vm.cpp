@@ -11,6 +11,7 @@
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/patterns/searcher.h"
+#include "lua/value/host_stack.h"
 
 namespace tarvel::lua {
 
@@ -89,13 +90,6 @@ LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,
 
 namespace {
 
-// With less of the host's stack than this, not even a short script can be read.
-#if defined(TARVELLUA_CHECKED_HEAP) || !defined(__OPTIMIZE__)
-constexpr std::size_t kLeastHostStack = std::size_t{48} << 10;  // bytes
-#else
-constexpr std::size_t kLeastHostStack = std::size_t{16} << 10;
-#endif
-
 // What a run leaves the interpreter with, however it ends: the stack as it was, nothing on it, and
 // no exit that would be taken for one of a run around it.
 class RunScope {
@@ -139,7 +133,8 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
   std::optional<RunScope> scope(std::in_place, stack, exit_);
   try {
     if (ended_) throw std::runtime_error("the interpreter has ended");
-    if (internal::hostStackRoom() < kLeastHostStack) throw RuntimeError("stack overflow", 1, true);
+    if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
+      throw RuntimeError("stack overflow", 1, true);
     MultiValue results;
     {
       const ChunkReference chunk = parseScript(source, chunkName);

@@ -8,6 +8,7 @@
 #include "lua/frontend/resolver.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
+#include "lua/value/host_stack.h"
 
 // From text to a tree that can run, on one page.
 
@@ -17,20 +18,12 @@ namespace internal {
 
 namespace {
 
-// The host's stack that one level of nesting takes at most in the parser, and in the passes over
-// the tree after it.
-#if defined(TARVELLUA_CHECKED_HEAP) || !defined(__OPTIMIZE__)
-constexpr std::size_t kParserBytesPerLevel = 6144;
-#else
-constexpr std::size_t kParserBytesPerLevel = 2048;
-#endif
-
 // Far beyond what people write, and small enough that a tree of this height can be walked.
 constexpr std::size_t kDeepestNesting = 10000;
 
 std::uint32_t nestingLimit() {
   return static_cast<std::uint32_t>(
-      std::min(kDeepestNesting, hostStackRoom() / kParserBytesPerLevel));
+      std::min(kDeepestNesting, hostStackRoom() / stack_cost::kParserLevel));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-#include "lua/value/value_stack.h"
+#include "lua/value/host_stack.h"
 
 // How public values are made, copied and released.
 
@@ -116,7 +116,6 @@ namespace internal {
 namespace {
 
 constexpr int kDeepestConversion = 1000;
-constexpr std::size_t kHostBytesPerConversion = 2048;
 
 }  // namespace
 
@@ -125,7 +124,7 @@ void failBridgeOut() { throw std::runtime_error("value cannot be bridged out of 
 void failUnsupported() { throw std::runtime_error("unsupported TarvelLua value"); }
 
 bool isTooDeep(int depth) noexcept {
-  return depth > kDeepestConversion || hostStackRoom() < kHostBytesPerConversion;
+  return depth > kDeepestConversion || hostStackRoom() < stack_cost::kConversionLevel;
 }
 
 std::optional<std::int64_t> integerKey(const std::string& key) noexcept {

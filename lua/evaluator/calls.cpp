@@ -5,6 +5,7 @@
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
+#include "lua/value/host_stack.h"
 #include "lua/value/table.h"
 
 // Calls. The callee and its arguments are evaluated straight into the slots where the callee's
@@ -17,11 +18,6 @@ namespace tarvel::lua {
 namespace internal {
 
 namespace {
-
-// What a native function may take of the host's stack before it calls back, so that recursion
-// through natives ends in time. What it takes without calling back is covered by the stack's
-// reserve.
-constexpr std::uint32_t kNativeHostBytes = 2048;
 
 [[noreturn, gnu::noinline]] void failNotCallable(const Value& callee, unsigned line) {
   failRuntime(line, std::string("attempt to call a ") + describeValueType(callee) + " value");
@@ -81,7 +77,7 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, un
   if (!code->function) failRuntime(line, "attempt to call an empty function");
   ValueStack& stack = interpreter.stack;
   Value* const end = frame + 1 + count;
-  if (!stack.hasRoom(end, kNativeHostBytes) && !stack.makeRoom(end, kNativeHostBytes))
+  if (!stack.hasRoom(end, stack_cost::kNativeCall) && !stack.makeRoom(end, stack_cost::kNativeCall))
       [[unlikely]] {
     failStackOverflow(line);
   }

@@ -5,18 +5,11 @@
 #include <utility>
 
 #include "lua/value/errors.h"
+#include "lua/value/host_stack.h"
 
 namespace tarvel::lua::internal {
 
 namespace {
-
-// The host's stack that executing one level of the tree takes at most, and what a call takes
-// besides. Generous: the figures include the padding of builds with sanitizers where those are on.
-#if defined(TARVELLUA_CHECKED_HEAP) || !defined(__OPTIMIZE__)
-constexpr std::uint32_t kHostBytesPerLevel = 768;
-#else
-constexpr std::uint32_t kHostBytesPerLevel = 192;
-#endif
 
 constexpr std::uint32_t kMostFrameSlots = std::uint32_t{1} << 24;
 
@@ -48,7 +41,7 @@ void FramePlanner::planFunction(FunctionExpr& function) {
   function.captures = chunk_.arena.list(open.captures);
   function.releaseEnd = function.body->releaseEnd;
   function.frameBytes = offsetOf(open.frameSlots + 1);
-  function.stackBytes = (function.nesting + 4) * kHostBytesPerLevel;
+  function.stackBytes = stack_cost::kCall + function.nesting * stack_cost::kTreeLevel;
   largestFrame_ = std::max(largestFrame_, open.frameSlots + 1);
   open_ = open.enclosing;
 }

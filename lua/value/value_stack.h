@@ -3,51 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "lua/value/host_stack.h"
 #include "lua/value/value.h"
 
 namespace tarvel::lua::internal {
-
-// The stack pointer of the host's stack; it grows downward.
-inline std::uintptr_t hostStackPointer() noexcept {
-#if defined(__x86_64__)
-  std::uintptr_t pointer;
-  asm("mov %%rsp, %0" : "=r"(pointer));
-  return pointer;
-#elif defined(__aarch64__)
-  std::uintptr_t pointer;
-  asm("mov %0, sp" : "=r"(pointer));
-  return pointer;
-#else
-  return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-#endif
-}
-
-// The lowest stack pointer that code of this thread may reach and still have room for library calls
-// and for raising an exception. Derived from the real bounds of the thread's stack; on a stack that
-// the host switched to itself, whose bounds nobody knows, from where a HostStackScope began.
-std::uintptr_t hostStackFloor() noexcept;
-
-// Notes the floor for everything that runs on this stack while it lives. Stands around whatever
-// recurses as deep as the stack allows. Those of several stacks may end in any order, and on
-// another thread than they began on.
-class HostStackScope {
- public:
-  HostStackScope() noexcept;
-  ~HostStackScope();
-  HostStackScope(const HostStackScope&) = delete;
-  HostStackScope& operator=(const HostStackScope&) = delete;
-
- private:
-  friend std::uintptr_t hostStackFloor() noexcept;
-  static std::uintptr_t floorOfSwitchedStack(std::uintptr_t here) noexcept;
-
-  std::uintptr_t floor_;
-  bool isListed_;  // on a stack that the host switched to
-  HostStackScope* earlier_ = nullptr;
-};
-
-// Bytes of the host's stack that are left above the floor.
-std::size_t hostStackRoom() noexcept;
 
 // The frames of one interpreter: one reservation of address space that never moves, so pointers
 // into it stay valid. Memory is used only as far as the frames have reached.

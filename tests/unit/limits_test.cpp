@@ -30,7 +30,8 @@ namespace {
 
 // What a script cannot exceed: the thread's stack, and memory.
 
-using internal::kSanitized;
+using internal::kCheckedHeap;
+using internal::kWideFrames;
 using internal::runOnStack;
 
 constexpr std::size_t kKilobyte = 1024;
@@ -67,7 +68,7 @@ TEST(Recursion, IsAnErrorOnEveryStack) {
   for (const auto& c : kRecursions) {
     std::int64_t small = 0;
     runOnStack(256 * kKilobyte, [&] { small = recurse(c.source, c.outcome); });
-    EXPECT_GE(small, kSanitized ? 5 : 50) << c.source;
+    EXPECT_GE(small, kWideFrames ? 5 : 50) << c.source;
     const std::int64_t onMainThread = recurse(c.source, c.outcome);
     if (&c != &kRecursions[0]) continue;
     std::int64_t large = 0;
@@ -94,7 +95,7 @@ TEST(Recursion, ThroughLongBlocksIsAnErrorToo) {
 TEST(Recursion, ThroughTallTreesIsAnErrorToo) {
   const std::string source = "n = 0 function f() n = n + 1 return " + repeated("1 .. (", 3500) +
                              "f()" + repeated(")", 3500) + " end f()";
-  const std::size_t least = (kSanitized ? 45 : 15) * kMegabyte;  // with less it is not even read
+  const std::size_t least = (kWideFrames ? 45 : 15) * kMegabyte;  // with less it is not even read
   for (std::size_t size = least; size < least + 900 * kKilobyte; size += 90 * kKilobyte)
     runOnStack(size, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
 }
@@ -163,7 +164,8 @@ class SwitchedStack {
 };
 
 TEST(Recursion, IsAnErrorOnAStackThatTheHostSwitchedTo) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer has to be told of such a stack";
+  if (kWideFrames)
+    GTEST_SKIP() << "a sanitizer has to be told of such a stack, and wide frames need more";
   SwitchedStack stack(256 * kKilobyte, [] {
     for (const auto& c : kRecursions) EXPECT_GE(recurse(c.source, c.outcome), 20) << c.source;
     EXPECT_EQ("again:1: stack overflow", recurseThroughHost());
@@ -189,7 +191,8 @@ __attribute__((noinline)) std::string runFromDeeper(LuaVM& vm) {
 // Two runs that end in the order in which they began, one of them on another thread, then one on
 // the first one's stack.
 TEST(Recursion, IsBoundedOnEachOfSeveralSwitchedStacks) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer has to be told of such a stack";
+  if (kWideFrames)
+    GTEST_SKIP() << "a sanitizer has to be told of such a stack, and wide frames need more";
   LuaVM vms[2];
   const auto runAndSuspend = [](LuaVM& vm, SwitchedStack& stack) {
     vm.bindFunction("suspend", [&](LuaVM&, const Arguments&) {
@@ -320,7 +323,7 @@ constexpr std::size_t kMostPeakMemory = kLittleMemory + 64 * kMegabyte;
 }
 
 void expectNotEnoughMemory(const std::string& script) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
   // A process of its own each, because how much there is is asked only once in a process.
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const bool systemEnforces : {true, false}) {
@@ -362,7 +365,7 @@ TEST(Memory, RunningOutIsAnError) {
 
 // What a run returns is copied, and a chunk's tokens and tree take many times its text.
 TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
   const auto runOut = [](const std::string& source) {
     LuaVM vm;
     limitMemory(kLittleMemory);
@@ -400,7 +403,7 @@ TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
 }
 
 TEST(Memory, ArgumentsForTheHostCount) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
   EXPECT_EXIT(nestCallsWithManyArguments(), ::testing::ExitedWithCode(0), "");
 }
 
@@ -466,12 +469,12 @@ std::vector<void*> takeAllMemory(std::size_t smallest) {
 }
 
 TEST(Memory, ARunWithoutAnyIsAFailedOne) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
   EXPECT_EXIT(runWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(Memory, RunningOutLeavesNoGlobalWithoutAVariable) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
   EXPECT_EXIT(runOutWhileSettingGlobals(), ::testing::ExitedWithCode(0), "");
 }
 
@@ -500,7 +503,7 @@ TEST(Memory, RunningOutLeavesNoGlobalWithoutAVariable) {
 }
 
 TEST(Memory, AFailedCopyLeavesTheHostsValue) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  if (kWideFrames) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
   EXPECT_EXIT(copyWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 
@@ -533,7 +536,7 @@ TEST(Memory, AFailedCopyLeavesTheHostsValue) {
 }
 
 TEST(Memory, IsWhatFailsTheOpeningOfAFile) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+  if (kWideFrames) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
   EXPECT_EXIT(openFilesWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 

@@ -236,12 +236,8 @@ std::string outcomeOn(std::size_t stackBytes, const std::string& script) {
   return outcome;
 }
 
-// Just enough for running a script. Sanitizers widen the frames.
-#ifdef TARVELLUA_CHECKED_HEAP
-constexpr std::size_t kSmallStack = std::size_t{256} << 10;
-#else
-constexpr std::size_t kSmallStack = std::size_t{64} << 10;
-#endif
+// Just enough for running a script.
+constexpr std::size_t kSmallStack = std::size_t{kWideFrames ? 256 : 64} << 10;
 
 TEST(PatternTest, DeepRecursionGivesTheRightAnswerOrAnError) {
   const std::pair<const char*, const char*> cases[] = {

@@ -9,24 +9,19 @@
 #include <string_view>
 
 #include "lua/value/heap.h"
+#include "lua/value/host_stack.h"
 #include "lua/value/string_object.h"
 #include "lua/value/table.h"
 #include "lua/value/value.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TARVELLUA_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TARVELLUA_TEST_SANITIZED 1
-#endif
-#endif
-
 namespace tarvel::lua::internal {
 
-#ifdef TARVELLUA_TEST_SANITIZED
-inline constexpr bool kSanitized = true;
+// A checked heap counts its blocks, and has no small ones. The other question that a test may have
+// about the build is kWideFrames, in host_stack.h.
+#ifdef TARVELLUA_CHECKED_HEAP
+inline constexpr bool kCheckedHeap = true;
 #else
-inline constexpr bool kSanitized = false;
+inline constexpr bool kCheckedHeap = false;
 #endif
 
 // A heap of its own, and what tests make in it.

@@ -9,25 +9,11 @@
 #include <mutex>
 
 #include "lua/stdlib/patterns/translation.h"
-#include "lua/value/value_stack.h"
+#include "lua/value/host_stack.h"
 
 namespace tarvel::lua::internal {
 
 namespace {
-
-// What was measured with g++ and clang, optimised or not, and half as much again at least.
-// Sanitizers widen the frames.
-#ifdef TARVELLUA_CHECKED_HEAP
-constexpr std::size_t kFrameFactor = 4;
-#else
-constexpr std::size_t kFrameFactor = 1;
-#endif
-// The matcher takes up to 320 bytes of stack for a state.
-constexpr std::size_t kStateBytes = 512 * kFrameFactor;
-// The compiler takes up to 143 bytes for each element of a sequence, 560 for each open group.
-constexpr std::size_t kElementBytes = 256 * kFrameFactor;
-constexpr std::size_t kGroupBytes = 1024 * kFrameFactor;
-constexpr std::size_t kCompilerBytes = 8192 * kFrameFactor;  // whatever the expression is
 
 [[noreturn]] void failStack() { throw std::regex_error(std::regex_constants::error_stack); }
 
@@ -49,8 +35,9 @@ void fillCharacterTables() {
 }
 
 const std::string& readyToCompile(const std::string& expression) {
-  const std::size_t needed =
-      kCompilerBytes + expression.size() * kElementBytes + countOf(expression, '(') * kGroupBytes;
+  const std::size_t needed = stack_cost::kRegexCompiler +
+                             expression.size() * stack_cost::kRegexElement +
+                             countOf(expression, '(') * stack_cost::kRegexGroup;
   if (needed > hostStackRoom()) failStack();
   fillCharacterTables();
   return expression;
@@ -86,7 +73,7 @@ void report(const Results& results, std::string_view subject, PatternMatch& matc
 
 namespace {
 
-constexpr std::size_t kMostStates = SIZE_MAX / kStateBytes;
+constexpr std::size_t kMostStates = SIZE_MAX / stack_cost::kRegexState;
 
 std::size_t timesSaturated(std::size_t states, std::size_t factor) noexcept {
   return states > kMostStates / factor ? kMostStates : states * factor;
@@ -126,10 +113,12 @@ RecursionBound RecursionBound::of(std::string_view pattern, std::string_view exp
   return {statesAtOnce, rounds == 1 ? 2 * searches : statesAtOnce};
 }
 
-std::size_t RecursionBound::stackForStep() const noexcept { return statesAtOnce * kStateBytes; }
+std::size_t RecursionBound::stackForStep() const noexcept {
+  return statesAtOnce * stack_cost::kRegexState;
+}
 
 bool RecursionBound::fitsIn(std::size_t stackBytes, std::size_t subjectLength) const noexcept {
-  const std::size_t states = stackBytes / kStateBytes;
+  const std::size_t states = stackBytes / stack_cost::kRegexState;
   return statesAtOnce <= states && subjectLength <= (states - statesAtOnce) / statesPerByte;
 }
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <iterator>
 
-#include "lua/value/value_stack.h"
+#include "lua/value/host_stack.h"
 
 namespace tarvel::lua::internal {
 
