@@ -7,21 +7,10 @@
 
 #include "lua/stdlib/patterns/guarded_position.h"
 #include "lua/stdlib/patterns/hints.h"
+#include "lua/stdlib/patterns/recursion_bound.h"
 #include "lua/stdlib/patterns/searcher.h"
 
 namespace tarvel::lua::internal {
-
-// How deep the matcher of std::regex can recurse for a pattern: it does so for every state of the
-// expression that a match passes through.
-struct RecursionBound {
-  std::size_t statesAtOnce;  // between one byte of the subject and the next
-  std::size_t statesPerByte;
-
-  static RecursionBound of(std::string_view pattern, std::string_view expression) noexcept;
-
-  std::size_t stackForStep() const noexcept;  // bytes
-  bool fitsIn(std::size_t stackBytes, std::size_t subjectLength) const noexcept;
-};
 
 // A pattern ready for searching.
 class PatternExpression {
