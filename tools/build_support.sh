@@ -56,6 +56,7 @@ missingPackages() {
       clang) hasCommand clang++ || echo clang ;;
       clang-runtime) [ -n "$(find /usr/lib/llvm-14/lib/clang -name 'libclang_rt.asan*' 2>/dev/null)" ] || echo libclang-rt-14-dev ;;
       clang-format) hasCommand clang-format || echo clang-format ;;
+      clang-tidy) hasCommand run-clang-tidy || echo clang-tidy ;;
     esac
   done
 }

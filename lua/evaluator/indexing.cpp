@@ -14,9 +14,7 @@ namespace tarvel::lua {
 
 using internal::describeValueType;
 using internal::failRuntime;
-using internal::NativeObject;
 using internal::StringObject;
-using internal::Table;
 using internal::TableKey;
 using internal::Value;
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <span>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -50,7 +51,8 @@ class Arena {
   ArenaList<T> list(const std::vector<T>& elements) {
     static_assert(std::is_trivially_copyable_v<T>);
     if (elements.empty()) return {};
-    T* data = static_cast<T*>(allocate(elements.size() * sizeof(T), alignof(T)));
+    const std::size_t bytes = std::as_bytes(std::span(elements)).size();
+    T* data = static_cast<T*>(allocate(bytes, alignof(T)));
     std::uninitialized_copy(elements.begin(), elements.end(), data);
     return {data, static_cast<std::uint32_t>(elements.size())};
   }

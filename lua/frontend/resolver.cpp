@@ -20,8 +20,9 @@ void Resolver::beginScope(Block& block) {
 
 void Resolver::endScope(Block& block) {
   OpenScope& open = scopes_.back();
-  for (auto it = open.shadowed.rbegin(); it != open.shadowed.rend(); ++it)
-    bindings_[it->first] = it->second;
+  for (; !open.shadowed.empty(); open.shadowed.pop_back()) {
+    bindings_[open.shadowed.back().first] = open.shadowed.back().second;
+  }
   block.scope->variables = chunk_.arena.list(open.variables);
   scopes_.pop_back();
 }

@@ -272,7 +272,7 @@ void Table::extendBorderIntoEntries() noexcept {
 
 std::size_t Table::entryBytes(std::uint32_t capacity) noexcept {
   const std::size_t indexBytes =
-      capacity < kIndexedCapacity ? 0 : capacity * 2 * sizeof(std::uint32_t);
+      capacity < kIndexedCapacity ? 0 : std::size_t{capacity} * 2 * sizeof(std::uint32_t);
   return capacity * sizeof(Entry) + indexBytes;
 }
 
