@@ -29,6 +29,21 @@ inline constexpr bool kSanitized = true;
 inline constexpr bool kSanitized = false;
 #endif
 
+// Whether heaps count their blocks, and leave the limit of memory to the system.
+#ifdef TARVELLUA_CHECKED_HEAP
+inline constexpr bool kCheckedHeap = true;
+#else
+inline constexpr bool kCheckedHeap = false;
+#endif
+
+// Whether the interpreter expects frames on the host's stack to be several times as large as in an
+// optimised build.
+#if defined(TARVELLUA_CHECKED_HEAP) || !defined(__OPTIMIZE__)
+inline constexpr bool kWideFrames = true;
+#else
+inline constexpr bool kWideFrames = false;
+#endif
+
 // A heap of its own, and what tests make in it.
 class TestHeap {
  public:
