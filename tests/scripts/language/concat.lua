@@ -17,7 +17,7 @@ print(counts[word])  -- expect: nil
 word = word .. "b"
 print(counts[word])  -- expect: found
 -- The left operand is the value it had before the right side ran.
-function change() text = "new" return "-changed" end
+function change() before, text = text, "new" .. 1 return "-changed" end
 text, n = "old", nil
 text, n = text .. change(), n .. "x"
 text = text .. change()
