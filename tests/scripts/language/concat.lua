@@ -21,4 +21,5 @@ function change() before, text = text, "new" .. 1 return "-changed" end
 text, n = "old", nil
 text, n = text .. change(), n .. "x"
 text = text .. change()
-print(text, n)  -- expect: old-changed-changed	nilx
+copy = text .. "!"
+print(text, n, copy)  -- expect: old-changed-changed	nilx	old-changed-changed!
