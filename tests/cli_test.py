@@ -250,6 +250,13 @@ class ContainerTest(ProgramTest):
         self.check("--run-bytecode", out, "x", stdout=f"{out}\tx\t3\n")
         self.check("--run-bytecode", self.write("c", whole + b"more"), stdout=f"{self.path('c')}\tnil\t3\n")
 
+    def test_arguments_and_errors(self):
+        # The arguments are the container's, the errors name the script.
+        script, out = self.write("script.lua", "print(#arg, arg[2])\nerror('x')"), self.path("out")
+        self.check("--compile", script, out)
+        stderr = self.failure(2, "x")
+        self.check("--run-bytecode", out, "a", "--repl", status=1, stdout="2\t--repl\n", stderr=stderr)
+
     def test_what_is_no_container(self):
         whole = b"TLBC\1\0\0\0\1\0\0\0n\10\0\0\0print(1)"
         self.check("--run-bytecode", self.write("c", whole), stdout="1\n")

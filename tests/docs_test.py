@@ -24,26 +24,24 @@ import textwrap
 import run_scripts
 
 OTHER_LANGUAGES = ("text", "sh", "cmake", "cpp")
-FENCE = re.compile(r"( *)(`{3,}|~{3,})(.*)$")
+FENCE = re.compile(r"```(.*)$")
 PROMPT = "lua> "
 
 
 def find_blocks(text):
     """The fenced blocks of a Markdown file, as pairs of a language and code."""
     blocks = []
-    opened = None
+    is_open = False
     for line in text.split("\n"):
         fence = FENCE.match(line)
-        if opened is None:
-            if fence:
-                opened = fence
-                blocks.append([fence[3].strip(), ""])
-        elif fence and fence[2] == opened[2] and not fence[3].strip():
-            opened = None
-        else:
-            indent = len(opened[1])
-            blocks[-1][1] += (line[indent:] if line[:indent].isspace() else line) + "\n"
-    if opened is not None:
+        if fence and not is_open:
+            is_open = True
+            blocks.append([fence[1].strip(), ""])
+        elif fence and not fence[1].strip():
+            is_open = False
+        elif is_open:
+            blocks[-1][1] += line + "\n"
+    if is_open:
         blocks.append(["block without an end", ""])
     return blocks
 

@@ -20,7 +20,6 @@ Directives are comments; code may stand before them on the line. T is the rest o
     -- stdin unterminated: T  the same without a line feed after it
     -- mode: repl             run `tarvellua --repl`; the whole standard output, prompts included, must equal the
                               expected lines (the blank after the last prompt may be left out)
-    -- mode: container        compile the script with --compile, then run the container
     -- cyclic:                the script makes reference cycles, which are never reclaimed: a program that counts its
                               objects must report some, and leaks are not looked for
     -- skip sanitized: why    do not run in a build with sanitizers
@@ -45,7 +44,7 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-MODES = ("script", "repl", "container")
+MODES = ("script", "repl")
 SKIPPED_STATUS = 77
 
 DIRECTIVE = re.compile(
@@ -173,13 +172,6 @@ class Runner:
             return text.replace("{tmp}", tmp).replace("{script}", test.path)
 
         arguments = ["--repl"] if test.mode == "repl" else [test.path]
-        if test.mode == "container":
-            container = os.path.join(tmp, "c.tlbc")
-            compiled = self.execute(["--compile", test.path, container], "", cyclic=False)
-            if compiled.status == 0:
-                arguments = ["--run-bytecode", container]
-            elif os.path.exists(container):
-                return ["--compile failed and left a container behind"]
         arguments += [fill(argument) for argument in test.args]
         run = self.execute(arguments, fill(test.stdin), test.cyclic)
         problems = []

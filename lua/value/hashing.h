@@ -52,8 +52,7 @@ inline std::uint32_t finishHash(std::uint64_t left, std::uint64_t right, std::ui
 }
 
 inline std::uint32_t hashOfInteger(std::int64_t key, const HashSecrets& secrets) noexcept {
-  return static_cast<std::uint32_t>(
-      HashProduct::of(static_cast<std::uint64_t>(key) ^ secrets.left, secrets.right).folded());
+  return finishHash(static_cast<std::uint64_t>(key) ^ secrets.left, secrets.right, 0, secrets);
 }
 
 // What the bytes in front of the last sixteen or fewer come to, sixteen a round.

@@ -31,6 +31,7 @@ namespace {
 // What a script cannot exceed: the thread's stack, and memory.
 
 using internal::kCheckedHeap;
+using internal::kSanitized;
 using internal::kWideFrames;
 using internal::runOnStack;
 
@@ -100,12 +101,22 @@ TEST(Recursion, ThroughTallTreesIsAnErrorToo) {
     runOnStack(size, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
 }
 
+TEST(Recursion, ThroughATallTreeIsAnErrorToo) {
+  const std::string source = "function id(x) return x end function f() n = n + 1 return " +
+                             repeated("{x = {id(", 800) + "f()" + repeated(")}}", 800) + " end f()";
+  for (std::size_t size = 17; size < 25; ++size)
+    runOnStack(size * kMegabyte, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
+}
+
 // A run inside a run inside a run.
 std::string recurseThroughHost() {
   LuaVM vm;
   std::string deepest;
   vm.bindFunction("again", [&](LuaVM& caller, const Arguments&) {
-    const LuaResult result = caller.runScriptString("return {again()}", "again");
+    volatile char room[20 * kKilobyte];  // what a host's own frames may take
+    room[0] = '{';
+    const std::string source = std::string("return ") + room[0] + "again()}";
+    const LuaResult result = caller.runScriptString(source, "again");
     if (!result.ok && deepest.empty()) deepest = result.error;
     return result.value;
   });
@@ -295,6 +306,17 @@ void needMuchMemory(LuaVM& vm) {
   EXPECT_EQ("i100000000", run(vm, "return #string.rep('x', 100000000)"));
 }
 
+// Either the system enforces the limit, or the interpreter does, by its own count. Checked heaps
+// leave it to the system.
+void leaveLittleMemory(LuaVM& vm, bool systemEnforces) {
+  systemEnforces = systemEnforces || kCheckedHeap;
+  if (systemEnforces) needMuchMemory(vm);
+  limitMemory(kLittleMemory);
+  if (systemEnforces) return;
+  needMuchMemory(vm);
+  limitMemory(5 * kLittleMemory);
+}
+
 // In bytes.
 std::size_t peakMemory() {
   rusage usage{};
@@ -305,16 +327,10 @@ std::size_t peakMemory() {
 constexpr std::size_t kMostPeakMemory = kLittleMemory + 64 * kMegabyte;
 
 // Runs a script in this process with little memory and ends the process, with status 0 if the
-// script returned true and the interpreter still runs others. Either the system enforces the limit,
-// or the interpreter does, by its own count.
+// script returned true and the interpreter still runs others.
 [[noreturn]] void runWithLittleMemory(const std::string& script, bool systemEnforces) {
   LuaVM vm;
-  if (systemEnforces) needMuchMemory(vm);
-  limitMemory(kLittleMemory);
-  if (!systemEnforces) {
-    needMuchMemory(vm);
-    limitMemory(5 * kLittleMemory);
-  }
+  leaveLittleMemory(vm, systemEnforces);
   const std::string text = run(vm, script);
   const std::string afterwards = run(vm, kBusyScript);
   const std::size_t peak = peakMemory();
@@ -322,17 +338,26 @@ constexpr std::size_t kMostPeakMemory = kLittleMemory + 64 * kMegabyte;
   _exit(text == "true" && afterwards == kBusyOutcome && peak < kMostPeakMemory ? 0 : 1);
 }
 
-void expectNotEnoughMemory(const std::string& script) {
-  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
-  // A process of its own each, because how much there is is asked only once in a process.
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  for (const bool systemEnforces : {true, false}) {
-    EXPECT_EXIT(runWithLittleMemory(script, systemEnforces), ::testing::ExitedWithCode(0), "")
-        << script << (systemEnforces ? "" : ", by its own count");
-  }
-}
+constexpr const char* kNotCounted = "checked heaps do not count their memory";
 
-TEST(Memory, RunningOutIsAnError) {
+// Each test in a process of its own, because how much there is is asked only once in a process.
+class Memory : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+  }
+
+  // The script returns true with little memory, and the interpreter is in order afterwards.
+  static void expectTrue(const std::string& script) {
+    for (const bool systemEnforces : {true, false}) {
+      EXPECT_EXIT(runWithLittleMemory(script, systemEnforces), ::testing::ExitedWithCode(0), "")
+          << script << (systemEnforces ? "" : ", by its own count");
+    }
+  }
+};
+
+TEST_F(Memory, RunningOutIsAnError) {
   const char* const bodies[] = {
       "local s = 'x' while true do s = s .. s end",
       "local s = 'x' while true do local t = s .. s s = t end",
@@ -341,11 +366,6 @@ TEST(Memory, RunningOutIsAnError) {
       "local s = string.rep('x', 9000000000000)",
       "local t = {} while true do t = {x = t} end",
       "local f = 1 while true do f = around(f) end",
-      // Small blocks, then large ones, with the small ones free again but for a few.
-      ("local all, few = {}, {} pcall(function() for i = 1, 1000000000 do all = {all, i} "
-       "if i % 100000 == 0 then few = {few} end end end) all = nil "
-       "for i = 1, 10 do string.rep('x', 100000000) end local s = 'x' while true do s = s .. s "
-       "end"),
       // Memory that is not the script's own: what print, error, loops and functions hand on.
       "local a = {1} for i = 1, 40 do a = {a, a} end print(a)",
       "local a = {x = 1} for i = 1, 40 do a = {x = a, y = a} end print(a)",
@@ -356,19 +376,28 @@ TEST(Memory, RunningOutIsAnError) {
       "string.unpack(string.rep('I4', 9000000), string.rep('x', 36000000))",
   };
   for (const std::string body : bodies) {
-    expectNotEnoughMemory(
+    expectTrue(
         "function around(g) return function() return g end end "
         "local ok, message = pcall(function() " +
         body + " end) return not ok and message == 'not enough memory'");
   }
 }
 
+// Small blocks, then those of another size with a few of the first kept, then large ones.
+TEST_F(Memory, WhatIsFreeServesAgain) {
+  if (kCheckedHeap) GTEST_SKIP() << kNotCounted;
+  expectTrue(
+      "local all, few = {}, {} pcall(function() for i = 1, 1000000000 do all = {all, i} "
+      "if i % 100000 == 0 then few = {few} end end end) all = nil "
+      "local texts for i = 1, 400000 do texts = {texts, string.rep('x', 150)} end "
+      "few, texts = nil for i = 1, 10 do string.rep('x', 150000000) end return true");
+}
+
 // What a run returns is copied, and a chunk's tokens and tree take many times its text.
-TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
-  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
-  const auto runOut = [](const std::string& source) {
+TEST_F(Memory, RunningOutAroundARunIsAnErrorToo) {
+  const auto runOut = [](const std::string& source, bool systemEnforces) {
     LuaVM vm;
-    limitMemory(kLittleMemory);
+    leaveLittleMemory(vm, systemEnforces);
     const std::string text = run(vm, source);
     std::cerr << text << '\n';
     _exit(text == "error not enough memory" && run(vm, kBusyScript) == kBusyOutcome ? 0 : 1);
@@ -377,17 +406,33 @@ TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
            std::string("local a = {1} for i = 1, 40 do a = {a, a} end return a"),
            std::string("local t = {} while true do t = {t} end"),
            "return {" + repeated("1,", 2000000) + "}",
+           repeated("1 ", 8000000),
        }) {
-    EXPECT_EXIT(runOut(source), ::testing::ExitedWithCode(0), "");
+    for (const bool systemEnforces : {true, false}) {
+      EXPECT_EXIT(runOut(source, systemEnforces), ::testing::ExitedWithCode(0), "");
+    }
   }
+}
+
+// With little of the address space an interpreter has few slots for its frames.
+TEST_F(Memory, ComparatorsThatCallNativesLeaveNothingOnTheStack) {
+  const auto sort = [] {
+    limitMemory(24 * kMegabyte);
+    LuaVM vm;
+    _exit(run(vm,
+              "local t = {} for i = 1, 30000 do t[i] = i * 7919 % 30011 end "
+              "table.sort(t, function(a, b) return a ~= b and math.min(a, b) == a end) "
+              "return t[1], t[30000]") == "[i1 i30010]"
+              ? 0
+              : 1);
+  };
+  EXPECT_EXIT(sort(), ::testing::ExitedWithCode(0), "");
 }
 
 // The arguments of a host's function that calls the script again, and so on.
 [[noreturn]] void nestCallsWithManyArguments() {
   LuaVM vm;
-  limitMemory(kLittleMemory);
-  needMuchMemory(vm);
-  limitMemory(5 * kLittleMemory);
+  leaveLittleMemory(vm, false);
   const std::string script =
       "again(string.unpack(string.rep('I4', 1000000), string.rep('x', 4000000)))";
   std::string innermost;
@@ -402,18 +447,18 @@ TEST(Memory, RunningOutAroundARunIsAnErrorToo) {
   _exit(innermost == "error not enough memory" && peak < kMostPeakMemory ? 0 : 1);
 }
 
-TEST(Memory, ArgumentsForTheHostCount) {
-  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
+TEST_F(Memory, ArgumentsForTheHostCount) {
+  if (kCheckedHeap) GTEST_SKIP() << kNotCounted;
   EXPECT_EXIT(nestCallsWithManyArguments(), ::testing::ExitedWithCode(0), "");
 }
 
 // An assignment that fails stores nothing, also where it would have appended in place.
-TEST(Memory, AFailedAppendLeavesTheString) {
+TEST_F(Memory, AFailedAppendLeavesTheString) {
   const std::string script =
       "local big = 'x' for i = 1, 26 do big = big .. big end local s = 'a' .. 'b' "
       "local ok = pcall(function() s = s .. 'tail' .. big .. big .. big .. big .. big .. big end) "
       "return not ok and s == 'ab'";
-  expectNotEnoughMemory(script);
+  expectTrue(script);
 }
 
 // Takes what memory there is, in blocks down to `smallest` bytes, in the order of their sizes.
@@ -425,35 +470,6 @@ std::vector<void*> takeAllMemory(std::size_t smallest) {
     while (void* const block = std::malloc(bytes)) blocks.push_back(block);
   }
   return blocks;
-}
-
-// Sets globals until memory runs out, and ends the process with status 0 if all names then still
-// have variables of their own.
-[[noreturn]] void runOutWhileSettingGlobals() {
-  LuaVM vm;
-  needMuchMemory(vm);
-  std::vector<void*> taken = takeAllMemory(72);
-  for (std::size_t i = 1; i < std::min<std::size_t>(taken.size(), 2000); i += 2) {
-    std::free(std::exchange(*(taken.end() - static_cast<std::ptrdiff_t>(i)), nullptr));
-  }
-  std::array<char, 8> name{};
-  std::int64_t names = 0;
-  try {
-    for (;;) {
-      std::snprintf(name.data(), name.size(), "g%d", static_cast<int>(++names));
-      vm.setGlobal(name.data(), integer(names));
-    }
-  } catch (const std::bad_alloc&) {
-  }
-  for (void* const block : taken) std::free(block);
-  limitMemory(kLittleMemory);
-  vm.setGlobal("another", integer(-1));
-  vm.setGlobal(name.data(), integer(names));
-  std::string sum = "return another";
-  for (std::int64_t i = 1; i <= names; ++i) sum += " + g" + std::to_string(i);
-  const std::string text = run(vm, sum);
-  std::cerr << names << ' ' << text << '\n';
-  _exit(text == "i" + std::to_string(names * (names + 1) / 2 - 1) ? 0 : 1);
 }
 
 // Not even for the message.
@@ -468,14 +484,8 @@ std::vector<void*> takeAllMemory(std::size_t smallest) {
   _exit(!result.ok && run(vm, kBusyScript) == kBusyOutcome ? 0 : 1);
 }
 
-TEST(Memory, ARunWithoutAnyIsAFailedOne) {
-  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
+TEST_F(Memory, ARunWithoutAnyIsAFailedOne) {
   EXPECT_EXIT(runWithoutMemory(), ::testing::ExitedWithCode(0), "");
-}
-
-TEST(Memory, RunningOutLeavesNoGlobalWithoutAVariable) {
-  if (kCheckedHeap) GTEST_SKIP() << "a checked heap does not count its bytes";
-  EXPECT_EXIT(runOutWhileSettingGlobals(), ::testing::ExitedWithCode(0), "");
 }
 
 // Assigns a text that there is no memory for to values of other kinds, and ends the process with
@@ -502,8 +512,7 @@ TEST(Memory, RunningOutLeavesNoGlobalWithoutAVariable) {
   _exit(allStay && !::testing::Test::HasFailure() ? 0 : 1);
 }
 
-TEST(Memory, AFailedCopyLeavesTheHostsValue) {
-  if (kWideFrames) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+TEST_F(Memory, AFailedCopyLeavesTheHostsValue) {
   EXPECT_EXIT(copyWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 
@@ -535,8 +544,7 @@ TEST(Memory, AFailedCopyLeavesTheHostsValue) {
   _exit(all ? 0 : 1);
 }
 
-TEST(Memory, IsWhatFailsTheOpeningOfAFile) {
-  if (kWideFrames) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
+TEST_F(Memory, IsWhatFailsTheOpeningOfAFile) {
   EXPECT_EXIT(openFilesWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 

@@ -16,8 +16,17 @@
 
 namespace tarvel::lua::internal {
 
-// A checked heap counts its blocks, and has no small ones. The other question that a test may have
-// about the build is kWideFrames, in host_stack.h.
+// What a test may have to know about the build besides kWideFrames (host_stack.h): whether it has a
+// sanitizer, whose allocator ends the process instead of refusing; and whether heaps count their
+// blocks, each of which is then one of the system's.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+inline constexpr bool kSanitized =
+    __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
+#else
+inline constexpr bool kSanitized = false;
+#endif
 #ifdef TARVELLUA_CHECKED_HEAP
 inline constexpr bool kCheckedHeap = true;
 #else

@@ -14,9 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "lua/evaluator/iteration.h"
-#include "lua/value/function_handle.h"
-#include "lua/value/iterator_state.h"
 #include "lua/value/string_object.h"
 #include "lua/value/string_pool.h"
 #include "lua/value/table.h"
@@ -47,13 +44,6 @@ TEST(Value, PrintsFloatsAsStreamsDo) {
     const double common = static_cast<double>(random() % 100000000) / 1000;
     ASSERT_EQ(streamed(common), Value(common).toString());
   }
-}
-
-TEST(Value, PrintsFunctionsWithoutAName) {
-  const TestHeap heap;
-  StringObject* const name = StringObject::create(heap.get(), "");
-  const OwnedValue function(Value(FunctionObject::createNative(heap.get(), name, {})));
-  EXPECT_EQ("function: anonymous", function.get().toString());
 }
 
 TEST(Value, ConvertsToTheNearestNumber) {
@@ -131,25 +121,6 @@ TEST(Table, ForgetsDeadKeys) {
   EXPECT_LE(std::count_if(names.begin(), names.end(), isHeld), 32);
   table = OwnedValue();
   EXPECT_EQ(0, std::count_if(names.begin(), names.end(), isHeld));
-}
-
-// The forms that check everything themselves.
-TEST(Table, IsReadAndWalkedThroughItsFunctions) {
-  const TestHeap heap;
-  const OwnedValue table = heap.table();
-  for (const double number : {1.0, 2.0, -0x1p63}) {
-    TableKey key;
-    ASSERT_TRUE(tryMakeKeyFromValue(Value(number), key));
-    tableSetByKey(*table.get().table, key, Value(number));
-    EXPECT_EQ(number, tableGetByKey(table.get().table, key).number);
-    EXPECT_TRUE(tableGetByKey(nullptr, key).isNil());
-  }
-  EXPECT_EQ(2, tableSequenceLength(table.get().table));
-  EXPECT_EQ(0, tableSequenceLength(nullptr));
-  const OwnedValue pairs(Value(IteratorState::createPairs(heap.get(), *table.get().table)));
-  std::string walked;
-  for (Value key; nextIteratorItem(*pairs.get().iterator, &key, 1);) walked += key.toString() + " ";
-  EXPECT_EQ("1 2 -9223372036854775808 ", walked);
 }
 
 }  // namespace

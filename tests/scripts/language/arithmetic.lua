@@ -22,6 +22,7 @@ nan = inf / inf
 print(0 / -1, 0 / -1 + 0, -(0 / -1), nan ~= nan, nan + 1, inf - inf, -inf, nan >= 1)  -- expect: -0	0	0	true	0	0	-inf	false
 
 -- Divisors are zero up to the machine epsilon; strings never become numbers.
+print(pcall(function() return 1 / 0 end))  -- expect: false	division by zero
 print(pcall(function() return 1 / 0.0000000000000001 end))  -- expect: false	division by zero
 print(pcall(function() return 1.5 % (0 / -1) end))  -- expect: false	modulo by zero
 print(pcall(function() return "10" + 1 end))  -- expect: false	operator '+' expects numbers

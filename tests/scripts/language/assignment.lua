@@ -32,4 +32,7 @@ a = {}
 a.x, a.y = several()
 a[key(0, {}, {})], a[key(1, 2, 3)] = 3, several()
 print(a.x, a.y, a["0k"], a["1k"])  -- expect: 1	2	3	1
+function two() return 1, {2} end
+a.x, a.y, a["0k"], a.z = two()
+print(a)  -- expect: {1k: 1, x: 1, y: {2}}
 print(pcall(function() a.x, a[nil] = several() end))  -- expect: false	table index must be a number, string, or boolean

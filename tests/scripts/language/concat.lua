@@ -10,9 +10,16 @@ for i = 1, 3000 do
 end
 for i = 1, 3000 do sum = sum + #kept[i] end
 print(sum, kept[12], kept[2999] .. 0 == text, kept[2999] == text)  -- expect: 4501500	123456789012	true	false
+-- A string that was a key and grows in place is found by its new text.
+counts, word = {ab = "found"}, ""
+word = word .. "a"
+print(counts[word])  -- expect: nil
+word = word .. "b"
+print(counts[word])  -- expect: found
 -- The left operand is the value it had before the right side ran.
-function change() text = "new" return "-changed" end
+function change() before, text = text, "new" .. 1 return "-changed" end
 text, n = "old", nil
 text, n = text .. change(), n .. "x"
 text = text .. change()
-print(text, n)  -- expect: old-changed-changed	nilx
+copy = text .. "!"
+print(text, n, copy)  -- expect: old-changed-changed	nilx	old-changed-changed!

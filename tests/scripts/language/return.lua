@@ -21,6 +21,23 @@ function nested(n)
 end
 print(nested(1), nested(2), nested(3))  -- expect: if	elseif	2	3	30
 print(nested(4), "only one value")  -- expect: nil	only one value
+-- Values on their way out stand where later locals would live.
+function early(x)
+  if x == nil then return nil, "missing" end
+  local parts, text = {x}, x .. "!"
+  return parts, text
+end
+function inner(x)
+  while true do
+    if x then return {1}, "two" end
+    local a, b = {}, {}
+    return a, b
+  end
+end
+print(early(nil))  -- expect: nil	missing
+print(inner(true))  -- expect: {1}	two
+function bare(n) if n == 1 then return elseif n == 2 then return else return 3 end end
+print(bare(1), bare(2), bare(3))  -- expect: nil	nil	3
 -- Without a separator the next line belongs to the return; the main chunk's result crosses to the host.
 if true then
   return

@@ -21,6 +21,12 @@ function fail(text)
   error("failed")
 end
 print(pcall(fail, "thrown"), content())  -- expect: false	thrown
+function save(text)
+  local inner = io.open(arg[1] .. "/file", "w") or nil
+  inner:write(text)
+end
+save("or")
+print(content())  -- expect: or
 -- A method keeps its own name, works on whatever it is given, and does not keep its file open.
 f = holding("method")
 local close = f.close

@@ -25,3 +25,4 @@ print(full:write("x") == full, pcall(full.seek, full))  -- expect: true	false	fa
 full:write("x")
 print(pcall(full.read, full, 1))  -- expect: false	failed to write file
 print(full:write("little") == full, pcall(full.close, full))  -- expect: true	false	failed to write file
+print(pcall(full.close, full))  -- expect: false	file is not open

@@ -1,9 +1,6 @@
 -- io.write(...) and the write method of the streams: every argument in its printable form, with nothing between them.
 io.write("a", 1, 2.5, 3.0, nil, true, io.write, "\n")
 -- expect: a12.53niltruefunction: write
-print(io.stdout:write("b", 1, nil, "\n") == io.stdout)
--- expect: b1nil
--- expect: true
 io.stderr:write("first ", 1):write("\n")  -- expect stderr: first 1
 io.stderr.write(io.stdout, "to standard output\n")  -- expect: to standard output
 

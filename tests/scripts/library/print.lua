@@ -8,6 +8,11 @@ print(print())
 -- others bytewise.
 print({}, {{}, {{}}, {1, {2}}}, {"text", 1.5, 2.0, true})  -- expect: {}	{{}, {{}}, {1, {2}}}	{text, 1.5, 2, true}
 print({10, 20, x = 1}, {1, nil, 3}, {nil, nil}, {1, nil})  -- expect: {1: 10, 2: 20, x: 1}	{1: 1, 3: 3}	{}	{1}
+-- Keys that the dense part grew over are no others.
+down = {}
+for i = 75, 1, -1 do down[i] = 0 end
+for i = 75, 4, -1 do down[i] = nil end
+print(down)  -- expect: {0, 0, 0}
 print({["10"] = "a", [9] = "b", x = "c", [-1] = "d"})  -- expect: {-1: d, 9: b, 10: a, x: c}
 print({[true] = 1, [false] = 2, fa = 3, ["é"] = 4, [""] = 5})  -- expect: {: 5, fa: 3, false: 2, true: 1, é: 4}
 

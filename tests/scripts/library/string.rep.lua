@@ -1,5 +1,4 @@
 -- string.rep(s, n): s, n times. There is no separator.
-print(string.rep("ab", 3), string.rep("a", 2.7), #string.rep("ab", 0), #string.rep("ab", -1))  -- expect: ababab	aa	0	0
 long = string.rep("0123456789", 100000)
 print(string.rep("a\0", 2) == "a\0a\0", #long, long:sub(-2), long:sub(499999, 500003))  -- expect: true	1000000	89	89012
 -- One repetition is the string itself, which appending to the copy does not change.

@@ -1,5 +1,4 @@
 -- table.concat(t, sep): the printable forms of the elements 1 to #t, with sep between them.
-print(table.concat({1, "a"}, ","), table.concat({"a", "b"}), table.concat({1, 2, nil, 4}, ","))  -- expect: 1,a	ab	1,2
 print("[" .. table.concat({}) .. table.concat({}, ",") .. table.concat({""}, ",") .. "]")  -- expect: []
 print(table.concat({"", "", ""}, "ab"), table.concat({-5, 2.0, 1 / 3, false, print}, " "))  -- expect: abab	-5 2 0.333333 false function: print
 t = {}
