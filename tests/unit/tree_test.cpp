@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/unit/tree_text.h"
+
+namespace tarvel::lua {
+namespace {
+
+// Which function a construct gets. A construct that falls back to a general one still does what it
+// should, only slower, so nothing else would notice.
+TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
+  const std::string locals = "local n, m, t, s = 1, 2, {}, '' ";
+  const struct {
+    const char* source;
+    const char* tree;  // of the last statement
+  } cases[] = {
+      // Arithmetic, fused into the assignment to a variable that only holds scalars.
+      {"n = n + m", "(ArithmeticStore<Add> Frame Frame n)"},
+      {"n = -1 % n", "(ArithmeticStore<Modulo> Constant Frame n)"},
+      {"n = n - t.x", "(ArithmeticStore<Subtract> Frame Field n)"},
+      {"n = n * n + m * m", "(ArithmeticStore<Add> Product Product n)"},
+      {"n = 1 / 2", "(ArithmeticStore<Divide> 1 Constant n)"},
+      {"n = g.x * 2", "(ArithmeticStore<Multiply> (readField<GlobalObject> global.g) Constant n)"},
+      {"s = n + 1", "(storeLocal (Arithmetic<Add> Frame Constant) s)"},
+      // Comparisons as values, as conditions, and with the `if` that they decide.
+      {"m = n < t.x", "(storeScalarLocal (Comparison<OrderRule<Less>>::AsValue Frame Field) m)"},
+      {"while n <= m do n = n + 1 end",
+       "(executeWhile (Comparison<OrderRule<LessEqual>>::Condition Frame Frame) "
+       "(ArithmeticStore<Add> Frame Constant n))"},
+      {"if n == 1 then n = 2 end",
+       "(Comparison<EqualityRule<true>>::If Frame Constant (storeScalarLocal 2 n))"},
+      {"if t.x ~= 's' then n = 2 end",
+       "(Comparison<EqualityRule<false>>::If (readField<FrameObject> t) Constant "
+       "(storeScalarLocal 2 n))"},
+      {"if n > m * m then n = 1 elseif t.x then n = 2 else n = 3 end",
+       "(Comparison<OrderRule<Greater>>::IfElse Frame (Arithmetic<Multiply> Frame Frame) "
+       "(storeScalarLocal 1 n) "
+       "(executeIfElse (testField<FrameObject> t) (storeScalarLocal 2 n) (storeScalarLocal 3 n)))"},
+      {"if not t then n = 1 end", "(executeIfNot t (storeScalarLocal 1 n))"},
+      // Appending.
+      {"s = s .. n .. 'x'", "(appendToVariable s n x s)"},
+      {"s = n .. s", "(storeLocal (evaluateConcat n s) s)"},
+      // Fields and elements.
+      {"return t.x.y", "(readField<PeekedObject> (readField<FrameObject> t))"},
+      {"return g[n][1]",
+       "(readIndex<PeekedObject, OtherKey> (readIndex<PeekedObject, FrameKey> global.g n) 1)"},
+      {"return g[g()]",
+       "(readIndexKeepingObject global.g (FunctionCall<GlobalCallee>::Of<0> global.g))"},
+      {"t.x = n", "(storeField<FrameObject> n t)"},
+      {"g.x = n", "(storeField<VariableObject> n global.g)"},
+      {"t.x.y = n", "(storeAnywhere n (readField<FrameObject> t))"},
+      {"t[n] = true", "(storeElementAtLocal<FrameObject, ScalarLiteral> true t n)"},
+      {"t[n] = s", "(storeElementAtLocal<FrameObject, AnyValue> s t n)"},
+      {"g[1] = s", "(storeElement<VariableObject> s global.g 1)"},
+      // Calls.
+      {"g(n, #t)", "(FunctionCall<GlobalCallee>::Of<2> global.g n (evaluateLengthOfVariable t))"},
+      {"return t:m(s)", "(returnCall (MethodCall<1> t s))"},
+      {"g(n, t())", "(callWithMany global.g n (FunctionCall<FrameCallee>::Of<0> t))"},
+      // Bodies.
+      {"while g do local a = {} end",
+       "(executeWhile global.g (runReleasing<runSome<1>> (storeScalarLocal (evaluateEmptyTable) "
+       "a)))"},
+      {"local function f(a) return function() a = n end end",
+       "(declareFunction (makeScriptFunction (runFunctionSharing (makeScriptFunction "
+       "(storeVariable copied.n captured.a)))))"},
+      {"local function f(a) return f(f(a), 2) end",
+       "(declareFunction (makeScriptFunction (returnCall (FunctionCall<OtherCallee>::Of<2> "
+       "running.f (RunningFunctionCall<1> running.f a) 2))))"},
+  };
+  for (const auto& c : cases) {
+    const std::string text = treeText(locals + c.source);
+    EXPECT_TRUE(text.ends_with(std::string(" ") + c.tree + ")")) << c.source << "\n" << text;
+  }
+}
+
+}  // namespace
+}  // namespace tarvel::lua
