@@ -39,9 +39,8 @@ std::ifstream openForReading(const std::string& path, const char* openFailure) {
 }
 
 // A device that is full, or whatever else was there before, stays.
-void removeRegularFile(const std::string& path) {
+void removeRegularFile(const std::filesystem::path& target) noexcept {
   std::error_code ignored;
-  const std::filesystem::path target = std::filesystem::canonical(path, ignored);
   if (std::filesystem::is_regular_file(target, ignored)) std::filesystem::remove(target, ignored);
 }
 
@@ -85,12 +84,15 @@ bool readScriptLine(std::istream& input, std::string& line) {
 }
 
 void writeContainerFile(const std::string& path, std::string_view bytes) {
+  // Made first, so that removing half a file later cannot fail for want of memory.
+  std::error_code ignored;
+  const std::filesystem::path target = std::filesystem::weakly_canonical(path, ignored);
   auto file = openFile<std::ofstream>(path, std::ios::out | std::ios::binary | std::ios::trunc,
                                       "failed to open file for writing: ");
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.close();
   if (file) return;
-  removeRegularFile(path);
+  removeRegularFile(target);
   fail("failed to write file: ", path);
 }
 
