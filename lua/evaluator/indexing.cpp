@@ -134,6 +134,9 @@ struct OtherKey {
 template <bool KeyOwned>
 [[gnu::noinline]] Value readIndexOfOther(const IndexExpr* node, Value object, Value key) {
   const OwnedValue guard(KeyOwned ? key : Value());
+  TableKey tableKey;
+  if (object.tag == kTable && tryMakeKeyFromValue(key, tableKey)) [[likely]]
+    return retain(object.table->get(tableKey));
   return node->interpreter->indexValue(object, key, node->line);
 }
 

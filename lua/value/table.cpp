@@ -162,6 +162,12 @@ void Table::setBeyondArray(std::int64_t key, Value owned) {
     new (&array_[arraySize_++]) Value(owned);
     return;
   }
+  setAwayFromArray(key, owned);
+}
+
+// Out of line, so that appending needs no frame.
+[[gnu::noinline]] void Table::setAwayFromArray(std::int64_t key, Value owned) {
+  const std::int64_t size = arraySize_;
   if (key < 1 || (key >= kFirstSparseKey && key > size + kDenseReach)) {
     setEntry(TableKey::ofInteger(key), owned);
     return;

@@ -116,6 +116,7 @@ class Table : public Object {
     replaceSlot(array_[index], owned);
   }
   void setBeyondArray(std::int64_t key, Value owned);
+  void setAwayFromArray(std::int64_t key, Value owned);
   void setStringWithHint(StringObject* key, Value owned, std::uint32_t& hint);
   std::uint32_t setEntry(TableKey key, Value owned);
   std::uint32_t appendEntry(TableKey key, Value owned);

@@ -73,11 +73,10 @@ constexpr std::uint64_t kLinkTagMask = Heap::kGranularity - 1;
 
 }  // namespace
 
-void destroyObject(Value value) noexcept {
-  if (value.tag == kString) {
-    Heap::release(value.string, value.string->blockBytes());
-    return;
-  }
+namespace {
+
+// Whatever may hold other objects. Out of line, so that releasing a string needs no frame.
+[[gnu::noinline]] void destroyContainer(Value value) noexcept {
   if (dismantling) {
     value.object->count = waiting;
     waiting = reinterpret_cast<std::uintptr_t>(value.object) | value.tag;
@@ -87,6 +86,16 @@ void destroyObject(Value value) noexcept {
   dismantle(value);
   destroyWaitingObjects();
   dismantling = false;
+}
+
+}  // namespace
+
+void destroyObject(Value value) noexcept {
+  if (value.tag == kString) {
+    Heap::release(value.string, value.string->blockBytes());
+    return;
+  }
+  destroyContainer(value);
 }
 
 void destroyWaitingObjects() noexcept {
