@@ -136,6 +136,20 @@ TEST(Destructors, MayRunScriptsInTheMiddleOfARun) {
   }
 }
 
+TEST(Destructors, MayChangeTheVariableThatTextIsAppendedTo) {
+  for (const std::string inner : {"s = nil", "copy = s", "s = s .. 'z'", "s = {}"}) {
+    LuaVM vm;
+    vm.bindFunction("held", [end = std::make_shared<Finally>([&] {
+                               vm.runScriptString(inner, "inner");
+                             })](LuaVM&, const Arguments&) { return LuaValue(); });
+    constexpr const char* kScript =
+        "s = 'a' .. 1 function take() local h = held held = nil return h end "
+        "s = s .. take() .. ('b'):rep(99) return {#s, copy}";
+    const std::string expected = inner == "copy = s" ? "{115, a1}" : "{115}";
+    EXPECT_EQ(expected, vm.runScriptString(kScript, "outer").value.toString()) << inner;
+  }
+}
+
 // Such runs leave the stack as they found it.
 TEST(Destructors, MayRunScriptsAsOftenAsTheyLike) {
   LuaVM vm;
