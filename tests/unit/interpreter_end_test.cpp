@@ -218,5 +218,24 @@ TEST(InterpreterEnd, WaitsForTheRunThatDestroysItsLuaVm) {
   }
 }
 
+// The host destroys the last thing that refers to an interpreter: a function that holds it.
+TEST(InterpreterEnd, ComesWithTheFunctionThatHoldsTheLuaVm) {
+  const char* const scripts[] = {
+      "local f = hold hold = nil return f",
+      "local f = hold hold = nil return {{f}, x = f}",
+      "local f = hold hold = nil return function() return f end",
+  };
+  for (const char* const script : scripts) {
+    const auto held = std::make_shared<int>(0);
+    auto vm = std::make_shared<LuaVM>();
+    vm->bindFunction("hold", [vm, held](LuaVM&, const Arguments&) { return LuaValue(); });
+    LuaValue handle = vm->runScriptString(script, "c").value;
+    vm.reset();
+    EXPECT_EQ(2, held.use_count());
+    handle = LuaValue();
+    EXPECT_EQ(1, held.use_count());
+  }
+}
+
 }  // namespace
 }  // namespace tarvel::lua
