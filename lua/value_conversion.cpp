@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lua/lua_vm_impl.h"
+#include "lua/release_scope.h"
 #include "lua/value/memory_charge.h"
 #include "lua/value/table.h"
 
@@ -50,7 +51,10 @@ struct LuaFunctionHandle::Target {
 
 LuaFunctionHandle::LuaFunctionHandle(std::unique_ptr<Target> target) : target_(std::move(target)) {}
 
-LuaFunctionHandle::~LuaFunctionHandle() = default;
+LuaFunctionHandle::~LuaFunctionHandle() {
+  const internal::ReleaseScope release;
+  target_.reset();
+}
 
 std::string LuaFunctionHandle::name() const {
   return std::string(target_->function.get().function->name->view());

@@ -202,6 +202,22 @@ TEST(Destructors, MayRunScriptsAsOftenAsTheyLike) {
   EXPECT_EQ(20000, runs);
 }
 
+// Values that reach the host in such a run go when the host's function is done with them, also if
+// the function that is destroyed was part of a public value.
+TEST(Destructors, DoNotKeepThePublicValuesOfTheirRuns) {
+  LuaVM vm;
+  const auto counted = std::make_shared<int>(0);
+  vm.bindFunction("ignore", [](LuaVM&, const Arguments&) { return LuaValue(); });
+  vm.bindFunction("counted", [counted](LuaVM&, const Arguments&) { return LuaValue(); });
+  long countInside = 0;
+  vm.bindFunction("held", [end = std::make_shared<Finally>([&] {
+                             vm.runScriptString("ignore({counted}) counted = nil", "inner");
+                             countInside = counted.use_count();
+                           })](LuaVM&, const Arguments&) { return LuaValue(); });
+  vm.runScriptString("local h = held held = nil return {{h}}", "outer");
+  EXPECT_EQ(1, countInside);
+}
+
 // A destructor may run a script while the globals go, and is told when it is too late for that.
 TEST(Destructors, AndTheEndOfTheInterpreter) {
   std::vector<std::string> outcomes;
