@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "lua/release_scope.h"
 #include "lua/value/host_stack.h"
 
 // How public values are made, copied and released.
@@ -54,16 +55,19 @@ namespace {
 class ReleaseQueue {
  public:
   static void release(std::shared_ptr<void> container) noexcept {
-    if (active_ != nullptr) {
-      active_->add(std::move(container));
+    if (active != nullptr) {
+      active->add(std::move(container));
       return;
     }
     ReleaseQueue queue;
-    active_ = &queue;
+    active = &queue;
     container.reset();
     while (queue.releaseLast()) continue;
-    active_ = nullptr;
+    active = nullptr;
   }
+
+  // The queue of the release that this thread is in the middle of; null where there is none.
+  static inline constinit thread_local ReleaseQueue* active = nullptr;
 
  private:
   // Enough for any chain, so that it needs no memory.
@@ -92,14 +96,19 @@ class ReleaseQueue {
     return last != nullptr;
   }
 
-  static inline constinit thread_local ReleaseQueue* active_ = nullptr;  // the outermost release's
-
   std::array<std::shared_ptr<void>, kRoom> waiting_;
   std::size_t count_ = 0;
   std::vector<std::shared_ptr<void>> more_;
 };
 
 }  // namespace
+
+internal::ReleaseScope::ReleaseScope() noexcept
+    : queueOutside_(std::exchange(ReleaseQueue::active, nullptr)) {}
+
+internal::ReleaseScope::~ReleaseScope() {
+  ReleaseQueue::active = static_cast<ReleaseQueue*>(queueOutside_);
+}
 
 void LuaValue::releaseContainer() noexcept {
   if (auto* const sequence = std::get_if<std::shared_ptr<Sequence>>(&data)) {

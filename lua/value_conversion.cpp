@@ -6,6 +6,7 @@
 
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
+#include "lua/release_scope.h"
 #include "lua/value/memory_charge.h"
 #include "lua/value/table.h"
 
@@ -52,7 +53,10 @@ struct LuaFunctionHandle::Target {
 
 LuaFunctionHandle::LuaFunctionHandle(std::unique_ptr<Target> target) : target_(std::move(target)) {}
 
-LuaFunctionHandle::~LuaFunctionHandle() = default;
+LuaFunctionHandle::~LuaFunctionHandle() {
+  const internal::ReleaseScope release;
+  target_.reset();
+}
 
 std::string LuaFunctionHandle::name() const {
   return std::string(target_->function.get().function->name->view());

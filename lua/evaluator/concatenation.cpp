@@ -107,49 +107,50 @@ Value evaluateConcat(const Node* node, Value* base) {
 
 // ---- Appending ----------------------------------------------------------------------------------
 
-// Appends the text of the pieces from number `first` on to `text`, a slot that holds the only
-// reference to a string, and empties their slots. On failure (std::bad_alloc) nothing is appended.
-void appendPieces(const ConcatExpr* concat, std::uint32_t first, Value& text, Value* base) {
-  Heap& heap = concat->interpreter->heap;
-  Value* const begin = piecesOf(concat, base) + first;
-  Value* const end = piecesOf(concat, base) + concat->operands.size;
-  if (end - begin == 1) {
-    const Piece piece(*begin);
+// Appends the text of the pieces to `text`, a slot that holds the only reference to a string, and
+// empties their slots. Of several pieces all are strings, `length` bytes together. On failure
+// (std::bad_alloc) nothing is appended.
+void appendPieces(Heap& heap, Value& text, Value* first, Value* end, std::size_t length) {
+  if (end - first == 1) {
+    const Piece piece(*first);
     text.string = StringObject::reserveInPlace(heap, text.string, piece.text().size());
     text.string->append(piece.text());
   } else {
-    text.string = StringObject::reserveInPlace(heap, text.string, convertPieces(heap, begin, end));
-    for (Value* piece = begin; piece != end; ++piece) text.string->append(piece->string->view());
+    text.string = StringObject::reserveInPlace(heap, text.string, length);
+    for (Value* piece = first; piece != end; ++piece) text.string->append(piece->string->view());
   }
-  clearSlots(begin, end);
+  clearSlots(first, end);
 }
 
 // `s = s .. x`: appends in place where nobody else holds the string. The old s is the left operand
-// also when evaluating the others changes s, so s is held meanwhile, and the append is in place
-// only if s still is that very string.
+// also when evaluating the others, or giving up what they were, changes s. So s is held meanwhile,
+// and the append is in place only if s still is that very string.
 Value appendToVariable(const Node* node, Value* base) {
   const auto* const statement = static_cast<const AssignmentStmt*>(node);
   const auto* const variable = static_cast<const VariableExpr*>(statement->targets[0].expression);
   const auto* const concat = static_cast<const ConcatExpr*>(statement->values[0]);
-  Value& held = slotAt(base, concat->temporariesOffset);
+  Heap& heap = node->interpreter->heap;
+  Value& held = *piecesOf(concat, base);
   held = retain(variableSlot(variable, base));
   evaluatePieces(concat, 1, base);
+  Value* const first = &held + 1;
+  Value* const end = &held + concat->operands.size;
+  const std::size_t length = end - first > 1 ? convertPieces(heap, first, end) : 0;
   Value& target = variableSlot(variable, base);
-  Heap& heap = node->interpreter->heap;
   if (!held.isString() || !target.isString() || target.string != held.string ||
       held.string->count != 2) {
     Value text(StringObject::create(
         heap, held.isString() ? held.string->view() : std::string_view(held.toString())));
     clearSlot(held);
     held = text;
-    appendPieces(concat, 1, held, base);
+    appendPieces(heap, held, first, end, length);
     text = held;
     held = Value();
     replaceSlot(target, text);
     return normalCompletion();
   }
   clearSlot(held);
-  appendPieces(concat, 1, target, base);
+  appendPieces(heap, target, first, end, length);
   return normalCompletion();
 }
 

@@ -26,7 +26,9 @@ struct FunctionCode : HeapResource {
 
   void addReference() noexcept { ++count; }
   void removeReference() noexcept {
-    if (--count == 0) delete this;
+    if (--count != 0) return;
+    leaveHeap();
+    delete this;
   }
 };
 

@@ -16,9 +16,7 @@ namespace tarvel::lua::internal {
 Heap* Heap::create() { return new Heap; }
 
 void Heap::removeOwner() noexcept {
-  if (--owners_ != 0) return;
-  destroyWaitingObjects();
-  delete this;
+  if (--owners_ == 0) delete this;
 }
 
 // ---- Counting memory ----------------------------------------------------------------------------
@@ -114,11 +112,13 @@ Heap::~Heap() {
   discharge(chargedBytes_);
 }
 
-#ifdef TARVELLUA_CHECKED_HEAP
-// Every block is a large one here.
-Heap& Heap::of(const void* block) noexcept {
+Heap& Heap::ofLarge(const void* block) noexcept {
   return *(static_cast<const LargeBlock*>(block) - 1)->heap;
 }
+
+#ifdef TARVELLUA_CHECKED_HEAP
+// Every block is a large one here.
+Heap& Heap::of(const void* block) noexcept { return ofLarge(block); }
 #endif
 
 void* Heap::allocateLarge(std::size_t bytes) {

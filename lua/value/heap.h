@@ -40,8 +40,11 @@ class Heap {
   // Closes all resources, in the order in which they were made; see HeapResource::close.
   void closeResources() noexcept;
 
-  // The heap that a small block (at most kSmallLimit bytes) belongs to.
+  // The heap that a small block (at most kSmallLimit bytes) belongs to, or one of any size.
   static Heap& of(const void* smallBlock) noexcept;
+  static Heap& of(const void* block, std::size_t bytes) noexcept {
+    return kHasSlabs && bytes <= kSmallLimit ? of(block) : ofLarge(block);
+  }
 
   // Throws std::bad_alloc when the system refuses or what this process may take of the machine's
   // memory is used up.
@@ -113,6 +116,7 @@ class Heap {
   bool startSlab() noexcept;
   void leaveSlab() noexcept;
   bool addRegion() noexcept;
+  static Heap& ofLarge(const void* block) noexcept;
   void* allocateLarge(std::size_t bytes);
   LargeBlock* resizeLarge(LargeBlock* block, std::size_t bytes) noexcept;
   static void releaseLarge(void* block, std::size_t bytes) noexcept;

@@ -39,6 +39,10 @@ class HeapResource : private ResourceLink {
   // `heap` must outlive the resource.
   explicit HeapResource(Heap& heap) noexcept;
 
+  // For one that runs code of the host's while it is destroyed: first leaves the list, because that
+  // code may end the interpreter.
+  void leaveHeap() noexcept { unlink(); }
+
  private:
   friend class Heap;
 

@@ -65,26 +65,43 @@ void dismantle(Value value) noexcept {
   }
 }
 
+// The heap that an object other than a string is in.
+Heap& heapOf(Value value) noexcept {
+  if (value.tag != kFunction) return Heap::of(value.object);
+  return Heap::of(value.object, FunctionObject::blockBytes(value.function->captureCount));
+}
+
 // Objects that wait for dismantle, newest first: linked through their counts, which are no longer
-// needed. The low bits of a link are the tag of the object it points to.
+// needed. The low bits of a link are the tag of the object it points to. Each holds a share in its
+// heap, because what is dismantled before it may be the host's function that holds its interpreter.
 thread_local std::uint64_t waiting = 0;
 thread_local bool dismantling = false;
+// The DestructionScopes that began while this thread was dismantling.
+thread_local std::size_t interruptions = 0;
 constexpr std::uint64_t kLinkTagMask = Heap::kGranularity - 1;
 
-}  // namespace
-
-namespace {
+void dismantleWaiting() noexcept {
+  while (waiting != 0) {
+    Value next = Value::ofTag(waiting & kLinkTagMask);
+    next.object = reinterpret_cast<Object*>(waiting & ~kLinkTagMask);
+    waiting = next.object->count;
+    Heap& heap = heapOf(next);
+    dismantle(next);
+    heap.removeOwner();
+  }
+}
 
 // Whatever may hold other objects. Out of line, so that releasing a string needs no frame.
 [[gnu::noinline]] void destroyContainer(Value value) noexcept {
   if (dismantling) {
+    heapOf(value).addOwner();
     value.object->count = waiting;
     waiting = reinterpret_cast<std::uintptr_t>(value.object) | value.tag;
     return;
   }
   dismantling = true;
   dismantle(value);
-  destroyWaitingObjects();
+  dismantleWaiting();
   dismantling = false;
 }
 
@@ -98,20 +115,15 @@ void destroyObject(Value value) noexcept {
   destroyContainer(value);
 }
 
-void destroyWaitingObjects() noexcept {
-  while (waiting != 0) {
-    Value next = Value::ofTag(waiting & kLinkTagMask);
-    next.object = reinterpret_cast<Object*>(waiting & ~kLinkTagMask);
-    waiting = next.object->count;
-    dismantle(next);
-  }
-}
-
 DestructionScope::DestructionScope() noexcept
     : waitingOutside_(std::exchange(waiting, 0)),
-      wasDestroying_(std::exchange(dismantling, false)) {}
+      wasDestroying_(std::exchange(dismantling, false)) {
+  if (wasDestroying_) ++interruptions;
+  isNested_ = interruptions > 0;
+}
 
 DestructionScope::~DestructionScope() {
+  if (wasDestroying_) --interruptions;
   waiting = waitingOutside_;
   dismantling = wasDestroying_;
 }

@@ -119,10 +119,6 @@ const char* describeValueType(const Value& value) noexcept;
 // Releases an object whose count has reached zero. Long chains are released without recursion.
 void destroyObject(Value value) noexcept;
 
-// Completes what destroyObject has put off on this thread. A heap that is about to go does this: a
-// host's object that owns an interpreter may be destroyed along with a function that holds it.
-void destroyWaitingObjects() noexcept;
-
 // While it lives, objects are destroyed as soon as their last reference goes, also if this thread
 // is already in the middle of destroying one. For what a destructor of the host's starts: scripts
 // that run there expect to see their own files closed.
@@ -133,12 +129,13 @@ class DestructionScope {
   DestructionScope(const DestructionScope&) = delete;
   DestructionScope& operator=(const DestructionScope&) = delete;
 
-  // Whether it began in the middle of destroying an object.
-  bool isNested() const noexcept { return wasDestroying_; }
+  // Whether it, or a scope around it, began in the middle of destroying an object.
+  bool isNested() const noexcept { return isNested_; }
 
  private:
   std::uint64_t waitingOutside_;
   bool wasDestroying_;
+  bool isNested_;
 };
 
 inline Value retain(Value value) noexcept {

@@ -3,6 +3,7 @@
 #include <tarvel/lua/lua_vm.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <functional>
@@ -10,6 +11,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "tests/unit/value_support.h"
 
 // When an interpreter ends, and what runs while objects are destroyed.
 
@@ -136,6 +139,53 @@ TEST(Destructors, MayRunScriptsInTheMiddleOfARun) {
   }
 }
 
+// The run that is interrupted is found again by way of another interpreter: in the middle of a run
+// of that one, or of its end.
+TEST(Destructors, MayRunScriptsInTheMiddleOfARunThroughAnotherInterpreter) {
+  const std::string inner =
+      "local a, b, c, d, e, f, g = {}, {}, {}, {}, {}, {}, {} return {a, b, c, d, e, f, g} and 1";
+  for (const bool atItsEnd : {false, true}) {
+    for (const std::string& outer : kReleasing) {
+      LuaVM vm;
+      LuaResult result;
+      const auto run = [&] { result = vm.runScriptString(inner, "inner"); };
+      auto other = std::make_shared<LuaVM>();
+      std::shared_ptr<void> held = other;
+      if (atItsEnd) {
+        other->bindFunction("run", [end = std::make_shared<Finally>(run)](
+                                       LuaVM&, const Arguments&) { return LuaValue(); });
+        other->runScriptString("t = {run} t.t = t run = nil", "other");
+      } else {
+        other->bindFunction("run", [run](LuaVM&, const Arguments&) {
+          run();
+          return LuaValue();
+        });
+        held = std::make_shared<Finally>([other] { other->runScriptString("run()", "other"); });
+      }
+      other.reset();
+      vm.bindFunction("held", [held](LuaVM&, const Arguments&) { return LuaValue(); });
+      held.reset();
+      const LuaResult whole = vm.runScriptString(outer, "outer");
+      EXPECT_EQ("{{1}, xy, {{3}}, {4}}", whole.value.toString()) << outer << "\n" << atItsEnd;
+      EXPECT_EQ("1", result.value.toString()) << outer << "\n" << atItsEnd;
+    }
+  }
+}
+
+TEST(Destructors, MayChangeTheVariableThatTextIsAppendedTo) {
+  for (const std::string inner : {"s = nil", "copy = s", "s = s .. 'z'", "s = {}"}) {
+    LuaVM vm;
+    vm.bindFunction("held", [end = std::make_shared<Finally>([&] {
+                               vm.runScriptString(inner, "inner");
+                             })](LuaVM&, const Arguments&) { return LuaValue(); });
+    constexpr const char* kScript =
+        "s = 'a' .. 1 function take() local h = held held = nil return h end "
+        "s = s .. take() .. ('b'):rep(99) return {#s, copy}";
+    const std::string expected = inner == "copy = s" ? "{115, a1}" : "{115}";
+    EXPECT_EQ(expected, vm.runScriptString(kScript, "outer").value.toString()) << inner;
+  }
+}
+
 // Such runs leave the stack as they found it.
 TEST(Destructors, MayRunScriptsAsOftenAsTheyLike) {
   LuaVM vm;
@@ -150,6 +200,22 @@ TEST(Destructors, MayRunScriptsAsOftenAsTheyLike) {
   constexpr const char* kScript = "local t = {} for i = 1, 20000 do make() held = nil end return t";
   EXPECT_EQ("{}", vm.runScriptString(kScript, "outer").value.toString());
   EXPECT_EQ(20000, runs);
+}
+
+// Values that reach the host in such a run go when the host's function is done with them, also if
+// the function that is destroyed was part of a public value.
+TEST(Destructors, DoNotKeepThePublicValuesOfTheirRuns) {
+  LuaVM vm;
+  const auto counted = std::make_shared<int>(0);
+  vm.bindFunction("ignore", [](LuaVM&, const Arguments&) { return LuaValue(); });
+  vm.bindFunction("counted", [counted](LuaVM&, const Arguments&) { return LuaValue(); });
+  long countInside = 0;
+  vm.bindFunction("held", [end = std::make_shared<Finally>([&] {
+                             vm.runScriptString("ignore({counted}) counted = nil", "inner");
+                             countInside = counted.use_count();
+                           })](LuaVM&, const Arguments&) { return LuaValue(); });
+  vm.runScriptString("local h = held held = nil return {{h}}", "outer");
+  EXPECT_EQ(1, countInside);
 }
 
 // A destructor may run a script while the globals go, and is told when it is too late for that.
@@ -202,6 +268,72 @@ TEST(InterpreterEnd, WaitsForTheRunThatDestroysItsLuaVm) {
     EXPECT_EQ(nullptr, vm);
     EXPECT_EQ(2, held.use_count());  // this one's and `stop`'s
   }
+}
+
+// The host destroys the last thing that refers to an interpreter: a function that holds it.
+TEST(InterpreterEnd, ComesWithTheFunctionThatHoldsTheLuaVm) {
+  const char* const scripts[] = {
+      "local f = hold hold = nil return f",
+      "local f = hold hold = nil return {{f}, x = f}",
+      "local f = hold hold = nil return function() return f end",
+  };
+  for (const char* const script : scripts) {
+    const auto held = std::make_shared<int>(0);
+    auto vm = std::make_shared<LuaVM>();
+    vm->bindFunction("hold", [vm, held](LuaVM&, const Arguments&) { return LuaValue(); });
+    LuaValue handle = vm->runScriptString(script, "c").value;
+    vm.reset();
+    EXPECT_EQ(2, held.use_count());
+    handle = LuaValue();
+    EXPECT_EQ(1, held.use_count());
+  }
+}
+
+// What waits to be destroyed together with a host's function may belong to an interpreter that goes
+// with that function, in a run or at the end of another interpreter.
+TEST(InterpreterEnd, LeavesWhatWaitsToBeDestroyed) {
+  for (const bool inARun : {false, true}) {
+    LuaVM vm;
+    auto doomed = std::make_shared<LuaVM>();
+    struct {
+      std::shared_ptr<void> last;
+      LuaValue first;
+    } held;
+    held.first =
+        doomed->runScriptString("local t = {{}} return function() return t end", "c").value;
+    auto other = std::make_shared<LuaVM>();
+    if (inARun) {
+      other->bindFunction("stop", [&doomed](LuaVM&, const Arguments&) {
+        doomed.reset();
+        return LuaValue();
+      });
+      held.last = std::make_shared<Finally>([other] { other->runScriptString("stop()", "other"); });
+    } else {
+      other->bindFunction("hold", [doomed](LuaVM&, const Arguments&) { return LuaValue(); });
+      doomed.reset();
+      held.last = other;
+    }
+    other.reset();
+    vm.bindFunction("held", [held](LuaVM&, const Arguments&) { return LuaValue(); });
+    held = {};
+    EXPECT_EQ("1", vm.runScriptString("held = nil return 1", "c").value.toString());
+    EXPECT_EQ(nullptr, doomed);
+  }
+}
+
+// However many interpreters end with one object, they take no more of the stack than one does.
+TEST(InterpreterEnd, OfManyInterpretersAtOnce) {
+  internal::runOnStack(std::size_t{192} << 10, [] {
+    LuaVM vm;
+    vm.runScriptString("t = {}", "c");
+    for (int i = 0; i < 1500; ++i) {
+      vm.bindFunction("hold", [held = std::make_shared<LuaVM>()](LuaVM&, const Arguments&) {
+        return LuaValue();
+      });
+      vm.runScriptString("t[#t + 1] = hold hold = nil", "c");
+    }
+    EXPECT_EQ("1500", vm.runScriptString("local n = #t t = nil return n", "c").value.toString());
+  });
 }
 
 }  // namespace
