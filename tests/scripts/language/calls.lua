@@ -25,3 +25,5 @@ print(pcall(function() function missing.f() end end))  -- expect: false	attempt 
 print(pcall(function() function account.x.y.f() end end))  -- expect: false	attempt to index a nil value
 print(account.get, tostring(account.inner.declared), function() end)
 -- expect: [function account.get]	function: account.inner:declared	[function <anonymous>]
+function two() return 1, 2 end
+print(account:arguments(two()))  -- expect: true	1	2

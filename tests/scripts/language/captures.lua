@@ -124,3 +124,7 @@ function many()
 end
 m = many()
 print(m(), m())  -- expect: 1771	1772
+local function first() return 1 end
+local function call() return first() end
+function first() return 2 end
+print(call())  -- expect: 2

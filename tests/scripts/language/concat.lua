@@ -23,3 +23,4 @@ text, n = text .. change(), n .. "x"
 text = text .. change()
 copy = text .. "!"
 print(text, n, copy)  -- expect: old-changed-changed	nilx	old-changed-changed!
+print(#("a" .. {} .. "b" .. {}) > 2)  -- expect: true

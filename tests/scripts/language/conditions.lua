@@ -30,3 +30,15 @@ function mixed(n)
   return a, b
 end
 print((mixed(1)), (mixed(2)), mixed(4))  -- expect: false	5	6	6
+-- Locals that come to hold a table only through `and`.
+function owner(n) local a = n and {} return type(a) end
+function copies()
+  local source, seen = 1, {}
+  for i = 1, 3 do
+    local copy = i and source
+    seen[i] = type(copy)
+    source = {}
+  end
+  return seen
+end
+print(owner(1), copies())  -- expect: table	{number, table, table}

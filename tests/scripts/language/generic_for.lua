@@ -15,3 +15,10 @@ for i in ipairs({"a"}) do print(i) end  -- expect: 1
 
 print(pcall(function() for x in function() end do end end))  -- expect: false	generic for loop expects an iterator
 print(pcall(function() for x in nil, pairs({}) do end end))  -- expect: false	generic for loop expects an iterator
+iterators = {("k=v"):gmatch("(k)=(v)"), ipairs({"x"})}
+for i = 1, 2 do
+  if true then local p, q, r, s = 1, 2, 3, 4 end
+  for a, b, c, d in iterators[i] do print(a, b, c, d) end
+end
+-- expect: k	v	nil	nil
+-- expect: 1	x	nil	nil

@@ -19,3 +19,5 @@ kept_library, string = string, "sub"
 print(pcall(function() return ("x").sub end))  -- expect: false	string indexing only supports library methods
 string = kept_library
 print(("x"):rep(2))  -- expect: xx
+function get() return {list = {item = {n = 5}}} end
+print(get().list.item.n, #get().list.item)  -- expect: 5	0

@@ -34,3 +34,6 @@ print(seen)  -- expect: {nil, nil}
 function early() return late end
 local late = "local"
 print(early(), late)  -- expect: nil	local
+if true then local x, y = 1, 2 end
+local a, b
+print(a, b)  -- expect: nil	nil

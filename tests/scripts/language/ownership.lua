@@ -22,6 +22,10 @@ print(show(t, drop()))  -- expect: new2nil
 t = {inner = {value = "inner"}}
 function lose() t.inner = nil return "value" end
 print(t.inner[lose()], t.inner)  -- expect: inner	nil
+t = {}
+function replaceTarget() t = {} return 1 end
+t[replaceTarget()] = {}
+print(t[1])  -- expect: nil
 
 -- The tables and iterators of running loops.
 seen, t = "", {{"x"}, {"y"}}
@@ -52,3 +56,39 @@ list = nil
 function wrap(inner) return function() return inner end end
 for i = 1, 300000 do list = {next = {wrap(list)}} end
 list = nil
+
+-- What a statement stored or used up is not released again when the next one fails.
+kept = {}
+function get() return kept end
+function two() return {}, {} end
+for i, statements in ipairs({
+  function() get().field = {} nothing.x = 1 end,
+  function() get()[1] = {} nothing.x = 1 end,
+  function() kept["a" .. 1] = {} nothing.x = 1 end,
+  function() first, second = {}, {} nothing.x = 1 end,
+  function() nothing.x = {} end,
+  function() return two() + 1 end,
+}) do
+  if pcall(statements) then print(i) end
+end
+print(type(kept.field), type(kept[1]), type(kept.a1), type(first), type(second))  -- expect: table	table	table	table	table
+
+-- Values that nobody keeps: of conditions, beyond the names of a declaration, in a long block.
+if two() then end
+if {} then end
+local one = two()
+for i = 1, 3 do
+  local a, b = i, {}, {}
+  x = 1 x = 2 x = 3 x = 4 x = 5 x = 6 x = 7 x = 8 x = 9 x = 10 x = 11
+  if i == 2 then break end
+  x = 12 x = 13 x = 14 x = 15 x = 16 x = 17 x = 18 x = 19 x = 20 x = 21
+end
+print(x)  -- expect: 11
+
+-- An error releases what its own frame holds, wherever that stands on the stack, also after an earlier error.
+function fail() local a, b, c, d, e, f, g, h, i, j = {}, {}, {}, {}, {}, {}, {}, {}, {}, {} nothing.x = 1 end
+function failTwice() pcall(error) local a, b, c, d, e, f, g, h, i, j = {}, {}, {}, {}, {}, {}, {}, {}, {}, {} nothing.x = 1 end
+function down(depth, last) if depth == 0 then last() else down(depth - 1, last) end end
+for depth = 1, 100 do
+  if pcall(down, depth, fail) or pcall(down, depth, failTwice) then print(depth) end
+end

@@ -38,6 +38,15 @@ print(early(nil))  -- expect: nil	missing
 print(inner(true))  -- expect: {1}	two
 function bare(n) if n == 1 then return elseif n == 2 then return else return 3 end end
 print(bare(1), bare(2), bare(3))  -- expect: nil	nil	3
+-- Several values may stand below the slots of locals that were not declared yet.
+function undeclared(done)
+  if true then
+    if done then return 1, 2 end
+    local number = 1
+    local owner = {}
+  end
+end
+print(undeclared(true))  -- expect: 1	2
 -- Without a separator the next line belongs to the return; the main chunk's result crosses to the host.
 if true then
   return

@@ -16,3 +16,8 @@ print(pcall(function() return t[nil] end))  -- expect: false	table index must be
 -- "#": bytes of a string, leading non-nil entries of a table.
 print(#"a\0b", #"é", #("x" .. 12), #{n = 1}, #{1, 2, nil, 4}, #{nil, 2}, #{1, nil})  -- expect: 3	2	3	0	2	0	1
 print(pcall(function() return #missing end))  -- expect: false	length operator expects a string or table
+t = {}
+t[0] = "zero"
+t[1 == 1] = "true"
+t[1 == 2] = "false"
+print(t[true], t[false], t[0])  -- expect: true	false	zero

@@ -74,3 +74,12 @@ for i, range in ipairs({{1, 20}, {50, 90}, {-5, 300}, {"end", 12}, {"name", 6}, 
   end
 end
 print("done")  -- expect: done
+-- A field set to nil is no member, also where the statement has found it before.
+for i = 1, 2 do
+  local t = {1, 2}
+  t.x = i
+  t.x = nil
+  print(t)
+end
+-- expect: {1, 2}
+-- expect: {1, 2}

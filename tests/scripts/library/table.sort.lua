@@ -27,3 +27,4 @@ table.sort(t, function(a, b)
   return a[1] < b[1]
 end)
 print(#t, t[1][1], t[2][1], t[3][1])  -- expect: 3	1	2	3
+print(table.sort({}))  -- expect: 
