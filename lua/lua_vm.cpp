@@ -19,6 +19,7 @@ using internal::ChunkReference;
 using internal::ExitRequest;
 using internal::ExitSignal;
 using internal::HostStackScope;
+using internal::InterpreterInUse;
 using internal::MultiValue;
 using internal::OwnedValue;
 using internal::ProtectedRuntimeError;
@@ -26,44 +27,76 @@ using internal::RuntimeError;
 using internal::Table;
 using internal::ValueStack;
 
-LuaVM::LuaVM() : impl_(std::make_shared<Impl>(*this)) { impl_->fillGlobals(); }
+LuaVM::LuaVM() : LuaVM(LuaOptions()) {}
 
-LuaVM::LuaVM(std::shared_ptr<Impl> impl) noexcept : impl_(std::move(impl)) {}
-
-LuaVM::~LuaVM() {
-  if (impl_.use_count() == 1) {
-    impl_->end();  // while what it destroys can still use this object
-  } else if (impl_.use_count() > 1) {
-    impl_->abandon();
-  }
+LuaVM::LuaVM(const LuaOptions& options) {
+  auto impl = std::make_unique<Impl>(*this, options);
+  impl_ = impl.get();
+  impl->fillGlobals();
+  impl->setLimits(options.limits);
+  impl.release();
 }
 
-// Each keeps the interpreter until it is done: what it calls or releases may destroy this object.
+LuaVM::LuaVM(Impl* impl) noexcept : impl_(impl) {}
+
+LuaVM::~LuaVM() {
+  if (this != &impl_->self) impl_->abandon();
+}
 
 void LuaVM::setGlobal(const std::string& name, const LuaValue& value) {
-  const std::shared_ptr<Impl> impl = impl_;
+  const InterpreterInUse use(*impl_);
   const HostStackScope hostStack;
-  impl->globals.set(name, impl->publicToValue(value));
+  impl_->globals.set(name, impl_->publicToValue(value));
 }
 
 void LuaVM::bindFunction(const std::string& name, HostFunction function) {
-  const std::shared_ptr<Impl> impl = impl_;
-  impl->bindFunction(name, std::move(function));
+  const InterpreterInUse use(*impl_);
+  impl_->bindFunction(name, std::move(function));
 }
 
 LuaResult LuaVM::runScriptString(const std::string& source, const std::string& chunkName) {
-  const std::shared_ptr<Impl> impl = impl_;
-  return impl->run(source, chunkName);
+  const InterpreterInUse use(*impl_);
+  return impl_->run(source, chunkName);
 }
+
+void LuaVM::setLimits(const LuaLimits& limits) { impl_->setLimits(limits); }
+
+LuaUsage LuaVM::usage() const noexcept { return impl_->usage(); }
 
 // ---- The interpreter behind it ------------------------------------------------------------------
 
-LuaVM::Impl::Impl(LuaVM& ownerVm)
-    : self(std::shared_ptr<Impl>(std::shared_ptr<Impl>(), this)),  // owns nothing
+internal::InterpreterInUse::InterpreterInUse(LuaVM::Impl& interpreter) noexcept
+    : interpreter_(interpreter) {
+  ++interpreter_.uses_;
+}
+
+internal::InterpreterInUse::~InterpreterInUse() {
+  if (--interpreter_.uses_ == 0 && interpreter_.isAbandoned()) delete &interpreter_;
+}
+
+LuaVM::Impl::Impl(LuaVM& ownerVm, const LuaOptions& vmOptions)
+    : self(this),
       owner(&ownerVm),
+      options(vmOptions),
       heap(heapOwner.get()),
       strings(heap),
-      patterns(std::make_unique<internal::PatternCache>()) {}
+      patterns(std::make_unique<internal::PatternCache>()) {
+  if (options.supervised) heap.meter().setSupervised();
+}
+
+void LuaVM::Impl::setLimits(const LuaLimits& limits) {
+  if (!options.supervised &&
+      (limits.steps > 0 || limits.time.count() > 0 || limits.stop.stop_possible())) {
+    throw std::logic_error("LuaLimits: steps, time and stop need LuaOptions::supervised");
+  }
+  heap.meter().supervise({limits.steps, limits.time, limits.stop});
+  heap.limitMemory(limits.memory);
+  stack.limitFrames(limits.stack);
+}
+
+LuaUsage LuaVM::Impl::usage() const noexcept {
+  return {heap.meter().usedSteps(), heap.heldMemory(), heap.peakMemory()};
+}
 
 void LuaVM::Impl::fillGlobals() {
   standard.function = OwnedValue(makeNative("", {}));
@@ -72,7 +105,19 @@ void LuaVM::Impl::fillGlobals() {
   standard.stringLibrarySlot = resolveGlobalSlot("string");
 }
 
-LuaVM::Impl::~Impl() { end(); }
+LuaVM::Impl::~Impl() {
+  ++uses_;  // what end() destroys may use the interpreter, and must not delete it again
+  end();
+}
+
+void LuaVM::Impl::abandon() noexcept {
+  if (uses_ == 0) {
+    end();  // while what it destroys can still use the host's object
+    delete this;
+  } else {
+    owner = &self;  // whoever uses the interpreter last deletes it
+  }
+}
 
 void LuaVM::Impl::end() noexcept {
   const internal::DestructionScope destruction;
@@ -134,7 +179,7 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
   try {
     if (ended_) throw std::runtime_error("the interpreter has ended");
     if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
-      throw RuntimeError("stack overflow", 1, true);
+      throw RuntimeError("stack overflow", 1, true, internal::FailureKind::Stack);
     MultiValue results;
     {
       const ChunkReference chunk = parseScript(source, chunkName);
@@ -180,7 +225,7 @@ std::string located(const std::string& chunkName, unsigned line, std::string_vie
 LuaResult LuaVM::Impl::makeFailure(const ProtectedRuntimeError& error,
                                    const std::string& chunkName) const {
   LuaResult result;
-  result.error = error.hasLocation ? located(chunkName, error.line, error.message) : error.message;
+  result.error = error.hasLocation ? located(chunkName, error.site, error.message) : error.message;
   return result;
 }
 
@@ -190,7 +235,7 @@ LuaResult LuaVM::Impl::makeFailure(const std::exception& error,
   const auto* const runtimeError = dynamic_cast<const RuntimeError*>(&error);
   const std::string_view message = internal::exceptionText(error);
   result.error = runtimeError != nullptr && runtimeError->hasLocation
-                     ? located(chunkName, runtimeError->line, message)
+                     ? located(chunkName, runtimeError->site, message)
                      : std::string(message);
   return result;
 }

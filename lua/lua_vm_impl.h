@@ -42,13 +42,26 @@ struct ExitRequest {
   bool isMade = false;
   std::int32_t code = 0;
 };
+// Keeps the interpreter while a function of the facade uses it: what runs there may destroy the
+// host's LuaVM.
+class InterpreterInUse {
+ public:
+  explicit InterpreterInUse(LuaVM::Impl& interpreter) noexcept;
+  ~InterpreterInUse();
+  InterpreterInUse(const InterpreterInUse&) = delete;
+  InterpreterInUse& operator=(const InterpreterInUse&) = delete;
+
+ private:
+  LuaVM::Impl& interpreter_;
+};
 }  // namespace internal
 
 class LuaVM::Impl {
  public:
+  using Site = internal::Site;
   using Value = internal::Value;
 
-  explicit Impl(LuaVM& ownerVm);
+  Impl(LuaVM& ownerVm, const LuaOptions& vmOptions);
   // Completes a new interpreter. Not part of the constructor, so that the destructor releases what
   // there is when memory runs out halfway.
   void fillGlobals();
@@ -61,8 +74,13 @@ class LuaVM::Impl {
   // Gives back everything that handles of the host do not hold, files included. Destructors of what
   // the host's functions hold run in here.
   void end() noexcept;
-  // The host's LuaVM is gone while a run is active.
-  void abandon() noexcept { owner = &self; }
+  // The host's LuaVM is gone: ends and deletes the interpreter, at once or when the last use of it
+  // has ended.
+  void abandon() noexcept;
+  bool isAbandoned() const noexcept { return owner == &self; }
+  // For the runs that begin from now on; see LuaVM::setLimits.
+  void setLimits(const LuaLimits& limits);
+  LuaUsage usage() const noexcept;
 
   // ---- Facade (lua/) ----
   LuaResult run(const std::string& source, const std::string& chunkName);
@@ -77,20 +95,20 @@ class LuaVM::Impl {
   internal::ChunkReference parseScript(const std::string& source, const std::string& chunkName);
 
   // ---- Evaluator ----
-  // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `line`.
-  internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, unsigned line);
+  // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `site`.
+  internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, Site site);
   internal::MultiValue callHandle(internal::FunctionObject* function, internal::ValueSpan arguments,
-                                  unsigned line);
+                                  Site site);
   // Whether callee(first, second) gives a true first value: a comparator's call, without lists of
   // arguments and results. All three are borrowed.
-  bool callPredicate(const Value& callee, const Value& first, const Value& second, unsigned line);
+  bool callPredicate(const Value& callee, const Value& first, const Value& second, Site site);
   // Runs a chunk's top level as a function without parameters.
   internal::MultiValue runChunk(internal::ResolvedChunk& chunk);
   // object[key], owned; both are borrowed.
-  Value indexValue(const Value& object, const Value& key, unsigned line);
+  Value indexValue(const Value& object, const Value& key, Site site);
   // object:name and object.name, owned. The hint is as in Table::getString.
   Value indexField(const Value& object, internal::StringObject* name, std::uint32_t& hint,
-                   unsigned line);
+                   Site site);
 
   // ---- Library ----
   void bindDefaults();
@@ -107,6 +125,7 @@ class LuaVM::Impl {
   // gone.
   LuaVM self;
   LuaVM* owner;  // for functions of the host: the host's LuaVM, or `self` once that is gone
+  const LuaOptions options;
   internal::HeapOwner heapOwner;
   internal::Heap& heap;
   internal::StringPool strings;
@@ -125,6 +144,8 @@ class LuaVM::Impl {
   void bindGlobalSlots(const std::vector<internal::VariableExpr*>& names);
   std::size_t resolveGlobalSlot(std::string_view name) { return globals.slotOf(name); }
 
+  friend class internal::InterpreterInUse;
+  std::size_t uses_ = 0;  // by functions of the facade that have not returned
   internal::ExitRequest exit_;
   bool ended_ = false;
 };

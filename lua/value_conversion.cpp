@@ -247,13 +247,12 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
     bindNativeGlobal(name, {});
     return;
   }
-  bindNativeGlobal(
-      name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments, unsigned) {
-        Impl& interpreter = Impl::of(vm);
-        ToPublic writer(interpreter.heap);
-        const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
-        return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
-      });
+  bindNativeGlobal(name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments, Site) {
+    Impl& interpreter = Impl::of(vm);
+    ToPublic writer(interpreter.heap);
+    const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
+    return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
+  });
 }
 
 }  // namespace tarvel::lua

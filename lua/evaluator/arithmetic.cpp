@@ -24,7 +24,7 @@ template <class Op, class Left, class Right>
   const OwnedValue rightGuard(ownedRight);
   const auto* const binary = static_cast<const BinaryExpr*>(node);
   return evaluateArithmetic(reload<Left>(binary, base, ownedLeft), Op::kToken,
-                            reload<Right>(binary, base, ownedRight), node->line);
+                            reload<Right>(binary, base, ownedRight), node->site);
 }
 
 template <class Op>
@@ -44,7 +44,7 @@ struct Arithmetic {
     const OwnedValue leftGuard(left);
     const auto* const binary = static_cast<const BinaryExpr*>(node);
     const OwnedValue right(evaluateExpression(binary->right, base));
-    return evaluateArithmetic(left, Op::kToken, right.get(), node->line);
+    return evaluateArithmetic(left, Op::kToken, right.get(), node->site);
   }
 
   template <class Left, class Right>

@@ -16,13 +16,13 @@ namespace tarvel::lua::internal {
 
 namespace {
 
-[[noreturn, gnu::noinline]] void failAssignInto(const Value& object, unsigned line) {
-  failRuntime(line,
+[[noreturn, gnu::noinline]] void failAssignInto(const Value& object, Site site) {
+  failRuntime(site,
               std::string("attempt to assign into a ") + describeValueType(object) + " value");
 }
 
-[[noreturn, gnu::noinline]] void failTableIndex(unsigned line) {
-  failRuntime(line, "table index must be a number, string, or boolean");
+[[noreturn, gnu::noinline]] void failTableIndex(Site site) {
+  failRuntime(site, "table index must be a number, string, or boolean");
 }
 
 const AssignmentStmt* asAssignment(const Node* node) noexcept {
@@ -32,37 +32,37 @@ const AssignmentStmt* asAssignment(const Node* node) noexcept {
 // ---- Storing into one target, whatever it is ----------------------------------------------------
 
 // Each takes the value from a slot that owns it, which an error leaves to the sweep.
-void storeIntoField(const FieldExpr* field, Value& valueSlot, Value* base, unsigned line) {
+void storeIntoField(const FieldExpr* field, Value& valueSlot, Value* base, Site site) {
   Value& objectSlot = slotAt(base, field->temporariesOffset + sizeof(Value));
   objectSlot = evaluateExpression(field->object, base);
-  if (!objectSlot.isTable()) failAssignInto(objectSlot, line);
+  if (!objectSlot.isTable()) failAssignInto(objectSlot, site);
   const Value value = valueSlot;
   valueSlot = Value();
   objectSlot.table->setString(field->name, value, field->hint);
   clearSlot(objectSlot);
 }
 
-void storeIntoIndex(const IndexExpr* index, Value& valueSlot, Value* base, unsigned line) {
+void storeIntoIndex(const IndexExpr* index, Value& valueSlot, Value* base, Site site) {
   Value& objectSlot = slotAt(base, index->temporariesOffset + sizeof(Value));
   objectSlot = evaluateExpression(index->object, base);
-  if (!objectSlot.isTable()) failAssignInto(objectSlot, line);
+  if (!objectSlot.isTable()) failAssignInto(objectSlot, site);
   const OwnedValue keyValue(evaluateExpression(index->key, base));
   TableKey key;
-  if (!tryMakeKeyFromValue(keyValue.get(), key)) failTableIndex(line);
+  if (!tryMakeKeyFromValue(keyValue.get(), key)) failTableIndex(site);
   const Value value = valueSlot;
   valueSlot = Value();
   tableSetByKey(*objectSlot.table, key, value);
   clearSlot(objectSlot);
 }
 
-void assignTarget(const AssignTarget& target, Value& valueSlot, Value* base, unsigned line) {
+void assignTarget(const AssignTarget& target, Value& valueSlot, Value* base, Site site) {
   switch (target.expression->kind) {
     case ExprKind::Field:
       return storeIntoField(static_cast<const FieldExpr*>(target.expression), valueSlot, base,
-                            line);
+                            site);
     case ExprKind::Index:
       return storeIntoIndex(static_cast<const IndexExpr*>(target.expression), valueSlot, base,
-                            line);
+                            site);
     default: {
       Value& variable = variableSlot(static_cast<const VariableExpr*>(target.expression), base);
       if (&variable == &valueSlot) return;
@@ -113,9 +113,9 @@ Value storeVariable(const Node* node, Value* base) {
 // ---- One field or element, of an object that a variable holds -----------------------------------
 
 [[noreturn, gnu::noinline]] void dropAndFailAssignInto(Value value, const Value& object,
-                                                       unsigned line) {
+                                                       Site site) {
   drop(value);
-  failAssignInto(object, line);
+  failAssignInto(object, site);
 }
 
 template <class Access>
@@ -128,7 +128,7 @@ template <class Object, class Access>
 Table& targetTable(const Node* node, Value* base, Value value) {
   const Value object = Object::load(onlyTarget<Access>(node), base);
   if (object.tag != kTable) [[unlikely]]
-    dropAndFailAssignInto(value, object, node->line);
+    dropAndFailAssignInto(value, object, node->site);
   return *object.table;
 }
 
@@ -140,11 +140,11 @@ Value storeField(const Node* node, Value* base) {
   return normalCompletion();
 }
 
-[[gnu::noinline]] void storeUnderKey(Table& table, Value ownedKey, Value value, unsigned line) {
+[[gnu::noinline]] void storeUnderKey(Table& table, Value ownedKey, Value value, Site site) {
   const OwnedValue keyGuard(ownedKey);
   OwnedValue valueGuard(value);
   TableKey key;
-  if (!tryMakeKeyFromValue(ownedKey, key)) failTableIndex(line);
+  if (!tryMakeKeyFromValue(ownedKey, key)) failTableIndex(site);
   tableSetByKey(table, key, valueGuard.take());
 }
 
@@ -167,7 +167,7 @@ Value storeElementAtLocal(const Node* node, Value* base) {
   if (key.tag == kInteger) [[likely]] {
     table.setInteger(key.integer, value);
   } else {
-    storeUnderKey(table, retain(key), value, node->line);
+    storeUnderKey(table, retain(key), value, node->site);
   }
   return normalCompletion();
 }
@@ -186,7 +186,7 @@ Value storeElement(const Node* node, Value* base) {
   if (key.tag == kInteger) [[likely]] {
     table.setInteger(key.integer, value);
   } else {
-    storeUnderKey(table, key, value, node->line);
+    storeUnderKey(table, key, value, node->site);
   }
   return normalCompletion();
 }
@@ -196,7 +196,7 @@ Value storeAnywhere(const Node* node, Value* base) {
   const AssignmentStmt* const statement = asAssignment(node);
   Value& slot = slotAt(base, statement->temporariesOffset);
   slot = singleValue(node, base);
-  assignTarget(statement->targets[0], slot, base, node->line);
+  assignTarget(statement->targets[0], slot, base, node->site);
   return normalCompletion();
 }
 
@@ -217,7 +217,7 @@ Value assignSeveral(const Node* node, Value* base) {
   // The targets' temporaries start where the surplus values stand.
   clearSlots(slots + statement->targets.size, slots + count);
   for (std::uint32_t i = 0; i < statement->targets.size; ++i) {
-    assignTarget(statement->targets[i], slots[i], base, node->line);
+    assignTarget(statement->targets[i], slots[i], base, node->site);
   }
   return normalCompletion();
 }
@@ -294,7 +294,7 @@ Value storeFunctionInField(const Node* node, Value* base) {
   const auto* const target = static_cast<const FieldExpr*>(statement->target.expression);
   Value& slot = slotAt(base, target->temporariesOffset);
   slot = makeDeclaredFunction(node, base);
-  storeIntoField(target, slot, base, node->line);
+  storeIntoField(target, slot, base, node->site);
   return normalCompletion();
 }
 

@@ -19,8 +19,8 @@ namespace internal {
 
 namespace {
 
-[[noreturn, gnu::noinline]] void failNotCallable(const Value& callee, unsigned line) {
-  failRuntime(line, std::string("attempt to call a ") + describeValueType(callee) + " value");
+[[noreturn, gnu::noinline]] void failNotCallable(const Value& callee, Site site) {
+  failRuntime(site, std::string("attempt to call a ") + describeValueType(callee) + " value");
 }
 
 // Moves several values down to where the frame of the call started, over what the call has
@@ -58,46 +58,46 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
   return completion;
 }
 
-[[noreturn, gnu::noinline]] void failStackOverflow(unsigned line) {
-  failRuntime(line, "stack overflow");
+[[noreturn, gnu::noinline]] void failStackOverflow(Site site) {
+  failRuntime(site, "stack overflow", FailureKind::Stack);
 }
 
 // Stores what a native function returned from frame[0] on, after the arguments are gone.
-Value settleResults(ValueStack& stack, Value* frame, MultiValue&& results, unsigned line) {
+Value settleResults(ValueStack& stack, Value* frame, MultiValue&& results, Site site) {
   if (results.size() == 1) return results.release()[0];
   if (results.empty()) return ReturnSignal::noValues();
-  if (!stack.makeRoom(frame + results.size(), 0)) failStackOverflow(line);
+  if (!stack.makeRoom(frame + results.size(), 0)) failStackOverflow(site);
   const ValueSpan values = results.release();
   for (std::size_t i = 0; i < values.size(); ++i) frame[i] = values[i];
   return ReturnSignal::severalValues(frame, static_cast<std::uint32_t>(values.size()));
 }
 
-Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, unsigned line) {
+Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
   const auto* const code = static_cast<const NativeCode*>(frame[0].function->code);
-  if (!code->function) failRuntime(line, "attempt to call an empty function");
+  if (!code->function) failRuntime(site, "attempt to call an empty function");
   ValueStack& stack = interpreter.stack;
   Value* const end = frame + 1 + count;
   if (!stack.hasRoom(end, stack_cost::kNativeCall) && !stack.makeRoom(end, stack_cost::kNativeCall))
       [[unlikely]] {
-    failStackOverflow(line);
+    failStackOverflow(site);
   }
   Value* const outerTop = stack.top();
   stack.setTop(end);
-  MultiValue results = code->function(interpreter.self, ValueSpan(frame + 1, count), line);
+  MultiValue results = code->function(interpreter.self, ValueSpan(frame + 1, count), site);
   stack.setTop(outerTop);
   clearSlots(frame, end);
-  return settleResults(stack, frame, std::move(results), line);
+  return settleResults(stack, frame, std::move(results), site);
 }
 
 // Any callee, any number of arguments.
 [[gnu::noinline]] Value callAny(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
-                                unsigned line) {
+                                Site site) {
   const Value callee = frame[0];
-  if (callee.tag != kFunction) failNotCallable(callee, line);
+  if (callee.tag != kFunction) failNotCallable(callee, site);
   const FunctionExpr* const body = callee.function->body;
-  if (body == nullptr) return callNative(interpreter, frame, count, line);
+  if (body == nullptr) return callNative(interpreter, frame, count, site);
   if (!interpreter.stack.makeRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
-    failStackOverflow(line);
+    failStackOverflow(site);
   for (std::uint32_t i = count; i < body->parameterCount; ++i) frame[1 + i] = Value();
   for (std::uint32_t i = body->parameterCount; i < count; ++i) clearSlot(frame[1 + i]);
   return runBody(body, frame);
@@ -106,8 +106,7 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, un
 // The common case: a script function that takes exactly the arguments it gets, with room on both
 // stacks.
 template <std::uint32_t Count>
-[[gnu::always_inline]] inline Value callFixed(LuaVM::Impl& interpreter, Value* frame,
-                                              unsigned line) {
+[[gnu::always_inline]] inline Value callFixed(LuaVM::Impl& interpreter, Value* frame, Site site) {
   const Value callee = frame[0];
   if (callee.tag == kFunction) [[likely]] {
     const FunctionExpr* const body = callee.function->body;
@@ -118,7 +117,7 @@ template <std::uint32_t Count>
       }
     }
   }
-  return callAny(interpreter, frame, Count, line);
+  return callAny(interpreter, frame, Count, site);
 }
 
 // ---- The callee ---------------------------------------------------------------------------------
@@ -175,7 +174,7 @@ struct FunctionCall {
       Value* const frame = &slotAt(base, call->frameOffset);
       frame[0] = Callee::load(call, base);
       evaluateArguments<Count>(call, frame + 1, base);
-      return callFixed<Count>(*call->interpreter, frame, call->line);
+      return callFixed<Count>(*call->interpreter, frame, call->site);
     }
   };
 };
@@ -194,7 +193,7 @@ struct RunningFunctionCall {
         [[likely]] {
       return runBody(body, frame);
     }
-    return callAny(*call->interpreter, frame, Count, call->line);
+    return callAny(*call->interpreter, frame, Count, call->site);
   }
 };
 
@@ -206,7 +205,7 @@ inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
   frame[0] =
       receiver.tag == kTable
           ? retain(receiver.table->getString(call->methodName, call->hint))
-          : call->interpreter->indexField(receiver, call->methodName, call->hint, call->line);
+          : call->interpreter->indexField(receiver, call->methodName, call->hint, call->site);
 }
 
 template <std::uint32_t Count>
@@ -216,7 +215,7 @@ struct MethodCall {
     Value* const frame = &slotAt(base, call->frameOffset);
     lookUpMethod(call, frame, base);
     evaluateArguments<Count>(call, frame + 2, base);
-    return callFixed<Count + 1>(*call->interpreter, frame, call->line);
+    return callFixed<Count + 1>(*call->interpreter, frame, call->site);
   }
 };
 
@@ -234,7 +233,7 @@ Value callWithMany(const Node* node, Value* base) {
   if (!call->arguments.empty()) {
     count += evaluateExpressionList(call->arguments, frame + 1 + count, base);
   }
-  return callAny(*call->interpreter, frame, count, call->line);
+  return callAny(*call->interpreter, frame, count, call->site);
 }
 
 // ---- One value of a call ------------------------------------------------------------------------
@@ -360,6 +359,7 @@ void chooseCallStatement(ExpressionStmt& statement) { statement.execute = execut
 
 using internal::MultiValue;
 using internal::ReturnSignal;
+using internal::Site;
 using internal::Value;
 using internal::ValueSpan;
 
@@ -379,30 +379,30 @@ MultiValue takeResults(Value completion) {
 
 }  // namespace
 
-MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, unsigned line) {
-  if (!callee.isFunction()) internal::failNotCallable(callee, line);
-  return callHandle(callee.function, arguments, line);
+MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
+  if (!callee.isFunction()) internal::failNotCallable(callee, site);
+  return callHandle(callee.function, arguments, site);
 }
 
 MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan arguments,
-                                   unsigned line) {
+                                   Site site) {
   Value* const frame = stack.top();
-  if (!stack.makeRoom(frame + 1 + arguments.size(), 0)) internal::failStackOverflow(line);
+  if (!stack.makeRoom(frame + 1 + arguments.size(), 0)) internal::failStackOverflow(site);
   frame[0] = retain(Value(function));
   for (std::size_t i = 0; i < arguments.size(); ++i) frame[1 + i] = retain(arguments[i]);
   const auto count = static_cast<std::uint32_t>(arguments.size());
-  return takeResults(internal::callAny(*this, frame, count, line));
+  return takeResults(internal::callAny(*this, frame, count, site));
 }
 
 bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const Value& second,
-                                unsigned line) {
+                                Site site) {
   Value* const frame = stack.top();
   Value* const end = frame + 3;
-  if (!stack.hasRoom(end, 0) && !stack.makeRoom(end, 0)) internal::failStackOverflow(line);
+  if (!stack.hasRoom(end, 0) && !stack.makeRoom(end, 0)) internal::failStackOverflow(site);
   frame[0] = retain(callee);
   frame[1] = retain(first);
   frame[2] = retain(second);
-  Value result = internal::callFixed<2>(*this, frame, line);
+  Value result = internal::callFixed<2>(*this, frame, site);
   if (!isSingleValue(result)) result = internal::firstOf(result);
   drop(result);
   return result.isTruthy();
@@ -410,10 +410,10 @@ bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const V
 
 MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {
   Value* const frame = stack.top();
-  if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->line);
+  if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->site);
   frame[0] =
       Value(internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, 0));
-  return takeResults(internal::callAny(*this, frame, 0, chunk.main->line));
+  return takeResults(internal::callAny(*this, frame, 0, chunk.main->site));
 }
 
 }  // namespace tarvel::lua

@@ -75,7 +75,7 @@ struct OrderRule {
     return true;
   }
   static bool decide(const Node* node, const Value& left, const Value& right) {
-    return compareValues(left, right, Order::kToken, node->line);
+    return compareValues(left, right, Order::kToken, node->site);
   }
 };
 

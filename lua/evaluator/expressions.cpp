@@ -42,7 +42,7 @@ Value evaluateNot(const Node* node, Value* base) { return Value(testNot(node, ba
 
 Value evaluateNegation(const Node* node, Value* base) {
   const OwnedValue operand(operandOf(node, base));
-  return negateValue(operand.get(), node->line);
+  return negateValue(operand.get(), node->site);
 }
 
 Value evaluateNegatedNumber(const Node* node, Value*) {
@@ -52,18 +52,18 @@ Value evaluateNegatedNumber(const Node* node, Value*) {
 void chooseNegation(UnaryExpr& unary) {
   unary.execute = evaluateNegation;
   if (!isLiteral(*unary.operand) || !literalValue(*unary.operand).isNumber()) return;
-  unary.constant = negateValue(literalValue(*unary.operand), unary.line);
+  unary.constant = negateValue(literalValue(*unary.operand), unary.site);
   unary.execute = evaluateNegatedNumber;
 }
 
 Value evaluateLength(const Node* node, Value* base) {
   const OwnedValue operand(operandOf(node, base));
-  return lengthOf(operand.get(), node->line);
+  return lengthOf(operand.get(), node->site);
 }
 
 Value evaluateLengthOfVariable(const Node* node, Value* base) {
   const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
-  return lengthOf(operand->peek(operand, base), node->line);
+  return lengthOf(operand->peek(operand, base), node->site);
 }
 
 // ---- Logical operators --------------------------------------------------------------------------
@@ -101,7 +101,7 @@ void constructKeyedField(const TableExpr::Field& field, Value* temporaries, Valu
   keySlot = evaluateExpression(field.key, base);
   TableKey key;
   if (!tryMakeKeyFromValue(keySlot, key))
-    failRuntime(field.line, "table keys must be numbers, strings, or booleans");
+    failRuntime(field.site, "table keys must be numbers, strings, or booleans");
   tableSetByKey(*temporaries[0].table, key, evaluateExpression(field.value, base));
   clearSlot(keySlot);
 }

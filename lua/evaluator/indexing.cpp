@@ -14,6 +14,7 @@ namespace tarvel::lua {
 
 using internal::describeValueType;
 using internal::failRuntime;
+using internal::Site;
 using internal::StringObject;
 using internal::TableKey;
 using internal::Value;
@@ -22,7 +23,7 @@ namespace {
 
 // Strings have no fields of their own, only the methods that the global `string` has at this
 // moment.
-Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned line) {
+Value stringMethod(LuaVM::Impl& interpreter, const Value& key, Site site) {
   if (key.isString()) {
     const Value library = interpreter.globals.at(interpreter.standard.stringLibrarySlot);
     if (library.isTable()) {
@@ -30,39 +31,39 @@ Value stringMethod(LuaVM::Impl& interpreter, const Value& key, unsigned line) {
       if (!method.isNil()) return retain(method);
     }
   }
-  failRuntime(line, "string indexing only supports library methods");
+  failRuntime(site, "string indexing only supports library methods");
 }
 
 // For what is no table, string or native object.
-[[noreturn]] void failIndex(const Value& object, unsigned line) {
-  failRuntime(line, std::string("attempt to index a ") + describeValueType(object) + " value");
+[[noreturn]] void failIndex(const Value& object, Site site) {
+  failRuntime(site, std::string("attempt to index a ") + describeValueType(object) + " value");
 }
 
 }  // namespace
 
-Value LuaVM::Impl::indexValue(const Value& object, const Value& key, unsigned line) {
+Value LuaVM::Impl::indexValue(const Value& object, const Value& key, Site site) {
   switch (object.tag) {
     case internal::kTable: {
       TableKey tableKey;
       if (!tryMakeKeyFromValue(key, tableKey))
-        failRuntime(line, "table index must be a number, string, or boolean");
+        failRuntime(site, "table index must be a number, string, or boolean");
       return retain(tableGetByKey(object.table, tableKey));
     }
     case internal::kString:
-      return stringMethod(*this, key, line);
+      return stringMethod(*this, key, site);
     case internal::kUserData:
-      if (!key.isString()) failRuntime(line, "userdata fields must be strings");
-      if (object.native->handle == nullptr) failRuntime(line, "native object handle is empty");
+      if (!key.isString()) failRuntime(site, "userdata fields must be strings");
+      if (object.native->handle == nullptr) failRuntime(site, "native object handle is empty");
       return nativeObjectField(*object.native, key.string);
     default:
-      failIndex(object, line);
+      failIndex(object, site);
   }
 }
 
 Value LuaVM::Impl::indexField(const Value& object, StringObject* name, std::uint32_t& hint,
-                              unsigned line) {
+                              Site site) {
   if (object.isTable()) return retain(object.table->getString(name, hint));
-  return indexValue(object, Value(name), line);
+  return indexValue(object, Value(name), site);
 }
 
 namespace internal {
@@ -84,7 +85,7 @@ Value borrowedStandIn(const Node* node, Value owned) {
 template <bool ObjectOwned>
 [[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object) {
   const OwnedValue guard(ObjectOwned ? object : Value());
-  return node->interpreter->indexField(object, node->name, node->hint, node->line);
+  return node->interpreter->indexField(object, node->name, node->hint, node->site);
 }
 
 template <class Object>
@@ -137,7 +138,7 @@ template <bool KeyOwned>
   TableKey tableKey;
   if (object.tag == kTable && tryMakeKeyFromValue(key, tableKey)) [[likely]]
     return retain(object.table->get(tableKey));
-  return node->interpreter->indexValue(object, key, node->line);
+  return node->interpreter->indexValue(object, key, node->site);
 }
 
 bool isArrayElement(Value object, Value key) noexcept {

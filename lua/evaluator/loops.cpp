@@ -81,9 +81,9 @@ struct Range {
   const OwnedValue step(loop->step != nullptr ? evaluateExpression(loop->step, base)
                                               : Value(std::int64_t{1}));
   if (!start.get().isNumber() || !limit.get().isNumber() || !step.get().isNumber()) {
-    failRuntime(loop->line, "numeric for loop expects numeric bounds");
+    failRuntime(loop->site, "numeric for loop expects numeric bounds");
   }
-  if (step.get().asFloat() == 0.0) failRuntime(loop->line, "numeric for step cannot be zero");
+  if (step.get().asFloat() == 0.0) failRuntime(loop->site, "numeric for step cannot be zero");
   return {start.get(), limit.get(), step.get()};
 }
 
@@ -107,7 +107,7 @@ Value executeNumericFor(const Node* node, Value* base) {
     slots[i] = evaluateExpression(iterators[i], base);
   clearSlots(slots + 1, slots + iterators.size);
   // Deliberate: only iterators, no iterator functions, so that a step of the loop is no call.
-  if (slots[0].tag != kIterator) failRuntime(loop->line, "generic for loop expects an iterator");
+  if (slots[0].tag != kIterator) failRuntime(loop->site, "generic for loop expects an iterator");
 }
 
 Value executeGenericFor(const Node* node, Value* base) {

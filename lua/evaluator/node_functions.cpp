@@ -102,7 +102,7 @@ class NodeFunctionSelector {
       const IfStmt::Branch& branch = statement.branches[i];
       IfStmt* const test =
           i == 0 ? &statement
-                 : arena_.make<IfStmt>(ArenaList<IfStmt::Branch>(), nullptr, statement.line);
+                 : arena_.make<IfStmt>(ArenaList<IfStmt::Branch>(), nullptr, statement.site);
       test->interpreter = &interpreter_;
       test->condition = branch.condition;
       test->thenNode = bodyNodeOf(*branch.body);

@@ -107,17 +107,17 @@ bool valuesEqual(const Value& left, const Value& right) noexcept {
   return false;
 }
 
-bool compareValues(const Value& left, const Value& right, TokenKind op, unsigned line) {
+bool compareValues(const Value& left, const Value& right, TokenKind op, Site site) {
   if (left.isInteger() && right.isInteger()) return ordered(op, left.integer, right.integer);
   if (left.isNumber() && right.isNumber()) return ordered(op, left.asFloat(), right.asFloat());
   if (left.isString() && right.isString())
     return ordered(op, compareStrings(left.string, right.string), 0);
-  failRuntime(line, "ordered comparisons require matching numbers or strings");
+  failRuntime(site, "ordered comparisons require matching numbers or strings");
 }
 
-Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, unsigned line) {
+Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, Site site) {
   if (!left.isNumber() || !right.isNumber()) {
-    failRuntime(line, std::string("operator '") + operatorText(op) + "' expects numbers");
+    failRuntime(site, std::string("operator '") + operatorText(op) + "' expects numbers");
   }
   switch (op) {
     case TokenKind::Plus:
@@ -129,28 +129,28 @@ Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, un
     case TokenKind::Slash:
       // Deliberate: a divisor within the epsilon counts as zero, as it compares equal to the
       // integer 0.
-      if (isZeroDivisor(right.asFloat())) failRuntime(line, "division by zero");
+      if (isZeroDivisor(right.asFloat())) failRuntime(site, "division by zero");
       return divideNumbers(left, right);
     case TokenKind::Percent:
-      if (isZeroDivisor(right.asFloat())) failRuntime(line, "modulo by zero");
+      if (isZeroDivisor(right.asFloat())) failRuntime(site, "modulo by zero");
       return moduloNumbers(left, right);
     default:
       unreachable("not an arithmetic operator");
   }
 }
 
-Value negateValue(const Value& operand, unsigned line) {
+Value negateValue(const Value& operand, Site site) {
   if (operand.isInteger() && operand.integer != std::numeric_limits<std::int64_t>::min()) {
     return Value(-operand.integer);
   }
-  if (!operand.isNumber()) failRuntime(line, "unary '-' expects a number");
+  if (!operand.isNumber()) failRuntime(site, "unary '-' expects a number");
   return normalizeWhole(-operand.asFloat());
 }
 
-Value lengthOf(const Value& operand, unsigned line) {
+Value lengthOf(const Value& operand, Site site) {
   if (operand.isTable()) return Value(tableSequenceLength(operand.table));
   if (operand.isString()) return Value(static_cast<std::int64_t>(operand.string->length));
-  failRuntime(line, "length operator expects a string or table");
+  failRuntime(site, "length operator expects a string or table");
 }
 
 }  // namespace tarvel::lua::internal

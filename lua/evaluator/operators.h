@@ -33,16 +33,16 @@ inline Value divideNumbers(const Value& left, const Value& right) {
 bool valuesEqual(const Value& left, const Value& right) noexcept;
 
 // An ordering operator on two numbers or two strings. Any other pair raises "ordered comparisons
-// require matching numbers or strings" at `line`.
-bool compareValues(const Value& left, const Value& right, TokenKind op, unsigned line);
+// require matching numbers or strings" at `site`.
+bool compareValues(const Value& left, const Value& right, TokenKind op, Site site);
 
 // An arithmetic operator on any two values, with its checks and errors.
-Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, unsigned line);
+Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, Site site);
 
 // Unary minus. The most negative integer saturates to the largest.
-Value negateValue(const Value& operand, unsigned line);
+Value negateValue(const Value& operand, Site site);
 
 // The operator `#`.
-Value lengthOf(const Value& operand, unsigned line);
+Value lengthOf(const Value& operand, Site site);
 
 }  // namespace tarvel::lua::internal

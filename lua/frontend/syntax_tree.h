@@ -38,11 +38,11 @@ inline Value& slotAt(Value* base, SlotOffset offset) noexcept {
 }
 
 struct Node {
-  explicit Node(std::uint32_t nodeLine) : line(nodeLine) {}
+  explicit Node(Site nodeSite) : site(nodeSite) {}
 
   NodeFunction execute = nullptr;      // chosen by selectNodeFunctions
   LuaVM::Impl* interpreter = nullptr;  // whose tree this is; set along with `execute`
-  std::uint32_t line;                  // 1-based; which token's line it is differs per node kind
+  Site site;                           // of a token; of which differs per node kind
 };
 
 // ---- Names --------------------------------------------------------------------------------------
@@ -85,7 +85,7 @@ enum class ExprKind : std::uint32_t {
 };
 
 struct Expr : Node {
-  Expr(ExprKind exprKind, std::uint32_t nodeLine) : Node(nodeLine), kind(exprKind) {}
+  Expr(ExprKind exprKind, Site nodeSite) : Node(nodeSite), kind(exprKind) {}
 
   ExprKind kind;
   ConditionFunction test = nullptr;  // the value's truthiness
@@ -96,8 +96,7 @@ struct Expr : Node {
 };
 
 struct LiteralExpr : Expr {
-  LiteralExpr(Value literal, std::uint32_t nodeLine)
-      : Expr(ExprKind::Literal, nodeLine), value(literal) {}
+  LiteralExpr(Value literal, Site nodeSite) : Expr(ExprKind::Literal, nodeSite), value(literal) {}
 
   Value value;  // a string is kept alive by the chunk
 };
@@ -113,8 +112,8 @@ enum class VariableHome : std::uint8_t {
 };
 
 struct VariableExpr : Expr {
-  VariableExpr(StringObject* variableName, std::uint32_t nodeLine)
-      : Expr(ExprKind::Variable, nodeLine), name(variableName) {}
+  VariableExpr(StringObject* variableName, Site nodeSite)
+      : Expr(ExprKind::Variable, nodeSite), name(variableName) {}
 
   StringObject* name;
   VariableHome home = VariableHome::Global;
@@ -125,8 +124,8 @@ struct VariableExpr : Expr {
 };
 
 struct UnaryExpr : Expr {
-  UnaryExpr(TokenKind unaryOp, Expr* unaryOperand, std::uint32_t nodeLine)
-      : Expr(ExprKind::Unary, nodeLine), op(unaryOp), operand(unaryOperand) {}
+  UnaryExpr(TokenKind unaryOp, Expr* unaryOperand, Site nodeSite)
+      : Expr(ExprKind::Unary, nodeSite), op(unaryOp), operand(unaryOperand) {}
 
   TokenKind op;  // Minus, Hash or Not
   Expr* operand;
@@ -135,8 +134,8 @@ struct UnaryExpr : Expr {
 
 // Every binary operator but `..`.
 struct BinaryExpr : Expr {
-  BinaryExpr(Expr* leftOperand, TokenKind binaryOp, Expr* rightOperand, std::uint32_t nodeLine)
-      : Expr(ExprKind::Binary, nodeLine), left(leftOperand), op(binaryOp), right(rightOperand) {}
+  BinaryExpr(Expr* leftOperand, TokenKind binaryOp, Expr* rightOperand, Site nodeSite)
+      : Expr(ExprKind::Binary, nodeSite), left(leftOperand), op(binaryOp), right(rightOperand) {}
 
   Expr* left;
   TokenKind op;
@@ -151,8 +150,8 @@ struct BinaryExpr : Expr {
 // left to right and turning them into text has no effects, so the chain is one node that builds its
 // text once.
 struct ConcatExpr : Expr {
-  ConcatExpr(ArenaList<Expr*> concatOperands, std::uint32_t nodeLine)
-      : Expr(ExprKind::Concat, nodeLine), operands(concatOperands) {}
+  ConcatExpr(ArenaList<Expr*> concatOperands, Site nodeSite)
+      : Expr(ExprKind::Concat, nodeSite), operands(concatOperands) {}
 
   ArenaList<Expr*> operands;         // two or more
   SlotOffset temporariesOffset = 0;  // one slot an operand
@@ -165,11 +164,11 @@ struct TableExpr : Expr {
     StringObject* name;  // Named
     Expr* key;           // Keyed
     Expr* value;
-    std::uint32_t line;  // of the field's first token
+    Site site;  // of the field's first token
   };
 
-  TableExpr(ArenaList<Field> tableFields, std::uint32_t nodeLine)
-      : Expr(ExprKind::Table, nodeLine), fields(tableFields) {}
+  TableExpr(ArenaList<Field> tableFields, Site nodeSite)
+      : Expr(ExprKind::Table, nodeSite), fields(tableFields) {}
 
   ArenaList<Field> fields;
   std::uint32_t positionalCount = 0;
@@ -177,8 +176,8 @@ struct TableExpr : Expr {
 };
 
 struct FieldExpr : Expr {
-  FieldExpr(Expr* fieldObject, StringObject* fieldName, std::uint32_t nodeLine)
-      : Expr(ExprKind::Field, nodeLine), object(fieldObject), name(fieldName) {}
+  FieldExpr(Expr* fieldObject, StringObject* fieldName, Site nodeSite)
+      : Expr(ExprKind::Field, nodeSite), object(fieldObject), name(fieldName) {}
 
   Expr* object;
   StringObject* name;
@@ -188,8 +187,8 @@ struct FieldExpr : Expr {
 };
 
 struct IndexExpr : Expr {
-  IndexExpr(Expr* indexObject, Expr* indexKey, std::uint32_t nodeLine)
-      : Expr(ExprKind::Index, nodeLine), object(indexObject), key(indexKey) {}
+  IndexExpr(Expr* indexObject, Expr* indexKey, Site nodeSite)
+      : Expr(ExprKind::Index, nodeSite), object(indexObject), key(indexKey) {}
 
   Expr* object;
   Expr* key;
@@ -199,11 +198,10 @@ struct IndexExpr : Expr {
 };
 
 struct CallExpr : Expr {
-  CallExpr(Expr* calledExpr, ArenaList<Expr*> callArguments, std::uint32_t nodeLine)
-      : Expr(ExprKind::Call, nodeLine), callee(calledExpr), arguments(callArguments) {}
-  CallExpr(Expr* receiver, StringObject* method, ArenaList<Expr*> callArguments,
-           std::uint32_t nodeLine)
-      : Expr(ExprKind::Call, nodeLine),
+  CallExpr(Expr* calledExpr, ArenaList<Expr*> callArguments, Site nodeSite)
+      : Expr(ExprKind::Call, nodeSite), callee(calledExpr), arguments(callArguments) {}
+  CallExpr(Expr* receiver, StringObject* method, ArenaList<Expr*> callArguments, Site nodeSite)
+      : Expr(ExprKind::Call, nodeSite),
         arguments(callArguments),
         object(receiver),
         methodName(method) {}
@@ -227,7 +225,7 @@ struct CaptureSource {
 };
 
 struct FunctionExpr : Expr {
-  explicit FunctionExpr(std::uint32_t nodeLine) : Expr(ExprKind::Function, nodeLine) {}
+  explicit FunctionExpr(Site nodeSite) : Expr(ExprKind::Function, nodeSite) {}
 
   ArenaList<StringObject*> parameters;  // "self" first for a method
   Block* body = nullptr;
@@ -258,15 +256,15 @@ enum class StmtKind : std::uint32_t {
 };
 
 struct Stmt : Node {
-  Stmt(StmtKind stmtKind, std::uint32_t nodeLine) : Node(nodeLine), kind(stmtKind) {}
+  Stmt(StmtKind stmtKind, Site nodeSite) : Node(nodeSite), kind(stmtKind) {}
 
   StmtKind kind;
 };
 
 // The statements of a body with a scope of its own.
 struct Block : Node {
-  Block(ArenaList<Stmt*> blockStatements, std::uint32_t nodeLine)
-      : Node(nodeLine), statements(blockStatements) {}
+  Block(ArenaList<Stmt*> blockStatements, Site nodeSite)
+      : Node(nodeSite), statements(blockStatements) {}
 
   ArenaList<Stmt*> statements;
   Scope* scope = nullptr;
@@ -276,8 +274,8 @@ struct Block : Node {
 };
 
 struct ExpressionStmt : Stmt {
-  ExpressionStmt(CallExpr* call, std::uint32_t nodeLine)
-      : Stmt(StmtKind::Expression, nodeLine), expression(call) {}
+  ExpressionStmt(CallExpr* call, Site nodeSite)
+      : Stmt(StmtKind::Expression, nodeSite), expression(call) {}
 
   CallExpr* expression;
 };
@@ -290,8 +288,8 @@ struct AssignTarget {
 // Assignments and local declarations.
 struct AssignmentStmt : Stmt {
   AssignmentStmt(bool local, ArenaList<AssignTarget> assignTargets, ArenaList<Expr*> assignValues,
-                 std::uint32_t nodeLine)
-      : Stmt(StmtKind::Assignment, nodeLine),
+                 Site nodeSite)
+      : Stmt(StmtKind::Assignment, nodeSite),
         isLocal(local),
         targets(assignTargets),
         values(assignValues) {}
@@ -305,9 +303,8 @@ struct AssignmentStmt : Stmt {
 };
 
 struct FunctionDeclarationStmt : Stmt {
-  FunctionDeclarationStmt(bool local, AssignTarget declared, FunctionExpr* body,
-                          std::uint32_t nodeLine)
-      : Stmt(StmtKind::FunctionDeclaration, nodeLine),
+  FunctionDeclarationStmt(bool local, AssignTarget declared, FunctionExpr* body, Site nodeSite)
+      : Stmt(StmtKind::FunctionDeclaration, nodeSite),
         isLocal(local),
         target(declared),
         function(body) {}
@@ -323,8 +320,8 @@ struct IfStmt : Stmt {
     Block* body;
   };
 
-  IfStmt(ArenaList<Branch> ifBranches, Block* otherwise, std::uint32_t nodeLine)
-      : Stmt(StmtKind::If, nodeLine), branches(ifBranches), elseBody(otherwise) {}
+  IfStmt(ArenaList<Branch> ifBranches, Block* otherwise, Site nodeSite)
+      : Stmt(StmtKind::If, nodeSite), branches(ifBranches), elseBody(otherwise) {}
 
   ArenaList<Branch> branches;
   Block* elseBody;  // null when absent
@@ -336,8 +333,8 @@ struct IfStmt : Stmt {
 };
 
 struct WhileStmt : Stmt {
-  WhileStmt(Expr* whileCondition, Block* whileBody, std::uint32_t nodeLine)
-      : Stmt(StmtKind::While, nodeLine), condition(whileCondition), body(whileBody) {}
+  WhileStmt(Expr* whileCondition, Block* whileBody, Site nodeSite)
+      : Stmt(StmtKind::While, nodeSite), condition(whileCondition), body(whileBody) {}
 
   Expr* condition;
   Block* body;
@@ -346,8 +343,8 @@ struct WhileStmt : Stmt {
 
 struct NumericForStmt : Stmt {
   NumericForStmt(StringObject* loopVariable, Expr* first, Expr* last, Expr* increment,
-                 Block* forBody, std::uint32_t nodeLine)
-      : Stmt(StmtKind::NumericFor, nodeLine),
+                 Block* forBody, Site nodeSite)
+      : Stmt(StmtKind::NumericFor, nodeSite),
         variable(loopVariable),
         start(first),
         limit(last),
@@ -365,8 +362,8 @@ struct NumericForStmt : Stmt {
 
 struct GenericForStmt : Stmt {
   GenericForStmt(ArenaList<StringObject*> loopNames, ArenaList<Expr*> iteratorExprs, Block* forBody,
-                 std::uint32_t nodeLine)
-      : Stmt(StmtKind::GenericFor, nodeLine),
+                 Site nodeSite)
+      : Stmt(StmtKind::GenericFor, nodeSite),
         names(loopNames),
         iterators(iteratorExprs),
         body(forBody) {}
@@ -381,15 +378,15 @@ struct GenericForStmt : Stmt {
 };
 
 struct ReturnStmt : Stmt {
-  ReturnStmt(ArenaList<Expr*> returnValues, std::uint32_t nodeLine)
-      : Stmt(StmtKind::Return, nodeLine), values(returnValues) {}
+  ReturnStmt(ArenaList<Expr*> returnValues, Site nodeSite)
+      : Stmt(StmtKind::Return, nodeSite), values(returnValues) {}
 
   ArenaList<Expr*> values;
   SlotOffset temporariesOffset = 0;  // one slot a value
 };
 
 struct BreakStmt : Stmt {
-  explicit BreakStmt(std::uint32_t nodeLine) : Stmt(StmtKind::Break, nodeLine) {}
+  explicit BreakStmt(Site nodeSite) : Stmt(StmtKind::Break, nodeSite) {}
 };
 
 // ---- The chunk ----------------------------------------------------------------------------------

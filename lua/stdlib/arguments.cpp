@@ -7,8 +7,8 @@
 
 namespace tarvel::lua::internal {
 
-void failArgument(const char* name, const char* text, unsigned line) {
-  failRuntime(line, std::string(name) + text);
+void failArgument(const char* name, const char* text, Site site) {
+  failRuntime(site, std::string(name) + text);
 }
 
 void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximum) {
@@ -26,13 +26,13 @@ void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximu
   throw std::runtime_error(message);
 }
 
-NativeObject& requireUserData(const char* name, ValueSpan args, std::size_t index, unsigned line,
+NativeObject& requireUserData(const char* name, ValueSpan args, std::size_t index, Site site,
                               NativeObject::Kind kind) {
   if (index >= args.size() || args[index].tag != kUserData)
-    failArgument(name, " expects userdata", line);
+    failArgument(name, " expects userdata", site);
   NativeObject& object = *args[index].native;
   if (object.handle == nullptr || object.kind != kind)
-    failArgument(name, " received the wrong userdata type", line);
+    failArgument(name, " received the wrong userdata type", site);
   return object;
 }
 

@@ -27,7 +27,7 @@ LuaValue basePrint(LuaVM&, const std::vector<LuaValue>& arguments) {
   return LuaValue();
 }
 
-MultiValue baseToString(LuaVM& vm, ValueSpan args, unsigned) {
+MultiValue baseToString(LuaVM& vm, ValueSpan args, Site) {
   requireArgumentCount("tostring", args.size(), 1, 1);
   if (args[0].isString()) return MultiValue(retain(args[0]));
   return MultiValue(LuaVM::Impl::of(vm).makeString(args[0].toString()));
@@ -67,15 +67,15 @@ Value numberFromText(const StringObject& text, std::int64_t base) {
 
 }  // namespace
 
-MultiValue baseToNumber(LuaVM&, ValueSpan args, unsigned line) {
+MultiValue baseToNumber(LuaVM&, ValueSpan args, Site site) {
   requireArgumentCount("tonumber", args.size(), 1, 2);
   if (args[0].isNumber()) return MultiValue(args[0]);
   if (!args[0].isString()) return MultiValue(Value());
-  const std::int64_t base = isGiven(args, 1) ? requireInteger("tonumber", args, 1, line) : 10;
+  const std::int64_t base = isGiven(args, 1) ? requireInteger("tonumber", args, 1, site) : 10;
   return MultiValue(numberFromText(*args[0].string, base));
 }
 
-MultiValue baseType(LuaVM& vm, ValueSpan args, unsigned) {
+MultiValue baseType(LuaVM& vm, ValueSpan args, Site) {
   requireArgumentCount("type", args.size(), 1, 1);
   return MultiValue(Value(LuaVM::Impl::of(vm).strings.intern(describeValueType(args[0]))));
 }
@@ -86,19 +86,19 @@ namespace {
 // whoever reports it.
 constexpr std::size_t kErrorTextCopies = 4;
 
-[[noreturn]] void failWithText(LuaVM& vm, const Value& text, unsigned line) {
+[[noreturn]] void failWithText(LuaVM& vm, const Value& text, Site site) {
   const PrintableText printable(text);
   LuaVM::Impl::of(vm).heap.requireRoom(kErrorTextCopies * printable.view().size());
-  failRuntime(line, std::string(printable.view()));
+  failRuntime(site, std::string(printable.view()));
 }
 
 }  // namespace
 
-MultiValue baseAssert(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue baseAssert(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("assert", args.size(), 1, kAnyCount);
   if (!args[0].isTruthy()) {
-    if (args.size() == 1) failRuntime(line, "assertion failed!");
-    failWithText(vm, args[1], line);
+    if (args.size() == 1) failRuntime(site, "assertion failed!");
+    failWithText(vm, args[1], site);
   }
   MultiValue results;
   for (const Value& argument : args) results.push(retain(argument));
@@ -106,10 +106,10 @@ MultiValue baseAssert(LuaVM& vm, ValueSpan args, unsigned line) {
 }
 
 // The level is accepted and has no effect. An error value is always a string.
-MultiValue baseError(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue baseError(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("error", args.size(), 0, 2);
-  if (args.empty()) failRuntime(line, "error");
-  failWithText(vm, args[0], line);
+  if (args.empty()) failRuntime(site, "error");
+  failWithText(vm, args[0], site);
 }
 
 namespace {
@@ -129,14 +129,14 @@ MultiValue outOfMemory(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
 }  // namespace
 
 // ExitSignal and what a host throws besides standard exceptions pass through.
-MultiValue basePcall(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue basePcall(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("pcall", args.size(), 1, kAnyCount);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const ValueStack::Mark mark = interpreter.stack.mark();
   try {
     const ProtectedCallScope scope;
     const MultiValue returned =
-        interpreter.callValue(args[0], ValueSpan(args.begin() + 1, args.size() - 1), line);
+        interpreter.callValue(args[0], ValueSpan(args.begin() + 1, args.size() - 1), site);
     MultiValue results(Value(true));
     for (const Value& value : returned.span()) results.push(retain(value));
     return results;
@@ -149,15 +149,15 @@ MultiValue basePcall(LuaVM& vm, ValueSpan args, unsigned line) {
   }
 }
 
-MultiValue basePairs(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue basePairs(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("pairs", args.size(), 1, 1);
-  if (!args[0].isTable()) failRuntime(line, "pairs expects a table");
+  if (!args[0].isTable()) failRuntime(site, "pairs expects a table");
   return MultiValue(Value(IteratorState::createPairs(LuaVM::Impl::of(vm).heap, *args[0].table)));
 }
 
-MultiValue baseIpairs(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue baseIpairs(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("ipairs", args.size(), 1, 1);
-  if (!args[0].isTable()) failRuntime(line, "ipairs expects a table");
+  if (!args[0].isTable()) failRuntime(site, "ipairs expects a table");
   return MultiValue(Value(IteratorState::createIpairs(LuaVM::Impl::of(vm).heap, *args[0].table)));
 }
 

@@ -9,49 +9,49 @@
 #include "lua/value/value.h"
 
 // The native functions of the standard library, named after what scripts call. All take the
-// interpreter, the arguments (borrowed) and the line of the call, and return owned values.
+// interpreter, the arguments (borrowed) and the site of the call, and return owned values.
 
 namespace tarvel::lua::internal {
 
 // base_functions.cpp
 LuaValue basePrint(LuaVM& vm, const std::vector<LuaValue>& arguments);
-MultiValue baseToString(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue baseToNumber(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue baseType(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue baseAssert(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue baseError(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue basePcall(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue basePairs(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue baseIpairs(LuaVM& vm, ValueSpan args, unsigned line);
+MultiValue baseToString(LuaVM& vm, ValueSpan args, Site site);
+MultiValue baseToNumber(LuaVM& vm, ValueSpan args, Site site);
+MultiValue baseType(LuaVM& vm, ValueSpan args, Site site);
+MultiValue baseAssert(LuaVM& vm, ValueSpan args, Site site);
+MultiValue baseError(LuaVM& vm, ValueSpan args, Site site);
+MultiValue basePcall(LuaVM& vm, ValueSpan args, Site site);
+MultiValue basePairs(LuaVM& vm, ValueSpan args, Site site);
+MultiValue baseIpairs(LuaVM& vm, ValueSpan args, Site site);
 
 // string_functions.cpp
-MultiValue stringSub(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue stringFormat(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue stringRep(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue stringUnpack(LuaVM& vm, ValueSpan args, unsigned line);
+MultiValue stringSub(LuaVM& vm, ValueSpan args, Site site);
+MultiValue stringFormat(LuaVM& vm, ValueSpan args, Site site);
+MultiValue stringRep(LuaVM& vm, ValueSpan args, Site site);
+MultiValue stringUnpack(LuaVM& vm, ValueSpan args, Site site);
 
 // string_patterns.cpp
-MultiValue stringFind(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue stringMatch(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue stringGmatch(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue stringGsub(LuaVM& vm, ValueSpan args, unsigned line);
+MultiValue stringFind(LuaVM& vm, ValueSpan args, Site site);
+MultiValue stringMatch(LuaVM& vm, ValueSpan args, Site site);
+MultiValue stringGmatch(LuaVM& vm, ValueSpan args, Site site);
+MultiValue stringGsub(LuaVM& vm, ValueSpan args, Site site);
 
 // table_functions.cpp
-MultiValue tableRemove(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue tableConcat(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue tableSort(LuaVM& vm, ValueSpan args, unsigned line);
+MultiValue tableRemove(LuaVM& vm, ValueSpan args, Site site);
+MultiValue tableConcat(LuaVM& vm, ValueSpan args, Site site);
+MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site);
 
 // math_functions.cpp
-MultiValue mathMin(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue mathMax(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue mathFloor(LuaVM& vm, ValueSpan args, unsigned line);
+MultiValue mathMin(LuaVM& vm, ValueSpan args, Site site);
+MultiValue mathMax(LuaVM& vm, ValueSpan args, Site site);
+MultiValue mathFloor(LuaVM& vm, ValueSpan args, Site site);
 
 // files/file_functions.cpp
-MultiValue ioOpen(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue ioWrite(LuaVM& vm, ValueSpan args, unsigned line);
+MultiValue ioOpen(LuaVM& vm, ValueSpan args, Site site);
+MultiValue ioWrite(LuaVM& vm, ValueSpan args, Site site);
 
 // os_functions.cpp
-MultiValue osExecute(LuaVM& vm, ValueSpan args, unsigned line);
-MultiValue osExit(LuaVM& vm, ValueSpan args, unsigned line);
+MultiValue osExecute(LuaVM& vm, ValueSpan args, Site site);
+MultiValue osExit(LuaVM& vm, ValueSpan args, Site site);
 
 }  // namespace tarvel::lua::internal

@@ -13,11 +13,11 @@ namespace {
 
 // A whole result becomes an integer whatever the arguments were.
 template <class Fold>
-MultiValue foldNumbers(const char* name, ValueSpan args, unsigned line, Fold fold) {
+MultiValue foldNumbers(const char* name, ValueSpan args, Site site, Fold fold) {
   requireArgumentCount(name, args.size(), 1, kAnyCount);
-  double result = requireNumber(name, args, 0, line);
+  double result = requireNumber(name, args, 0, site);
   for (std::size_t i = 1; i < args.size(); ++i) {
-    result = fold(result, requireNumber(name, args, i, line));
+    result = fold(result, requireNumber(name, args, i, site));
   }
   std::int64_t whole = 0;
   return MultiValue(wholeNumber(result, whole) ? Value(whole) : Value(result));
@@ -25,18 +25,18 @@ MultiValue foldNumbers(const char* name, ValueSpan args, unsigned line, Fold fol
 
 }  // namespace
 
-MultiValue mathMin(LuaVM&, ValueSpan args, unsigned line) {
-  return foldNumbers("math.min", args, line, [](double a, double b) { return std::fmin(a, b); });
+MultiValue mathMin(LuaVM&, ValueSpan args, Site site) {
+  return foldNumbers("math.min", args, site, [](double a, double b) { return std::fmin(a, b); });
 }
 
-MultiValue mathMax(LuaVM&, ValueSpan args, unsigned line) {
-  return foldNumbers("math.max", args, line, [](double a, double b) { return std::fmax(a, b); });
+MultiValue mathMax(LuaVM&, ValueSpan args, Site site) {
+  return foldNumbers("math.max", args, site, [](double a, double b) { return std::fmax(a, b); });
 }
 
 // 2^63 itself counts as in range and saturates; NaN becomes 0.
-MultiValue mathFloor(LuaVM&, ValueSpan args, unsigned line) {
+MultiValue mathFloor(LuaVM&, ValueSpan args, Site site) {
   requireArgumentCount("math.floor", args.size(), 1, 1);
-  const double floored = std::floor(requireNumber("math.floor", args, 0, line));
+  const double floored = std::floor(requireNumber("math.floor", args, 0, site));
   if (std::fabs(floored) > kTwoTo63) return MultiValue(Value(floored));
   return MultiValue(Value(saturatingInteger(floored)));
 }

@@ -24,7 +24,7 @@ namespace {
 
 struct Member {
   const char* name;
-  internal::MultiValue (*function)(LuaVM&, internal::ValueSpan, unsigned);
+  internal::MultiValue (*function)(LuaVM&, internal::ValueSpan, internal::Site);
 };
 
 // A library table under construction, which becomes a global when it is complete.

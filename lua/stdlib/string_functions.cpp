@@ -29,11 +29,11 @@ void fillWithRepetitions(char* target, std::size_t length, std::string_view text
 
 }  // namespace
 
-MultiValue stringSub(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringSub(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.sub", args.size(), 2, 3);
-  const std::string_view text = requireString("string.sub", args, 0, line).view();
-  const std::int64_t from = requireInteger("string.sub", args, 1, line);
-  const std::int64_t to = isGiven(args, 2) ? requireInteger("string.sub", args, 2, line) : -1;
+  const std::string_view text = requireString("string.sub", args, 0, site).view();
+  const std::int64_t from = requireInteger("string.sub", args, 1, site);
+  const std::int64_t to = isGiven(args, 2) ? requireInteger("string.sub", args, 2, site) : -1;
 
   const auto length = static_cast<std::int64_t>(text.size());
   const std::int64_t first = std::max<std::int64_t>(fromStart(from, length), 1);
@@ -44,18 +44,18 @@ MultiValue stringSub(LuaVM& vm, ValueSpan args, unsigned line) {
   return MultiValue(LuaVM::Impl::of(vm).makeString({start, static_cast<std::size_t>(count)}));
 }
 
-MultiValue stringRep(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringRep(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.rep", args.size(), 2, 2);
-  const std::string_view text = requireString("string.rep", args, 0, line).view();
-  const std::int64_t times = requireInteger("string.rep", args, 1, line);
+  const std::string_view text = requireString("string.rep", args, 0, site).view();
+  const std::int64_t times = requireInteger("string.rep", args, 1, site);
 
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   if (times < 1 || text.empty()) return MultiValue(interpreter.makeString({}));
   if (times == 1) return MultiValue(retain(args[0]));
   const std::size_t most = StringObject::kMaximumLength / text.size();
-  if (static_cast<std::uint64_t>(times) > most) failNotEnoughMemory(line);
+  if (static_cast<std::uint64_t>(times) > most) failNotEnoughMemory(site);
   const std::size_t length = text.size() * static_cast<std::size_t>(times);
-  StringObject* const repeated = createText(interpreter.heap, length, line);
+  StringObject* const repeated = createText(interpreter.heap, length, site);
   fillWithRepetitions(repeated->data(), length, text);
   return MultiValue(Value(repeated));
 }
@@ -64,28 +64,28 @@ MultiValue stringRep(LuaVM& vm, ValueSpan args, unsigned line) {
 
 namespace {
 
-const Value& requireNumberFor(const Value& value, const char* message, unsigned line) {
-  if (!value.isNumber()) failRuntime(line, message);
+const Value& requireNumberFor(const Value& value, const char* message, Site site) {
+  if (!value.isNumber()) failRuntime(site, message);
   return value;
 }
 
 // Deliberate: `%f` is not a fixed notation but the printable form of a float, with six significant
 // digits, so that a number looks the same wherever it is printed.
-void appendFormatted(TextBuilder& out, char token, const Value& value, unsigned line) {
+void appendFormatted(TextBuilder& out, char token, const Value& value, Site site) {
   switch (token) {
     case 'd':
     case 'i':
       out.append(
-          Value(requireNumberFor(value, "integer format expects a number", line).asInteger()));
+          Value(requireNumberFor(value, "integer format expects a number", site).asInteger()));
       return;
     case 'f':
-      out.append(Value(requireNumberFor(value, "float format expects a number", line).asFloat()));
+      out.append(Value(requireNumberFor(value, "float format expects a number", site).asFloat()));
       return;
     case 's':
       out.append(value);
       return;
     default:
-      failRuntime(line, std::string("unsupported format token %") + token);
+      failRuntime(site, std::string("unsupported format token %") + token);
   }
 }
 
@@ -93,23 +93,23 @@ constexpr std::size_t kUsualArgumentLength = 8;  // bytes
 
 }  // namespace
 
-MultiValue stringFormat(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringFormat(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.format", args.size(), 1, kAnyCount);
-  std::string_view rest = requireString("string.format", args, 0, line).view();
-  TextBuilder out(LuaVM::Impl::of(vm).heap, rest.size() + args.size() * kUsualArgumentLength, line);
+  std::string_view rest = requireString("string.format", args, 0, site).view();
+  TextBuilder out(LuaVM::Impl::of(vm).heap, rest.size() + args.size() * kUsualArgumentLength, site);
   for (std::size_t next = 1;;) {
     const std::size_t percent = rest.find('%');
     out.append(rest.substr(0, percent));
     if (percent == std::string_view::npos) return MultiValue(out.take());
-    if (percent + 1 == rest.size()) failRuntime(line, "unterminated format token");
+    if (percent + 1 == rest.size()) failRuntime(site, "unterminated format token");
     const char token = rest[percent + 1];
     rest.remove_prefix(percent + 2);
     if (token == '%') {
       out.append("%");
       continue;
     }
-    if (next == args.size()) failRuntime(line, "missing format argument");
-    appendFormatted(out, token, args[next++], line);
+    if (next == args.size()) failRuntime(site, "missing format argument");
+    appendFormatted(out, token, args[next++], site);
   }
 }
 
@@ -131,10 +131,9 @@ int takeFieldWidth(std::string_view& format) {
 }
 
 // The unsigned field at `offset`, which it moves behind the field.
-std::int64_t takeField(std::string_view data, std::uint64_t& offset, bool bigEndian,
-                       unsigned line) {
+std::int64_t takeField(std::string_view data, std::uint64_t& offset, bool bigEndian, Site site) {
   if (offset + kFieldBytes > data.size()) {
-    failRuntime(line, "string.unpack ran past the end of the buffer");
+    failRuntime(site, "string.unpack ran past the end of the buffer");
   }
   std::uint32_t field = 0;
   for (std::size_t i = 0; i < kFieldBytes; ++i) {
@@ -148,12 +147,12 @@ std::int64_t takeField(std::string_view data, std::uint64_t& offset, bool bigEnd
 }  // namespace
 
 // Returns the fields and the position behind the last of them.
-MultiValue stringUnpack(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringUnpack(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.unpack", args.size(), 2, 3);
-  std::string_view format = requireString("string.unpack", args, 0, line).view();
-  const std::string_view data = requireString("string.unpack", args, 1, line).view();
+  std::string_view format = requireString("string.unpack", args, 0, site).view();
+  const std::string_view data = requireString("string.unpack", args, 1, site).view();
   const std::int64_t position =
-      args.size() > 2 ? requireInteger("string.unpack", args, 2, line) : 1;
+      args.size() > 2 ? requireInteger("string.unpack", args, 2, site) : 1;
 
   // The list of results stands outside the interpreter's memory and doubles as it grows.
   const std::size_t mostResults = std::min(format.size() / 2, data.size() / kFieldBytes) + 1;
@@ -169,11 +168,11 @@ MultiValue stringUnpack(LuaVM& vm, ValueSpan args, unsigned line) {
       bigEndian = token == '>';
     } else if (token == 'I') {
       if (takeFieldWidth(format) != kFieldBytes) {
-        failRuntime(line, "TarvelLua only supports string.unpack I4 fields");
+        failRuntime(site, "TarvelLua only supports string.unpack I4 fields");
       }
-      results.push(Value(takeField(data, offset, bigEndian, line)));
+      results.push(Value(takeField(data, offset, bigEndian, site)));
     } else if (!isWhiteSpace(token)) {
-      failRuntime(line, "unsupported string.unpack format");
+      failRuntime(site, "unsupported string.unpack format");
     }
   }
   results.push(Value(static_cast<std::int64_t>(offset + 1)));

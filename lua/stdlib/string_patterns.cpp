@@ -20,9 +20,9 @@ namespace tarvel::lua::internal {
 namespace {
 
 // Positions before the subject are its start; they do not count from the end, unlike in string.sub.
-std::size_t requireInit(const char* name, ValueSpan args, std::size_t index, unsigned line) {
+std::size_t requireInit(const char* name, ValueSpan args, std::size_t index, Site site) {
   if (!isGiven(args, index)) return 0;
-  const std::int64_t init = requireInteger(name, args, index, line);
+  const std::int64_t init = requireInteger(name, args, index, site);
   return static_cast<std::size_t>(std::max<std::int64_t>(init, 1) - 1);
 }
 
@@ -47,11 +47,11 @@ void forEachMatch(const PatternSearcher& searcher, std::string_view subject, Vis
 
 }  // namespace
 
-MultiValue stringFind(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringFind(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.find", args.size(), 2, 4);
-  const StringObject& subject = requireString("string.find", args, 0, line);
-  StringObject& pattern = requireString("string.find", args, 1, line);
-  const std::size_t init = requireInit("string.find", args, 2, line);
+  const StringObject& subject = requireString("string.find", args, 0, site);
+  StringObject& pattern = requireString("string.find", args, 1, site);
+  const std::size_t init = requireInit("string.find", args, 2, site);
   const bool plain = isGiven(args, 3) && args[3].isTruthy();
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   PatternMatch match;
@@ -65,11 +65,11 @@ MultiValue stringFind(LuaVM& vm, ValueSpan args, unsigned line) {
   return results;
 }
 
-MultiValue stringMatch(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringMatch(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.match", args.size(), 2, 3);
-  const StringObject& subject = requireString("string.match", args, 0, line);
-  StringObject& pattern = requireString("string.match", args, 1, line);
-  const std::size_t init = requireInit("string.match", args, 2, line);
+  const StringObject& subject = requireString("string.match", args, 0, site);
+  StringObject& pattern = requireString("string.match", args, 1, site);
+  const std::size_t init = requireInit("string.match", args, 2, site);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   PatternMatch match;
   if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, false, match)) {
@@ -85,10 +85,10 @@ MultiValue stringMatch(LuaVM& vm, ValueSpan args, unsigned line) {
 
 // All matches are found here, so the loop sees the subject as it is now and a pattern that fails
 // does so in this call.
-MultiValue stringGmatch(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringGmatch(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.gmatch", args.size(), 2, 2);
-  const StringObject& subject = requireString("string.gmatch", args, 0, line);
-  StringObject& pattern = requireString("string.gmatch", args, 1, line);
+  const StringObject& subject = requireString("string.gmatch", args, 0, site);
+  StringObject& pattern = requireString("string.gmatch", args, 1, site);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const PatternSearcher searcher(*interpreter.patterns, pattern);
   ValueList items(interpreter.heap);
@@ -105,10 +105,10 @@ MultiValue stringGmatch(LuaVM& vm, ValueSpan args, unsigned line) {
 
 // The replacement goes in as it is: nothing in it is expanded, and a function or table is not asked
 // but rendered.
-MultiValue stringGsub(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue stringGsub(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.gsub", args.size(), 3, 3);
-  const std::string_view subject = requireString("string.gsub", args, 0, line).view();
-  StringObject& pattern = requireString("string.gsub", args, 1, line);
+  const std::string_view subject = requireString("string.gsub", args, 0, site).view();
+  StringObject& pattern = requireString("string.gsub", args, 1, site);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const PatternSearcher searcher(*interpreter.patterns, pattern);
   const PrintableText replacement(args[2]);
@@ -116,7 +116,7 @@ MultiValue stringGsub(LuaVM& vm, ValueSpan args, unsigned line) {
   std::size_t copied = 0;  // bytes of the subject
   std::int64_t count = 0;
   forEachMatch(searcher, subject, [&](const PatternMatch& match) {
-    if (!text) text.emplace(interpreter.heap, subject.size(), line);
+    if (!text) text.emplace(interpreter.heap, subject.size(), site);
     text->append(subject.substr(copied, match.start - copied));
     text->append(replacement.view());
     copied = match.end;

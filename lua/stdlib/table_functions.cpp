@@ -38,12 +38,12 @@ Value takeOut(Table& table, std::int64_t position, std::int64_t length) {
 
 }  // namespace
 
-MultiValue tableRemove(LuaVM&, ValueSpan args, unsigned line) {
+MultiValue tableRemove(LuaVM&, ValueSpan args, Site site) {
   requireArgumentCount("table.remove", args.size(), 1, 2);
-  Table& table = requireTable("table.remove", args, 0, line);
+  Table& table = requireTable("table.remove", args, 0, site);
   const std::int64_t length = table.length();
   const std::int64_t position =
-      isGiven(args, 1) ? requireInteger("table.remove", args, 1, line) : length;
+      isGiven(args, 1) ? requireInteger("table.remove", args, 1, site) : length;
   if (position < 1 || position > length) return MultiValue(Value());
   return MultiValue(takeOut(table, position, length));
 }
@@ -61,9 +61,9 @@ std::size_t expectedLength(const Value& value) noexcept {
 
 }  // namespace
 
-MultiValue tableConcat(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue tableConcat(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.concat", args.size(), 1, 2);
-  Table& table = requireTable("table.concat", args, 0, line);
+  Table& table = requireTable("table.concat", args, 0, site);
   const PrintableText separatorText(args.size() > 1 ? args[1] : Value());
   const std::string_view separator = args.size() > 1 ? separatorText.view() : std::string_view();
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
@@ -73,9 +73,9 @@ MultiValue tableConcat(LuaVM& vm, ValueSpan args, unsigned line) {
   std::size_t length = expectedLength(table.getInteger(1));
   for (std::int64_t key = 2; key <= count; ++key) {
     length += separator.size() + expectedLength(table.getInteger(key));
-    if (length > StringObject::kMaximumLength) failNotEnoughMemory(line);
+    if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
   }
-  TextBuilder joined(interpreter.heap, length, line);
+  TextBuilder joined(interpreter.heap, length, site);
   joined.append(table.getInteger(1));
   for (std::int64_t key = 2; key <= count; ++key) {
     joined.append(separator);
@@ -159,12 +159,12 @@ void sortInDefaultOrder(Value* first, Value* last) {
 }  // namespace
 
 // Equal elements may change places. An error leaves the table as it was.
-MultiValue tableSort(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.sort", args.size(), 1, 2);
-  Table& table = requireTable("table.sort", args, 0, line);
+  Table& table = requireTable("table.sort", args, 0, site);
   const bool hasComparator = isGiven(args, 1);
   if (hasComparator && !args[1].isFunction()) {
-    failRuntime(line, "table.sort comparator must be a function");
+    failRuntime(site, "table.sort comparator must be a function");
   }
   const std::int64_t count = table.length();
   if (count < 2) return MultiValue();
@@ -180,7 +180,7 @@ MultiValue tableSort(LuaVM& vm, ValueSpan args, unsigned line) {
   const SortedOrder order(interpreter.heap, &elements.element(0), static_cast<std::size_t>(count));
   if (hasComparator) {
     introspectiveSort(order.begin(), order.end(), [&](const Value& a, const Value& b) {
-      return interpreter.callPredicate(args[1], a, b, line);
+      return interpreter.callPredicate(args[1], a, b, site);
     });
   } else {
     sortInDefaultOrder(order.begin(), order.end());

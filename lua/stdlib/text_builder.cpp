@@ -7,18 +7,18 @@
 
 namespace tarvel::lua::internal {
 
-void failNotEnoughMemory(unsigned line) { failRuntime(line, "not enough memory"); }
+void failNotEnoughMemory(Site site) { failRuntime(site, "not enough memory", FailureKind::Memory); }
 
-StringObject* createText(Heap& heap, std::size_t length, unsigned line) {
+StringObject* createText(Heap& heap, std::size_t length, Site site) {
   try {
     return StringObject::createUninitialized(heap, length);
   } catch (const std::bad_alloc&) {
-    failNotEnoughMemory(line);
+    failNotEnoughMemory(site);
   }
 }
 
-TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, unsigned line)
-    : heap_(heap), line_(line), text_(createText(heap, expectedLength, line)) {
+TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, Site site)
+    : heap_(heap), site_(site), text_(createText(heap, expectedLength, site)) {
   text_.string->length = 0;
 }
 
@@ -26,7 +26,7 @@ void TextBuilder::append(std::string_view bytes) {
   try {
     text_.string = StringObject::reserveInPlace(heap_, text_.string, bytes.size());
   } catch (const std::bad_alloc&) {
-    failNotEnoughMemory(line_);
+    failNotEnoughMemory(site_);
   }
   text_.string->append(bytes);
 }

@@ -6,15 +6,16 @@
 
 #include "lua/value/heap.h"
 #include "lua/value/string_object.h"
+#include "lua/value/errors.h"
 #include "lua/value/value.h"
 
 namespace tarvel::lua::internal {
 
-[[noreturn]] void failNotEnoughMemory(unsigned line);
+[[noreturn]] void failNotEnoughMemory(Site site);
 
 // A string of `length` bytes for the caller to fill in, owned. Raises "not enough memory" at
-// `line`.
-StringObject* createText(Heap& heap, std::size_t length, unsigned line);
+// `site`.
+StringObject* createText(Heap& heap, std::size_t length, Site site);
 
 // A string that a library function puts together piece by piece. It grows in the interpreter's own
 // memory, so a text that cannot be held raises "not enough memory" at the line of the call instead
@@ -23,7 +24,7 @@ class TextBuilder {
  public:
   // `expectedLength` is a guess that saves growing; whoever knows the length exactly gets a string
   // without spare room.
-  TextBuilder(Heap& heap, std::size_t expectedLength, unsigned line);
+  TextBuilder(Heap& heap, std::size_t expectedLength, Site site);
   ~TextBuilder() { drop(text_); }
   TextBuilder(const TextBuilder&) = delete;
   TextBuilder& operator=(const TextBuilder&) = delete;
@@ -38,7 +39,7 @@ class TextBuilder {
 
  private:
   Heap& heap_;
-  unsigned line_;
+  Site site_;
   Value text_;
   std::string rendering_;
 };

@@ -11,12 +11,14 @@ thread_local std::int32_t protectedCallDepth = 0;
 
 }  // namespace
 
-void failRuntime(unsigned line, const std::string& message) {
-  if (protectedCallDepth < 1) throw RuntimeError(message, line, true);
-  throw ProtectedRuntimeError{message, line, true};
+void failRuntime(Site site, const std::string& message, FailureKind kind) {
+  if (protectedCallDepth < 1) throw RuntimeError(message, site, true, kind);
+  throw ProtectedRuntimeError{message, site, true, kind};
 }
 
-void failRuntime(unsigned line, const char* message) { failRuntime(line, std::string(message)); }
+void failRuntime(Site site, const char* message, FailureKind kind) {
+  failRuntime(site, std::string(message), kind);
+}
 
 void unreachable(const char* message) { throw std::runtime_error(message); }
 

@@ -8,23 +8,42 @@
 
 namespace tarvel::lua::internal {
 
+// The number of a place in a script's text. Nodes carry one, and functions of the library get that
+// of their call and pass it on unseen; what it stands for is looked up when a failure is reported.
+using Site = std::uint32_t;
+
+// What kind of failure a script error is for the host. Scripts see no difference.
+enum class FailureKind : std::uint8_t {
+  Script,  // of the script or of a library function
+  Host,    // a std::exception that a function of the host threw
+  Stack,   // calls nested too deeply
+  Memory,  // not enough memory
+};
+
 // A script error raised outside any pcall.
 class RuntimeError : public std::runtime_error {
  public:
-  RuntimeError(const std::string& text, unsigned errorLine, bool located)
-      : std::runtime_error(text), message(text), line(errorLine), hasLocation(located) {}
+  RuntimeError(const std::string& text, Site errorSite, bool located,
+               FailureKind failureKind = FailureKind::Script)
+      : std::runtime_error(text),
+        message(text),
+        site(errorSite),
+        hasLocation(located),
+        kind(failureKind) {}
 
   std::string message;  // all of it; what() ends at the first zero byte
-  unsigned line;        // 1-based
+  Site site;
   bool hasLocation;
+  FailureKind kind;
 };
 
 // A script error raised while a pcall is active. Not a standard exception, so that no handler for
 // those between the error and the pcall can take it.
 struct ProtectedRuntimeError {
   std::string message;
-  unsigned line;  // 1-based
+  Site site;
   bool hasLocation;
+  FailureKind kind;
 };
 
 // os.exit on its way to the run's start; pcall lets it pass.
@@ -32,12 +51,23 @@ struct ExitSignal {
   std::int32_t code;
 };
 
-// Raises a script error at a line of the running chunk. The message never contains the location;
+// The end of a run that used up its steps or its time, or was stopped, on its way to the run's
+// start; pcall lets it pass.
+struct StopSignal {
+  enum class Reason : std::uint8_t { Steps, Time, Request };
+
+  Reason reason;
+  Site site;  // what was about to be executed
+};
+
+// Raises a script error at a place of the running chunk. The message never contains the location;
 // that is added once, where the failure is reported.
-[[noreturn]] void failRuntime(unsigned line, const std::string& message);
+[[noreturn]] void failRuntime(Site site, const std::string& message,
+                              FailureKind kind = FailureKind::Script);
 
 // "attempt to <action> a <kind> value" and the like are built here, away from the hot paths.
-[[noreturn]] void failRuntime(unsigned line, const char* message);
+[[noreturn]] void failRuntime(Site site, const char* message,
+                              FailureKind kind = FailureKind::Script);
 
 // Raises a std::runtime_error: the interpreter itself is wrong, for a well-formed tree never gets
 // here. Ends switches over operators and kinds of nodes, so that one that is new and forgotten

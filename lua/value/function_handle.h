@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "lua/value/errors.h"
 #include "lua/value/heap_resource.h"
 #include "lua/value/multi_value.h"
 #include "lua/value/value.h"
@@ -14,9 +15,9 @@ namespace tarvel::lua::internal {
 struct FunctionExpr;
 class Heap;
 
-// A function of the library or the host. `line` is the line of the call, 1-based. The arguments are
+// A function of the library or the host. `site` is that of the call. The arguments are
 // borrowed; the results are owned by the caller. Failure is an exception, never a result.
-using NativeFunction = std::function<MultiValue(LuaVM&, ValueSpan arguments, unsigned line)>;
+using NativeFunction = std::function<MultiValue(LuaVM&, ValueSpan arguments, Site site)>;
 
 // What function values share: a script's syntax tree, or one native function.
 struct FunctionCode : HeapResource {

@@ -22,14 +22,16 @@ void Heap::removeOwner() noexcept {
 // ---- Counting memory ----------------------------------------------------------------------------
 
 bool Heap::tryCharge(std::size_t bytes) noexcept {
+  if (chargedBytes_ > memoryLimit_ || bytes > memoryLimit_ - chargedBytes_) return false;
   if (!takeMemory(bytes)) return false;
   chargedBytes_ += bytes;
+  peakBytes_ = std::max(peakBytes_, chargedBytes_);
   return true;
 }
 
 void Heap::charge(std::size_t bytes) {
   if (tryCharge(bytes)) return;
-  if (canEverTakeMemory(bytes)) reclaimSlabs();
+  if (bytes <= memoryLimit_ && canEverTakeMemory(bytes)) reclaimSlabs();
   if (!tryCharge(bytes)) throw std::bad_alloc();
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "lua/value/heap_resource.h"
+#include "lua/value/work_meter.h"
 
 namespace tarvel::lua::internal {
 
@@ -89,6 +90,16 @@ class Heap {
     discharge(bytes);
   }
 
+  // Bounds what this heap alone may take, in bytes; 0 for no bound but the process's. What it has
+  // already stays.
+  void limitMemory(std::size_t bytes) noexcept { memoryLimit_ = bytes == 0 ? SIZE_MAX : bytes; }
+  std::size_t heldMemory() const noexcept { return chargedBytes_; }
+  std::size_t peakMemory() const noexcept { return peakBytes_; }
+
+  // The work of the interpreter, which the heap holds because every object can find its heap.
+  WorkMeter& meter() noexcept { return meter_; }
+  const WorkMeter& meter() const noexcept { return meter_; }
+
   // Of all heaps of the process; counted in checked builds only, 0 otherwise. The blocks that are
   // allocated and not released, and those that nothing had released when their heap ended: parts of
   // circles, or references that were lost.
@@ -137,6 +148,9 @@ class Heap {
   ResourceLink openResources_;
   ResourceLink closedResources_;
   std::size_t chargedBytes_ = 0;  // this heap's part of what the process has taken
+  std::size_t peakBytes_ = 0;     // the most that was charged
+  std::size_t memoryLimit_ = SIZE_MAX;
+  WorkMeter meter_;
   std::size_t owners_ = 1;
 };
 

@@ -23,6 +23,7 @@ ValueStack::ValueStack() {
     // Fresh pages are all zero, which is nil.
     base_ = static_cast<Value*>(memory);
     end_ = base_ + bytes / sizeof(Value);
+    limit_ = end_;
     softLimit_ = base_;
     top_ = base_;
     return;
@@ -32,12 +33,17 @@ ValueStack::ValueStack() {
 
 ValueStack::~ValueStack() { munmap(base_, static_cast<std::size_t>(end_ - base_) * sizeof(Value)); }
 
+void ValueStack::limitFrames(std::size_t bytes) noexcept {
+  const std::size_t slots = bytes / sizeof(Value);
+  limit_ = bytes == 0 || slots > static_cast<std::size_t>(end_ - base_) ? end_ : base_ + slots;
+}
+
 bool ValueStack::makeRoom(const Value* end, std::uint32_t hostBytes) noexcept {
   if (hostStackPointer() < hostFloor_ + hostBytes) return false;
   if (end <= softLimit_) return true;
-  if (end > end_) return false;
+  if (end > limit_) return false;
   const std::ptrdiff_t steps = (end - base_ + kLimitStep - 1) / kLimitStep;
-  softLimit_ = std::min(end_, base_ + steps * kLimitStep);
+  softLimit_ = std::min(limit_, base_ + steps * kLimitStep);
   return true;
 }
 

@@ -31,6 +31,10 @@ class ValueStack {
   // As hasRoom, raising the soft limit as needed; false when the stack is exhausted.
   bool makeRoom(const Value* end, std::uint32_t hostBytes) noexcept;
 
+  // Bounds the frames together, in bytes; 0 for no bound but the reservation. Those that stand
+  // already stay.
+  void limitFrames(std::size_t bytes) noexcept;
+
   // Every frame has at most as many slots as the largest one announced here.
   void announceFrame(std::uint32_t slots) noexcept {
     if (slots > largestFrame_) largestFrame_ = slots;
@@ -67,6 +71,7 @@ class ValueStack {
  private:
   Value* base_ = nullptr;
   Value* end_ = nullptr;
+  Value* limit_ = nullptr;  // frames end here at the latest
   Value* softLimit_ = nullptr;
   Value* top_ = nullptr;
   std::uintptr_t hostFloor_ = 0;

@@ -27,14 +27,14 @@ constexpr const char* kFailedToWrite = "failed to write file";
 // Runs `action` with the file that is the receiver. What the file throws becomes the script's
 // error.
 template <class Action>
-MultiValue withOpenFile(const char* name, ValueSpan args, unsigned line, const Action& action) {
-  NativeObject& object = requireUserData(name, args, 0, line, NativeObject::Kind::File);
+MultiValue withOpenFile(const char* name, ValueSpan args, Site site, const Action& action) {
+  NativeObject& object = requireUserData(name, args, 0, site, NativeObject::Kind::File);
   FileHandle& handle = static_cast<FileHandle&>(*object.handle);
-  if (handle.file == nullptr) failRuntime(line, "file is not open");
+  if (handle.file == nullptr) failRuntime(site, "file is not open");
   try {
     return action(handle);
   } catch (const FileError& error) {
-    failRuntime(line, error.what());
+    failRuntime(site, error.what());
   }
 }
 
@@ -44,9 +44,9 @@ void writeArguments(ValueSpan args, std::size_t first, const Writer& write) {
   for (std::size_t i = first; i < args.size(); ++i) write(PrintableText(args[i]).view());
 }
 
-void writeToStream(StreamHandle::Writer stream, ValueSpan args, std::size_t first, unsigned line) {
-  writeArguments(args, first, [stream, line](std::string_view text) {
-    if (!stream(text)) failRuntime(line, kFailedToWrite);
+void writeToStream(StreamHandle::Writer stream, ValueSpan args, std::size_t first, Site site) {
+  writeArguments(args, first, [stream, site](std::string_view text) {
+    if (!stream(text)) failRuntime(site, kFailedToWrite);
   });
 }
 
@@ -58,7 +58,7 @@ struct ReadRequest {
   std::uint64_t count = 0;
 };
 
-ReadRequest requireReadRequest(ValueSpan args, unsigned line) {
+ReadRequest requireReadRequest(ValueSpan args, Site site) {
   if (args.size() < 2) return {'l'};
   if (args[1].isNumber()) {
     const std::int64_t count = args[1].asInteger();
@@ -68,81 +68,81 @@ ReadRequest requireReadRequest(ValueSpan args, unsigned line) {
     if (format.starts_with('*')) format.remove_prefix(1);
     if (format == "a" || format == "l" || format == "L" || format == "n") return {format[0]};
   }
-  failRuntime(line, "invalid read format");
+  failRuntime(site, "invalid read format");
 }
 
-Value readRequested(LuaVM& vm, BufferedFile& file, ReadRequest request, unsigned line) {
+Value readRequested(LuaVM& vm, BufferedFile& file, ReadRequest request, Site site) {
   switch (request.format) {
     case 'a':
-      return readRest(vm, file, line);
+      return readRest(vm, file, site);
     case 'n':
-      return readNumber(vm, file, line);
+      return readNumber(vm, file, site);
     case ReadRequest::kBytes:
-      return readBytes(vm, file, request.count, line);
+      return readBytes(vm, file, request.count, site);
     default:
-      return readLine(vm, file, request.format == 'L', line);
+      return readLine(vm, file, request.format == 'L', site);
   }
 }
 
-MultiValue fileRead(LuaVM& vm, ValueSpan args, unsigned line) {  // file:read
+MultiValue fileRead(LuaVM& vm, ValueSpan args, Site site) {  // file:read
   requireArgumentCount("file:read", args.size(), 1, 2);
-  return withOpenFile("file:read", args, line, [&](FileHandle& handle) {
-    const ReadRequest request = requireReadRequest(args, line);
+  return withOpenFile("file:read", args, site, [&](FileHandle& handle) {
+    const ReadRequest request = requireReadRequest(args, site);
     handle.file->startReading();
-    return MultiValue(readRequested(vm, *handle.file, request, line));
+    return MultiValue(readRequested(vm, *handle.file, request, site));
   });
 }
 
-MultiValue fileWrite(LuaVM&, ValueSpan args, unsigned line) {  // file:write
+MultiValue fileWrite(LuaVM&, ValueSpan args, Site site) {  // file:write
   requireArgumentCount("file:write", args.size(), 2, kAnyCount);
-  return withOpenFile("file:write", args, line, [args](FileHandle& handle) {
+  return withOpenFile("file:write", args, site, [args](FileHandle& handle) {
     writeArguments(args, 1, [&handle](std::string_view text) { handle.file->write(text); });
     return MultiValue(retain(args[0]));
   });
 }
 
-int requireWhence(ValueSpan args, unsigned line) {
+int requireWhence(ValueSpan args, Site site) {
   if (args.size() < 2) return SEEK_CUR;
-  const std::string_view name = requireString("file:seek", args, 1, line).view();
+  const std::string_view name = requireString("file:seek", args, 1, site).view();
   if (name == "set") return SEEK_SET;
   if (name == "cur") return SEEK_CUR;
   if (name == "end") return SEEK_END;
-  failRuntime(line, "invalid seek mode");
+  failRuntime(site, "invalid seek mode");
 }
 
-MultiValue fileSeek(LuaVM&, ValueSpan args, unsigned line) {  // file:seek
+MultiValue fileSeek(LuaVM&, ValueSpan args, Site site) {  // file:seek
   requireArgumentCount("file:seek", args.size(), 1, 3);
-  return withOpenFile("file:seek", args, line, [args, line](FileHandle& handle) {
-    const int whence = requireWhence(args, line);
-    const std::int64_t offset = args.size() < 3 ? 0 : requireInteger("file:seek", args, 2, line);
+  return withOpenFile("file:seek", args, site, [args, site](FileHandle& handle) {
+    const int whence = requireWhence(args, site);
+    const std::int64_t offset = args.size() < 3 ? 0 : requireInteger("file:seek", args, 2, site);
     const std::optional<std::int64_t> position = handle.file->seek(offset, whence);
-    if (!position) failRuntime(line, "seek failed");
+    if (!position) failRuntime(site, "seek failed");
     return MultiValue(Value(*position));
   });
 }
 
-MultiValue fileClose(LuaVM&, ValueSpan args, unsigned line) {  // file:close
+MultiValue fileClose(LuaVM&, ValueSpan args, Site site) {  // file:close
   requireArgumentCount("file:close", args.size(), 1, 1);
-  return withOpenFile("file:close", args, line, [](FileHandle& handle) {
+  return withOpenFile("file:close", args, site, [](FileHandle& handle) {
     const std::unique_ptr<BufferedFile> file = std::move(handle.file);
     file->close();
     return MultiValue(Value(true));
   });
 }
 
-MultiValue streamWrite(LuaVM&, ValueSpan args, unsigned line) {  // stream:write
+MultiValue streamWrite(LuaVM&, ValueSpan args, Site site) {  // stream:write
   requireArgumentCount("stream:write", args.size(), 2, kAnyCount);
-  NativeObject& object = requireUserData("stream:write", args, 0, line, NativeObject::Kind::Stream);
+  NativeObject& object = requireUserData("stream:write", args, 0, site, NativeObject::Kind::Stream);
   const StreamHandle& stream = static_cast<const StreamHandle&>(*object.handle);
-  if (stream.write == nullptr) failRuntime(line, "stream is not available");
-  writeToStream(stream.write, args, 1, line);
+  if (stream.write == nullptr) failRuntime(site, "stream is not available");
+  writeToStream(stream.write, args, 1, site);
   return MultiValue(retain(args[0]));
 }
 
 struct Method {
   std::string_view field;
   const char* name;
-  MultiValue (*function)(LuaVM&, ValueSpan, unsigned);
+  MultiValue (*function)(LuaVM&, ValueSpan, Site);
 };
 
 // A stream has the file methods, too, which then refuse it.
@@ -166,11 +166,11 @@ const Method* findMethod(NativeObject::Kind kind, std::string_view field) noexce
 }  // namespace
 
 // Failing to open is a result, not an error.
-MultiValue ioOpen(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue ioOpen(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("io.open", args.size(), 1, 2);
-  const std::string path(requireString("io.open", args, 0, line).view());
+  const std::string path(requireString("io.open", args, 0, site).view());
   const std::string_view letters =
-      isGiven(args, 1) ? requireString("io.open", args, 1, line).view() : "r";
+      isGiven(args, 1) ? requireString("io.open", args, 1, site).view() : "r";
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   std::unique_ptr<BufferedFile> file = BufferedFile::open(path, OpenMode::fromLetters(letters));
   if (file == nullptr) {
@@ -181,9 +181,9 @@ MultiValue ioOpen(LuaVM& vm, ValueSpan args, unsigned line) {
                                  std::make_unique<FileHandle>(interpreter.heap, std::move(file)))));
 }
 
-MultiValue ioWrite(LuaVM& vm, ValueSpan args, unsigned line) {
+MultiValue ioWrite(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("io.write", args.size(), 1, kAnyCount);
-  writeToStream(writeStandardOutput, args, 0, line);
+  writeToStream(writeStandardOutput, args, 0, site);
   return MultiValue(retain(LuaVM::Impl::of(vm).standard.output.get()));
 }
 

@@ -20,8 +20,8 @@ Value takeString(LuaVM& vm, BufferedFile& file, std::size_t length, std::size_t 
 }
 
 // For a line that fills the whole buffer.
-Value readLongLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, unsigned line) {
-  TextBuilder text(LuaVM::Impl::of(vm).heap, 2 * BufferedFile::kBufferBytes, line);
+Value readLongLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, Site site) {
+  TextBuilder text(LuaVM::Impl::of(vm).heap, 2 * BufferedFile::kBufferBytes, site);
   do {
     const std::string_view arrived = file.unread();
     const std::size_t feed = arrived.find('\n');
@@ -38,8 +38,8 @@ Value readLongLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, unsigned li
 
 }  // namespace
 
-Value readRest(LuaVM& vm, BufferedFile& file, unsigned line) {
-  TextBuilder text(LuaVM::Impl::of(vm).heap, file.estimateRest(), line);
+Value readRest(LuaVM& vm, BufferedFile& file, Site site) {
+  TextBuilder text(LuaVM::Impl::of(vm).heap, file.estimateRest(), site);
   do {
     text.append(file.unread());
     file.consume(file.unread().size());
@@ -47,7 +47,7 @@ Value readRest(LuaVM& vm, BufferedFile& file, unsigned line) {
   return text.take();
 }
 
-Value readLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, unsigned line) {
+Value readLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, Site site) {
   for (;;) {
     const std::string_view arrived = file.unread();
     const std::size_t feed = arrived.find('\n');
@@ -55,7 +55,7 @@ Value readLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, unsigned line) 
       return takeString(vm, file, feed + (keepLineFeed ? 1 : 0), feed + 1);
     }
     if (arrived.size() == BufferedFile::kBufferBytes) {
-      return readLongLine(vm, file, keepLineFeed, line);
+      return readLongLine(vm, file, keepLineFeed, site);
     }
     if (!file.readMore()) {
       return arrived.empty() ? Value() : takeString(vm, file, arrived.size(), arrived.size());
@@ -63,11 +63,11 @@ Value readLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, unsigned line) 
   }
 }
 
-Value readBytes(LuaVM& vm, BufferedFile& file, std::uint64_t count, unsigned line) {
+Value readBytes(LuaVM& vm, BufferedFile& file, std::uint64_t count, Site site) {
   if (isAtEnd(file)) return Value();
   if (count <= file.unread().size()) return takeString(vm, file, count, count);
   TextBuilder text(LuaVM::Impl::of(vm).heap, std::min<std::uint64_t>(count, file.estimateRest()),
-                   line);
+                   site);
   do {
     const std::string_view piece = file.unread().substr(0, count);
     text.append(piece);
@@ -87,8 +87,8 @@ constexpr std::size_t kUsualNumberLength = 32;  // bytes
 // is looked at in the buffer, up to three bytes ahead.
 class NumberScanner {
  public:
-  NumberScanner(LuaVM& vm, BufferedFile& file, unsigned line)
-      : file_(file), text_(LuaVM::Impl::of(vm).heap, kUsualNumberLength, line) {}
+  NumberScanner(LuaVM& vm, BufferedFile& file, Site site)
+      : file_(file), text_(LuaVM::Impl::of(vm).heap, kUsualNumberLength, site) {}
 
   // The text, owned, or nil.
   Value scan() {
@@ -137,9 +137,9 @@ class NumberScanner {
 
 }  // namespace
 
-Value readNumber(LuaVM& vm, BufferedFile& file, unsigned line) {
-  const OwnedValue text(NumberScanner(vm, file, line).scan());
-  return baseToNumber(vm, ValueSpan(&text.get(), 1), line).first();
+Value readNumber(LuaVM& vm, BufferedFile& file, Site site) {
+  const OwnedValue text(NumberScanner(vm, file, site).scan());
+  return baseToNumber(vm, ValueSpan(&text.get(), 1), site).first();
 }
 
 }  // namespace tarvel::lua::internal

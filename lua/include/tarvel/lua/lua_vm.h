@@ -1,12 +1,13 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <tarvel/lua/lua_error.h>
+#include <tarvel/lua/lua_export.h>
+#include <tarvel/lua/lua_options.h>
+#include <tarvel/lua/lua_value.h>
+
 #include <functional>
 #include <memory>
 #include <string>
-#include <unordered_map>
-#include <variant>
 #include <vector>
 
 // TarvelLua: an interpreter for a small dialect of Lua, to be embedded in a C++ program.
@@ -25,106 +26,8 @@
 
 namespace tarvel::lua {
 
-// A function of a script or of the library that crossed to the host. The host can name it, keep it,
-// and hand it back to the interpreter it came from; the interpreter then sees the very same
-// function. It may outlive its LuaVM; then it only has its name.
-class LuaFunctionHandle : public std::enable_shared_from_this<LuaFunctionHandle> {
- public:
-  ~LuaFunctionHandle();
-  LuaFunctionHandle(const LuaFunctionHandle&) = delete;
-  LuaFunctionHandle& operator=(const LuaFunctionHandle&) = delete;
-
-  // The name under which the function was declared or bound; "<anonymous>" for a function
-  // expression.
-  std::string name() const;
-
-  struct Target;  // what the handle stands for; private to the interpreter
-  explicit LuaFunctionHandle(std::unique_ptr<Target> target);
-  const Target& target() const { return *target_; }
-
- private:
-  std::unique_ptr<Target> target_;
-};
-
-// A value that crosses between host and interpreter: plain data, and functions by handle. Copies
-// share sequences, objects and function handles. Converting a script's value copies it: later
-// changes on one side are not seen on the other.
-struct LuaValue {
-  using Sequence = std::vector<LuaValue>;
-  using Object = std::unordered_map<std::string, LuaValue>;
-
-  enum class Type : std::uint32_t {
-    Nil = 0,
-    Integer = 1,
-    Float = 2,
-    Boolean = 3,
-    String = 4,
-    // The keys 1 to n of a table that has no others. A table with a hole in it, or whose keys
-    // above 64 were not set in ascending order, may come as an object.
-    Sequence = 5,
-    // Any other table; every key as text. Of two keys with one text, such as 1 and "1", the one
-    // that `pairs` reaches last remains. On the way in, keys that are whole decimal integers become
-    // integers; which one of several equal ones remains is not determined.
-    Object = 6,
-    Function = 7,
-  };
-
-  Type type = Type::Nil;  // always the index of the alternative that `data` holds
-  std::variant<std::monostate, std::int64_t, double, bool, std::string, std::shared_ptr<Sequence>,
-               std::shared_ptr<Object>, std::shared_ptr<LuaFunctionHandle>>
-      data;
-
-  LuaValue() = default;  // nil
-  explicit LuaValue(std::int64_t integer);
-  explicit LuaValue(double number);
-  explicit LuaValue(bool boolean);
-  explicit LuaValue(std::string text);
-  explicit LuaValue(const char* text);
-  explicit LuaValue(std::shared_ptr<Sequence> sequence);
-  explicit LuaValue(std::shared_ptr<Object> object);
-  explicit LuaValue(std::shared_ptr<LuaFunctionHandle> function);
-
-  // A copy that fails for want of memory (std::bad_alloc) leaves the target as it was.
-  LuaValue(const LuaValue& other);
-  LuaValue(LuaValue&&) noexcept = default;
-  LuaValue& operator=(const LuaValue& other);
-  LuaValue& operator=(LuaValue&& other) noexcept;
-  // Does not recurse, however deep sequences and objects are nested.
-  ~LuaValue() {
-    if (data.index() == static_cast<std::size_t>(Type::Sequence) ||
-        data.index() == static_cast<std::size_t>(Type::Object)) {
-      releaseContainer();
-    }
-  }
-
-  // As `print` shows it: "{1, 2}" for a sequence, "{1: 5, name: x}" for an object (keys that are
-  // integers first, in ascending order, then the others bytewise), "[function name]" for a
-  // function. Throws std::runtime_error "value cannot be bridged out of TarvelLua" for a value that
-  // is nested too deeply, such as one that contains itself, and "unsupported TarvelLua value" where
-  // a `type` is not the index of its `data`.
-  std::string toString() const;
-
- private:
-  void releaseContainer() noexcept;  // of a sequence or an object
-};
-
-// What one run of a script came to. It owns what it holds and stays valid after the LuaVM is gone.
-struct LuaResult {
-  bool ok = false;  // the run finished without an error
-  // What the script returned: nil, one value, or several as a table with the keys 1, 2, ...: a
-  // sequence, or an object if there is a nil among them; nils at the end are lost.
-  LuaValue value;
-  // "chunk:line: message". The chunk is the one that was run, also where the failing function came
-  // from another one; the line is that of the function's own text. Without chunk and line "value
-  // cannot be bridged out of TarvelLua" when the script returned a file, an iterator, or a table
-  // that contains itself. Empty on success, and where there was no memory even for the message.
-  std::string error;
-  bool exitRequested = false;  // the script called os.exit; `value` is then the code
-  std::int32_t exitCode = 0;   // the code that it passed
-};
-
 // One interpreter with its globals and its standard library.
-class LuaVM {
+class TARVELLUA_API LuaVM {
  public:
   // A function of the host that scripts can call. It gets copies of the arguments and returns one
   // value. What it throws becomes a script error with the exception's text if it is a
@@ -137,8 +40,10 @@ class LuaVM {
   // their runs fail with "the interpreter has ended".
   using HostFunction = std::function<LuaValue(LuaVM&, const std::vector<LuaValue>&)>;
 
-  // Throws std::bad_alloc when there is no memory for an interpreter.
+  // Throws std::bad_alloc when there is no memory for an interpreter, and std::logic_error as
+  // setLimits does.
   LuaVM();
+  explicit LuaVM(const LuaOptions& options);
   // Ends the interpreter: writes out and closes every file that is still open, and releases
   // everything that only this interpreter holds, circles of script objects included. What handles
   // of functions hold stays valid. A LuaVM may be destroyed by a function that its own script is
@@ -163,12 +68,17 @@ class LuaVM {
   // Throws only what a host's function throws that is no std::exception.
   LuaResult runScriptString(const std::string& source, const std::string& chunkName);
 
+  // For the runs that begin from now on. Throws std::logic_error for steps, time or stop in an
+  // interpreter that is not supervised.
+  void setLimits(const LuaLimits& limits);
+  LuaUsage usage() const noexcept;
+
   class Impl;
 
  private:
-  explicit LuaVM(std::shared_ptr<Impl> impl) noexcept;
+  explicit LuaVM(Impl* impl) noexcept;
 
-  std::shared_ptr<Impl> impl_;  // shared with the runs that are active
+  Impl* impl_;  // lives as long as this, and as the runs that are active
 };
 
 }  // namespace tarvel::lua

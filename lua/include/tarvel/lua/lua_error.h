@@ -1,0 +1,123 @@
+#pragma once
+
+#include <tarvel/lua/lua_export.h>
+#include <tarvel/lua/lua_value.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+// What a run, a call or a conversion came to.
+
+namespace tarvel::lua {
+
+// What ended a run, or why a value could not be had.
+struct TARVELLUA_API LuaError {
+  enum class Kind : std::uint32_t {
+    Syntax,   // the text is not well-formed; nothing of it ran
+    Script,   // an error of the script or of a library function
+    Host,     // a std::exception that a function of the host threw
+    Value,    // a value is not of the C++ type that the host asked for
+    Stack,    // calls nested too deeply
+    Memory,   // not enough memory, or more than LuaLimits::memory
+    Steps,    // LuaLimits::steps used up
+    Time,     // LuaLimits::time used up
+    Stopped,  // LuaLimits::stop was requested
+    Exit,     // the script called os.exit; `exitCode` is set
+  };
+  // A call that the error passed through.
+  struct Frame {
+    std::string function;    // "total", "Account:deposit"; "<chunk>" for a script's top level
+    std::string chunk;       // empty for a function of the library or the host
+    std::uint32_t line = 0;  // the line that was being executed there, 1-based; 0 where unknown
+  };
+
+  Kind kind = Kind::Script;
+  std::string message;       // without the location
+  std::string chunk;         // the chunk that the failing code stands in, whoever called it
+  std::uint32_t line = 0;    // 1-based; 0 where unknown
+  std::uint32_t column = 0;  // 1-based, in bytes; 0 where unknown
+  std::int32_t exitCode = 0;
+  // Innermost first, at most 32; empty unless LuaOptions::supervised.
+  std::vector<Frame> trace;
+
+  // "chunk:line: message", for Syntax "chunk:line:column: message"; then one line for each frame.
+  std::string toString() const;
+};
+
+// Thrown only by LuaOutcome::value. Its text is LuaError::toString without the trace.
+class TARVELLUA_API LuaException : public std::runtime_error {
+ public:
+  explicit LuaException(LuaError error);
+  ~LuaException() override;
+  const LuaError& error() const noexcept { return *error_; }
+
+ private:
+  std::shared_ptr<const LuaError> error_;  // shared, because copying an exception must not fail
+};
+
+// A value or an error. T may be void.
+template <class T>
+class [[nodiscard]] LuaOutcome {
+ public:
+  LuaOutcome(T value) : value_(std::move(value)) {}
+  LuaOutcome(LuaError error) : error_(std::make_unique<LuaError>(std::move(error))) {}
+  explicit operator bool() const noexcept { return value_.has_value(); }
+
+  // Only where there is a value.
+  T& operator*() noexcept { return *value_; }
+  const T& operator*() const noexcept { return *value_; }
+  T* operator->() noexcept { return &*value_; }
+  const T* operator->() const noexcept { return &*value_; }
+
+  // Only where there is none.
+  const LuaError& error() const noexcept { return *error_; }
+
+  // For hosts that prefer exceptions: the value, or throws LuaException. The value is moved out.
+  T value() {
+    if (!value_) throw LuaException(*error_);
+    return std::move(*value_);
+  }
+
+ private:
+  std::optional<T> value_;
+  std::unique_ptr<LuaError> error_;
+};
+
+template <>
+class [[nodiscard]] LuaOutcome<void> {
+ public:
+  LuaOutcome() = default;
+  LuaOutcome(LuaError error) : error_(std::make_unique<LuaError>(std::move(error))) {}
+  explicit operator bool() const noexcept { return error_ == nullptr; }
+  const LuaError& error() const noexcept { return *error_; }
+  void value() {
+    if (error_ != nullptr) throw LuaException(*error_);
+  }
+
+ private:
+  std::unique_ptr<LuaError> error_;
+};
+
+// What one run of a script came to. It owns what it holds and stays valid after the LuaVM is gone.
+struct LuaResult {
+  bool ok = false;  // the run finished without an error
+  // What the script returned: nil, one value, or several as a table with the keys 1, 2, ...: a
+  // sequence, or an object if there is a nil among them; nils at the end are lost.
+  LuaValue value;
+  // "chunk:line: message". The chunk is the one that was run, also where the failing function came
+  // from another one; the line is that of the function's own text. Without chunk and line "value
+  // cannot be bridged out of TarvelLua" when the script returned a file, an iterator, or a table
+  // that contains itself. Empty on success, and where there was no memory even for the message.
+  std::string error;
+  bool exitRequested = false;  // the script called os.exit; `value` is then the code
+  std::int32_t exitCode = 0;   // the code that it passed
+  // The same failure as data; null on success, and where there was no memory for it.
+  std::shared_ptr<const LuaError> detail;
+};
+
+}  // namespace tarvel::lua
