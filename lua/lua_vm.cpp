@@ -59,6 +59,19 @@ LuaResult LuaVM::runScriptString(const std::string& source, const std::string& c
   return impl_->run(source, chunkName);
 }
 
+LuaOutcome<LuaFunction> LuaVM::load(std::string_view source, std::string_view chunkName,
+                                    std::initializer_list<std::string_view> parameters) {
+  bridge::Call call(*this);
+  try {
+    call.load(source, chunkName, {parameters.begin(), parameters.size()});
+    LuaFunction function;
+    call.result(0).read(function);
+    return function;
+  } catch (...) {
+    return call.failure();
+  }
+}
+
 void LuaVM::setLimits(const LuaLimits& limits) { impl_->setLimits(limits); }
 
 LuaUsage LuaVM::usage() const noexcept { return impl_->usage(); }
@@ -143,7 +156,7 @@ class RunScope {
       : stack_(stack),
         mark_(destruction_.isNested() ? stack.markBeyondFrames() : stack.mark()),
         exit_(exit) {
-    stack_.enterThread();
+    stack_.enterThread(hostStack_.floor());
   }
   ~RunScope() {
     stack_.unwindTo(mark_);
@@ -162,6 +175,10 @@ class RunScope {
 
 }  // namespace
 
+void LuaVM::Impl::requireLife() const {
+  if (ended_) throw std::runtime_error("the interpreter has ended");
+}
+
 LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
   LuaResult outOfMemory;
   try {
@@ -177,7 +194,7 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
 LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
   std::optional<RunScope> scope(std::in_place, stack, exit_);
   try {
-    if (ended_) throw std::runtime_error("the interpreter has ended");
+    requireLife();
     if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
       throw RuntimeError("stack overflow", 1, true, internal::FailureKind::Stack);
     MultiValue results;
@@ -198,16 +215,18 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
   }
 }
 
+LuaValue LuaVM::Impl::resultsToPublic(internal::ValueSpan results) const {
+  if (results.empty()) return LuaValue();
+  if (results.size() == 1) return valueToPublic(results[0]);
+  const OwnedValue list(Value(Table::create(heap, static_cast<std::uint32_t>(results.size()))));
+  std::int64_t key = 0;
+  for (const Value& value : results) list.get().table->setInteger(++key, retain(value));
+  return valueToPublic(list.get());
+}
+
 LuaResult LuaVM::Impl::makeSuccess(const MultiValue& results) const {
   LuaResult result;
-  if (results.size() == 1) {
-    result.value = valueToPublic(results[0]);
-  } else if (results.size() > 1) {
-    const OwnedValue list(Value(Table::create(heap, static_cast<std::uint32_t>(results.size()))));
-    std::int64_t key = 0;
-    for (const Value& value : results.span()) list.get().table->setInteger(++key, retain(value));
-    result.value = valueToPublic(list.get());
-  }
+  result.value = resultsToPublic(results.span());
   result.ok = true;
   result.exitRequested = exit_.isMade;
   result.exitCode = exit_.code;

@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "lua/record_keys.h"
 #include "lua/value/errors.h"
 #include "lua/value/function_handle.h"
 #include "lua/value/globals.h"
@@ -92,9 +94,27 @@ class LuaVM::Impl {
   static void printPublic(const LuaValue& value, bool (*write)(std::string_view text) noexcept);
   // Lexes, parses, resolves and prepares a chunk for running. Throws std::runtime_error
   // "chunk:line:column: message".
-  internal::ChunkReference parseScript(const std::string& source, const std::string& chunkName);
+  internal::ChunkReference parseScript(const std::string& source, const std::string& chunkName,
+                                       std::span<const std::string_view> parameters = {});
+
+  // The value of a global or, behind points, of a field of tables, borrowed; nil where there is
+  // none.
+  Value findByPath(std::string_view path);
+  // Stores an owned value there, making the tables that are missing. Throws std::runtime_error
+  // where a part of the path but the last is no table.
+  void storeByPath(std::string_view path, Value owned);
+  // A function of the host's under the name that messages show.
+  static internal::NativeFunction nativeOf(std::string name,
+                                           std::shared_ptr<bridge::Callable> function);
+  // What a run or a call returned, as LuaResult::value has it.
+  LuaValue resultsToPublic(internal::ValueSpan results) const;
+  // Throws std::runtime_error when the interpreter has ended.
+  void requireLife() const;
 
   // ---- Evaluator ----
+  // Calls frame[0] with the `count` values behind it, all owned by their slots, and returns all
+  // results as evaluateExpressionMulti does.
+  Value callFrame(Value* frame, std::uint32_t count, Site site);
   // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `site`.
   internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, Site site);
   internal::MultiValue callHandle(internal::FunctionObject* function, internal::ValueSpan arguments,
@@ -104,6 +124,8 @@ class LuaVM::Impl {
   bool callPredicate(const Value& callee, const Value& first, const Value& second, Site site);
   // Runs a chunk's top level as a function without parameters.
   internal::MultiValue runChunk(internal::ResolvedChunk& chunk);
+  // A chunk's top level as a function, owned.
+  Value makeMain(internal::ResolvedChunk& chunk);
   // object[key], owned; both are borrowed.
   Value indexValue(const Value& object, const Value& key, Site site);
   // object:name and object.name, owned. The hint is as in Table::getString.
@@ -133,6 +155,7 @@ class LuaVM::Impl {
   internal::Globals globals;
   internal::StandardObjects standard;
   std::unique_ptr<internal::PatternCache> patterns;
+  internal::RecordKeyCache records;
 
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);

@@ -31,12 +31,13 @@ std::uint32_t nestingLimit() {
 }  // namespace internal
 
 internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
-                                                  const std::string& chunkName) {
+                                                  const std::string& chunkName,
+                                                  std::span<const std::string_view> parameters) {
   internal::ChunkReference chunk(new internal::ResolvedChunk(heap));
   internal::MemoryCharge tokenMemory(heap);
   std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
   internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
-      .parseChunk();
+      .parseChunk(parameters);
   internal::Resolver resolver(*chunk);
   resolver.resolveChunk();
   bindGlobalSlots(resolver.unboundNames());

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "lua/bridge_access.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
 #include "lua/release_scope.h"
@@ -32,25 +33,6 @@ using internal::ValueSpan;
 
 // ---- Functions that crossed ---------------------------------------------------------------------
 
-// Holds a share in the function and in the heap that it lives in, so that it may outlive the
-// interpreter.
-struct LuaFunctionHandle::Target {
-  Target(const Value& borrowed, Heap& functionHeap)
-      : function(OwnedValue::share(borrowed)), heap(functionHeap) {
-    heap.addOwner();
-  }
-  ~Target() {
-    function.get().function->exported = nullptr;
-    function = OwnedValue();
-    heap.removeOwner();
-  }
-  Target(const Target&) = delete;
-  Target& operator=(const Target&) = delete;
-
-  OwnedValue function;
-  Heap& heap;
-};
-
 LuaFunctionHandle::LuaFunctionHandle(std::unique_ptr<Target> target) : target_(std::move(target)) {}
 
 LuaFunctionHandle::~LuaFunctionHandle() {
@@ -62,10 +44,8 @@ std::string LuaFunctionHandle::name() const {
   return std::string(target_->function.get().function->name->view());
 }
 
-namespace {
-
 // An existing handle stands for its function again, so that the host can tell functions apart.
-std::shared_ptr<LuaFunctionHandle> handleOf(const Value& function, Heap& heap) {
+std::shared_ptr<LuaFunctionHandle> internal::handleOf(const Value& function, Heap& heap) {
   LuaFunctionHandle*& exported = function.function->exported;
   if (exported != nullptr) return exported->shared_from_this();
   auto handle = std::make_shared<LuaFunctionHandle>(
@@ -76,14 +56,15 @@ std::shared_ptr<LuaFunctionHandle> handleOf(const Value& function, Heap& heap) {
 
 // ---- Out of the interpreter ---------------------------------------------------------------------
 
-// Keys 1 to n and nothing else.
-bool isSequence(Table& table) noexcept {
+bool internal::isSequence(Table& table) noexcept {
   if (table.liveEntries() > 0) return false;
   for (auto i = static_cast<std::uint32_t>(table.length()); i < table.arraySize(); ++i) {
     if (!table.element(i).isNil()) return false;
   }
   return true;
 }
+
+namespace {
 
 // Copies values for the host. A table that stands in many places is copied as often, so a small
 // script can ask for more than the machine has: while it lives, the copies count as memory of the
@@ -106,12 +87,12 @@ class ToPublic {
         memory_.add(value.string->length);
         return LuaValue(std::string(value.string->view()));
       case ValueKind::Function:
-        return LuaValue(handleOf(value, heap_));
+        return LuaValue(internal::handleOf(value, heap_));
       case ValueKind::Table:
         if (isTooDeep(depth)) failBridgeOut();
         memory_.add(kTableBytes);
-        return isSequence(*value.table) ? writeSequence(*value.table, depth + 1)
-                                        : writeObject(*value.table, depth + 1);
+        return internal::isSequence(*value.table) ? writeSequence(*value.table, depth + 1)
+                                                  : writeObject(*value.table, depth + 1);
       case ValueKind::UserData:
       case ValueKind::Iterator:
         break;

@@ -379,6 +379,10 @@ MultiValue takeResults(Value completion) {
 
 }  // namespace
 
+Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, Site site) {
+  return internal::callAny(*this, frame, count, site);
+}
+
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
   if (!callee.isFunction()) internal::failNotCallable(callee, site);
   return callHandle(callee.function, arguments, site);
@@ -408,11 +412,15 @@ bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const V
   return result.isTruthy();
 }
 
+Value LuaVM::Impl::makeMain(internal::ResolvedChunk& chunk) {
+  return Value(
+      internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, 0));
+}
+
 MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {
   Value* const frame = stack.top();
   if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->site);
-  frame[0] =
-      Value(internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, 0));
+  frame[0] = makeMain(chunk);
   return takeResults(internal::callAny(*this, frame, 0, chunk.main->site));
 }
 

@@ -17,8 +17,11 @@ Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& 
       strings_(strings),
       nestingLimit_(nestingLimit) {}
 
-ArenaList<Stmt*> Parser::parseChunk() {
+ArenaList<Stmt*> Parser::parseChunk(std::span<const std::string_view> parameters) {
   chunk_.main = makeFunction(intern("main chunk"), current().line);
+  std::vector<StringObject*> names;
+  for (const std::string_view name : parameters) names.push_back(intern(name));
+  chunk_.main->parameters = chunk_.arena.list(names);
   parseBodyOf(chunk_.main, {});
   return chunk_.main->body->statements;
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -30,11 +31,11 @@ class Parser {
   Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
          StringPool& strings, std::uint32_t nestingLimit);
 
-  // Parses all tokens: makes `chunk.main` and returns the statements of its body. Throws
+  // Parses all tokens: makes `chunk.main`, a function with these parameters, and returns the statements of its body. Throws
   // std::runtime_error "chunkName:line:column: message" (failParse) at the first token that does
   // not fit and where the nesting limit is exceeded ("source is nested too deeply"), and
   // std::bad_alloc. To be called once.
-  ArenaList<Stmt*> parseChunk();
+  ArenaList<Stmt*> parseChunk(std::span<const std::string_view> parameters = {});
 
  private:
   // What is known of a function while its body is read.

@@ -11,7 +11,7 @@ void failArgument(const char* name, const char* text, Site site) {
   failRuntime(site, std::string(name) + text);
 }
 
-void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximum) {
+std::string argumentCountText(const char* name, std::size_t minimum, std::size_t maximum) {
   std::string message(name);
   message.append(" expects ");
   if (minimum == maximum) {
@@ -23,7 +23,11 @@ void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximu
     message.append("between ").append(std::to_string(minimum)).append(" and ");
     message.append(std::to_string(maximum)).append(" arguments");
   }
-  throw std::runtime_error(message);
+  return message;
+}
+
+void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximum) {
+  throw std::runtime_error(argumentCountText(name, minimum, maximum));
 }
 
 NativeObject& requireUserData(const char* name, ValueSpan args, std::size_t index, Site site,

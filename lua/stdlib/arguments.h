@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "lua/value/errors.h"
 #include "lua/value/multi_value.h"
@@ -19,6 +20,7 @@ namespace tarvel::lua::internal {
 constexpr std::size_t kAnyCount = SIZE_MAX;
 
 [[noreturn]] void failArgument(const char* name, const char* text, Site site);
+std::string argumentCountText(const char* name, std::size_t minimum, std::size_t maximum);
 [[noreturn]] void failArgumentCount(const char* name, std::size_t minimum, std::size_t maximum);
 
 // Throws std::runtime_error without a location, unlike every other check. Deliberate: hosts and

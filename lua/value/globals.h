@@ -23,6 +23,11 @@ class Globals {
 
   // The slot of a name; one that is new gets nil.
   std::size_t slotOf(std::string_view name);
+  // Borrowed; nil for a name that has no slot.
+  Value find(std::string_view name) const {
+    const auto entry = names_.find(name);
+    return entry != names_.end() ? slots_[entry->second] : Value();
+  }
   Value& at(std::size_t slot) noexcept { return slots_[slot]; }
   // Stores an owned value.
   void set(std::string_view name, Value owned);

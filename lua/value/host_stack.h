@@ -79,6 +79,9 @@ class HostStackScope {
   HostStackScope(const HostStackScope&) = delete;
   HostStackScope& operator=(const HostStackScope&) = delete;
 
+  // As hostStackFloor() says on this stack.
+  std::uintptr_t floor() const noexcept { return floor_; }
+
  private:
   friend std::uintptr_t hostStackFloor() noexcept;
   static std::uintptr_t floorOfSwitchedStack(std::uintptr_t here) noexcept;

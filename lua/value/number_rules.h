@@ -23,6 +23,13 @@ inline std::int64_t saturatingInteger(double value) noexcept {
   return std::isnan(value) ? 0 : static_cast<std::int64_t>(value);
 }
 
+// The integer that a float is, without any tolerance; false for any other float.
+inline bool exactInteger(double value, std::int64_t& out) noexcept {
+  if (!(value >= -kTwoTo63 && value < kTwoTo63) || value != std::trunc(value)) return false;
+  out = static_cast<std::int64_t>(value);
+  return true;
+}
+
 // A number as a float, for operators that mix the two kinds; false for any other value.
 inline bool tryAsFloat(const Value& value, double& out) noexcept {
   if (value.tag == kFloat) {

@@ -58,8 +58,8 @@ class ValueStack {
     top_ = softLimit_;
     return mark;
   }
-  // Takes the limits of the calling thread's stack.
-  void enterThread() noexcept { hostFloor_ = hostStackFloor(); }
+  // Takes the limit of the calling thread's stack.
+  void enterThread(std::uintptr_t hostFloor) noexcept { hostFloor_ = hostFloor; }
   // Releases everything from the mark on.
   void unwindTo(const Mark& mark) noexcept;
   // Back to the mark's limits when nothing was abandoned.

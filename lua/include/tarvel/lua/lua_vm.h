@@ -1,13 +1,23 @@
 #pragma once
 
+#include <tarvel/lua/lua_class.h>
+#include <tarvel/lua/lua_conversion.h>
 #include <tarvel/lua/lua_error.h>
 #include <tarvel/lua/lua_export.h>
 #include <tarvel/lua/lua_options.h>
+#include <tarvel/lua/lua_record.h>
 #include <tarvel/lua/lua_value.h>
 
+#include <concepts>
+#include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 // TarvelLua: an interpreter for a small dialect of Lua, to be embedded in a C++ program.
@@ -68,6 +78,65 @@ class TARVELLUA_API LuaVM {
   // Throws only what a host's function throws that is no std::exception.
   LuaResult runScriptString(const std::string& source, const std::string& chunkName);
 
+  // In the names below a point leads through tables: "game.spawn" is the field `spawn` of the
+  // global table `game`, which bind and setGlobal make where it is missing.
+
+  // Gives scripts a function, with any parameters and result that cross:
+  //
+  //   vm.bind("distance", [](double x, double y) { return std::hypot(x, y); });
+  //
+  // Parameters that are std::optional may be missing at the end; a first parameter LuaVM& is the
+  // interpreter; a last one const std::vector<LuaValue>& takes all further arguments. A std::tuple
+  // is returned as several values. Wrong arguments are errors as those of the library ("distance
+  // expects a numeric argument"); those and what is thrown carry the line of the call. The function
+  // is kept as that of bindFunction. Throws std::runtime_error where a part of the name but the
+  // last is no table.
+  template <class F>
+  void bind(std::string_view name, F function) {
+    bindCallable(name, bridge::makeFunction(std::move(function)));
+  }
+
+  // Sets a global or a field, from any type that crosses. Throws as the other setGlobal and as
+  // bind.
+  template <class T>
+  requires(!std::same_as<T, LuaValue>) void setGlobal(std::string_view name, const T& value) {
+    bridge::Call global(*this);
+    bridge::Conversion<std::decay_t<const T>>::give(global, value);
+    global.storeGlobal(name);
+  }
+
+  // Its value; nil is an error only for types that cannot be nil.
+  template <class T = LuaValue>
+  LuaOutcome<T> getGlobal(std::string_view name);
+
+  // Describes T to this interpreter; `name` stands in messages. To be called again for more.
+  template <class T>
+  LuaClass<T> defineClass(std::string_view name) {
+    return LuaClass<T>(*this, findOrMakeClass(&bridge::ClassKey<T>::key, name));
+  }
+
+  // Reads a script without running it. The result is a function, to be called any number of times;
+  // `parameters` are locals of the script:
+  //
+  //   auto rule = vm.load("return order.total > 100", "rule 7", {"order"});
+  //   bool applies = vm.call<bool>(*rule, order).value();
+  LuaOutcome<LuaFunction> load(std::string_view source, std::string_view chunkName,
+                               std::initializer_list<std::string_view> parameters = {});
+
+  // Calls a function of a script or of the library, by handle or by name, with arguments that
+  // cross. R is what it returns: void ignores all values, std::tuple takes several, LuaValue takes
+  // them as LuaResult::value does; a std::string_view would dangle and does not compile. An error,
+  // or a result that is no R, comes back in the outcome, never as an exception. May be called again
+  // from a function that the script is calling.
+  template <class R = LuaValue, class... Arguments>
+  LuaOutcome<R> call(const LuaFunction& function, const Arguments&... arguments) {
+    return callTarget<R>(function, arguments...);
+  }
+  template <class R = LuaValue, class... Arguments>
+  LuaOutcome<R> call(std::string_view name, const Arguments&... arguments) {
+    return callTarget<R>(name, arguments...);
+  }
+
   // For the runs that begin from now on. Throws std::logic_error for steps, time or stop in an
   // interpreter that is not supervised.
   void setLimits(const LuaLimits& limits);
@@ -76,9 +145,93 @@ class TARVELLUA_API LuaVM {
   class Impl;
 
  private:
+  friend class bridge::Call;
+
   explicit LuaVM(Impl* impl) noexcept;
+
+  void bindCallable(std::string_view name, std::shared_ptr<bridge::Callable> function);
+  bridge::ClassInInterpreter* findOrMakeClass(const void* key, std::string_view name);
+
+  template <class R, class Target, class... Arguments>
+  LuaOutcome<R> callTarget(const Target& target, const Arguments&... arguments);
 
   Impl* impl_;  // lives as long as this, and as the runs that are active
 };
+
+// ---- Templates ----------------------------------------------------------------------------------
+
+namespace bridge {
+
+// What a call returned, as an R.
+template <class R>
+struct Results {
+  static_assert(!std::is_same_v<R, std::string_view> && !std::is_same_v<R, const char*>,
+                "a view would dangle: ask for a std::string");
+  static LuaOutcome<R> take(const Call& call) {
+    Problem problem;
+    R result{};
+    if (!Conversion<R>::take(call.result(0), result, problem)) return problem.toError();
+    return result;
+  }
+};
+
+template <>
+struct Results<void> {
+  static LuaOutcome<void> take(const Call&) { return {}; }
+};
+
+template <>
+struct Results<LuaValue> {
+  static LuaOutcome<LuaValue> take(const Call& call) { return call.allResults(); }
+};
+
+template <class... T>
+struct Results<std::tuple<T...>> {
+  static LuaOutcome<std::tuple<T...>> take(const Call& call) {
+    return takeAll(call, std::index_sequence_for<T...>());
+  }
+
+ private:
+  template <std::size_t... I>
+  static LuaOutcome<std::tuple<T...>> takeAll(const Call& call, std::index_sequence<I...>) {
+    Problem problem;
+    std::tuple<T...> results{};
+    const auto takeOne = [&](std::size_t index, auto& result) {
+      return Conversion<std::remove_cvref_t<decltype(result)>>::take(call.result(index), result,
+                                                                     problem) ||
+             problem.inElement(index + 1);
+    };
+    if (!(takeOne(I, std::get<I>(results)) && ...)) return problem.toError();
+    return results;
+  }
+};
+
+}  // namespace bridge
+
+template <class R, class Target, class... Arguments>
+LuaOutcome<R> LuaVM::callTarget(const Target& target, const Arguments&... arguments) {
+  bridge::Call call(*this, target);
+  try {
+    (bridge::Conversion<std::decay_t<const Arguments>>::give(call, arguments), ...);
+    call.run();
+    return bridge::Results<R>::take(call);
+  } catch (...) {
+    return call.failure();
+  }
+}
+
+template <class T>
+LuaOutcome<T> LuaVM::getGlobal(std::string_view name) {
+  bridge::Call call(*this);
+  try {
+    call.readGlobal(name);
+    bridge::Problem problem;
+    T value{};
+    if (!bridge::Conversion<T>::take(call.result(0), value, problem)) return problem.toError(name);
+    return value;
+  } catch (...) {
+    return call.failure();
+  }
+}
 
 }  // namespace tarvel::lua

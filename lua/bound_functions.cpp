@@ -1,0 +1,198 @@
+#include <tarvel/lua/lua_class.h>
+#include <tarvel/lua/lua_vm.h>
+
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "lua/bridge_access.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/stdlib/arguments.h"
+#include "lua/value/errors.h"
+
+// Functions of the host with parameters of their own types, as scripts call them.
+
+namespace tarvel::lua {
+
+namespace bridge {
+
+using internal::MultiValue;
+using internal::Site;
+using internal::Value;
+using internal::ValueSpan;
+
+namespace {
+
+// Where a function of the host puts its results: above its arguments.
+class ResultSink final : public ScriptSink {
+ public:
+  explicit ResultSink(LuaVM::Impl& interpreter) : first_(interpreter.stack.top()) {
+    interpreter_ = internal::interpreterOf(interpreter);
+    next_ = end_ = reinterpret_cast<std::byte*>(first_);
+    if (interpreter.stack.hasRoom(first_ + kUsualResults, 0))
+      end_ = reinterpret_cast<std::byte*>(first_ + kUsualResults);
+  }
+
+  MultiValue take() {
+    Value* const end = reinterpret_cast<Value*>(next_);
+    if (end - first_ == 1) return MultiValue(std::exchange(*first_, Value()));
+    MultiValue results;
+    for (Value* value = first_; value != end; ++value) results.push(std::exchange(*value, Value()));
+    return results;
+  }
+
+ private:
+  static constexpr std::size_t kUsualResults = 4;
+
+  Value* const first_;
+};
+
+}  // namespace
+
+class ArgumentsAccess {
+ public:
+  static Arguments make(LuaVM::Impl& interpreter, ValueSpan values, ScriptSink& results,
+                        const std::string& name, Site site) {
+    Arguments arguments;
+    arguments.first_ = reinterpret_cast<const std::byte*>(values.begin());
+    arguments.count_ = values.size();
+    arguments.interpreter_ = internal::interpreterOf(interpreter);
+    arguments.vm_ = interpreter.owner;
+    arguments.results_ = &results;
+    arguments.name_ = &name;
+    arguments.site_ = site;
+    return arguments;
+  }
+};
+
+Callable::~Callable() = default;
+
+std::vector<LuaValue> Arguments::rest(std::size_t index) const {
+  std::vector<LuaValue> values;
+  for (; index < count_; ++index) values.push_back(at(index).toPublic());
+  return values;
+}
+
+void* Arguments::receiver(const void* classKey) const {
+  if (count_ > 0) {
+    if (void* const object = at(0).address(classKey)) return object;
+  }
+  const bool isObject = count_ > 0 && std::bit_cast<Value>(at(0).raw()).tag == internal::kUserData;
+  internal::failArgument(
+      name_->c_str(), isObject ? " received the wrong userdata type" : " expects userdata", site_);
+}
+
+void Arguments::fail(std::size_t index, const char* expected, bool isOfKind,
+                     const Problem& problem) const {
+  if (!isOfKind) internal::failArgument(name_->c_str(), expected, site_);
+  const std::string text = ": argument " + std::to_string(index + 1) + ": " + problem.message();
+  internal::failArgument(name_->c_str(), text.c_str(), site_);
+}
+
+// Unlike the library's own, with a location.
+void Arguments::failCount(std::size_t least, std::size_t most) const {
+  internal::failRuntime(site_, internal::argumentCountText(name_->c_str(), least, most));
+}
+
+}  // namespace bridge
+
+using bridge::Callable;
+
+namespace {
+
+// What the host throws becomes an error at the call. What is an error of the script already, from
+// its arguments, passes.
+void callHost(Callable& function, bridge::Arguments& arguments, internal::Site site) {
+  try {
+    function.call(arguments);
+  } catch (const internal::RuntimeError&) {
+    throw;
+  } catch (const std::bad_alloc& error) {
+    internal::failRuntime(site, std::string(internal::exceptionText(error)),
+                          internal::FailureKind::Memory);
+  } catch (const std::exception& error) {
+    internal::failRuntime(site, error.what(), internal::FailureKind::Host);
+  }
+}
+
+}  // namespace
+
+internal::NativeFunction LuaVM::Impl::nativeOf(std::string name,
+                                               std::shared_ptr<Callable> function) {
+  return [name = std::move(name), function = std::move(function)](
+             LuaVM& vm, internal::ValueSpan values, Site site) {
+    Impl& interpreter = Impl::of(vm);
+    bridge::ResultSink results(interpreter);
+    bridge::Arguments arguments =
+        bridge::ArgumentsAccess::make(interpreter, values, results, name, site);
+    callHost(*function, arguments, site);
+    return results.take();
+  };
+}
+
+void LuaVM::bindCallable(std::string_view name, std::shared_ptr<Callable> function) {
+  const internal::InterpreterInUse use(*impl_);
+  const internal::HostStackScope hostStack;
+  const std::string_view lastName = name.substr(name.rfind('.') + 1);
+  impl_->storeByPath(
+      name, impl_->makeNative(lastName, impl_->nativeOf(std::string(name), std::move(function))));
+}
+
+// ---- Names with points --------------------------------------------------------------------------
+
+namespace {
+
+// The first part of a path; takes it and the point behind it away.
+std::string_view takePart(std::string_view& path) noexcept {
+  const std::string_view part = path.substr(0, path.find('.'));
+  path.remove_prefix(std::min(path.size(), part.size() + 1));
+  return part;
+}
+
+}  // namespace
+
+internal::Value LuaVM::Impl::findByPath(std::string_view path) {
+  Value value = globals.find(takePart(path));
+  while (!path.empty()) {
+    if (!value.isTable()) return Value();
+    const internal::OwnedValue key(makeString(takePart(path)));
+    value = value.table->getString(key.get().string);
+  }
+  return value;
+}
+
+void LuaVM::Impl::storeByPath(std::string_view path, Value owned) {
+  internal::OwnedValue value(owned);
+  std::string_view rest = path;
+  const std::string_view first = takePart(rest);
+  if (rest.empty()) return globals.set(first, value.take());
+  Value table = globals.find(first);
+  if (table.isNil()) {
+    table = Value(internal::Table::create(heap));
+    globals.set(first, table);
+  }
+  for (;;) {
+    if (!table.isTable()) {
+      throw std::runtime_error(std::string(path.substr(0, path.size() - rest.size() - 1)) +
+                               ": a table expected, got " +
+                               bridge::ScriptValue(internal::interpreterOf(*this),
+                                                   std::bit_cast<bridge::RawValue>(table))
+                                   .description());
+    }
+    const internal::OwnedValue key(Value(strings.intern(takePart(rest))));
+    if (rest.empty())
+      return table.table->set(internal::TableKey::ofString(key.get().string), value.take());
+    Value next = table.table->getString(key.get().string);
+    if (next.isNil()) {
+      next = Value(internal::Table::create(heap));
+      table.table->set(internal::TableKey::ofString(key.get().string), next);
+    }
+    table = next;
+  }
+}
+
+}  // namespace tarvel::lua

@@ -1,0 +1,219 @@
+#include <tarvel/lua/lua_bridge.h>
+#include <tarvel/lua/lua_vm.h>
+
+#include <bit>
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "lua/bridge_access.h"
+#include "lua/failure_report.h"
+#include "lua/frontend/syntax_tree.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/value/completion.h"
+#include "lua/value/host_stack.h"
+
+// Calls from the host: the arguments go straight into the slots where the function's frame starts.
+
+namespace tarvel::lua::bridge {
+
+using internal::isSingleValue;
+using internal::OwnedValue;
+using internal::ReturnSignal;
+using internal::Value;
+using internal::ValueStack;
+
+namespace {
+
+// What is wrong with what a host asked for.
+class CallProblem : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace
+
+struct Call::State {
+  explicit State(LuaVM::Impl& impl) noexcept
+      : use(impl),
+        interpreter(impl),
+        mark(destruction.isNested() ? impl.stack.markBeyondFrames() : impl.stack.mark()),
+        frame(impl.stack.top()) {
+    impl.stack.enterThread(hostStack.floor());
+  }
+  ~State() { release(); }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+
+  // Gives up the results, or whatever stands on the stack after a failure.
+  void release() noexcept {
+    if (!isClean) {
+      interpreter.stack.unwindTo(mark);
+      isClean = true;
+      return;
+    }
+    drop(single);
+    single = Value();
+    clearSlots(several, several + severalCount);
+    severalCount = 0;
+    interpreter.stack.leaveTo(mark);
+  }
+
+  const internal::InterpreterInUse use;
+  const internal::HostStackScope hostStack;
+  const internal::DestructionScope destruction;
+  LuaVM::Impl& interpreter;
+  const ValueStack::Mark mark;
+  Value* const frame;
+  bool hasBegun = false;  // the arguments are complete
+  bool isClean = true;    // nothing of ours is on the stack but results
+  const char* problem = nullptr;
+  std::string_view name;  // of what is called, where it was named
+  // What was returned: one value, or several that stand on the stack.
+  Value single;
+  bool hasSingle = false;
+  Value* several = nullptr;
+  std::uint32_t severalCount = 0;
+};
+
+Call::State& Call::state() noexcept {
+  static_assert(sizeof(State) <= sizeof(state_) && alignof(State) <= alignof(std::max_align_t));
+  return *std::launder(reinterpret_cast<State*>(state_));
+}
+
+const Call::State& Call::state() const noexcept {
+  return *std::launder(reinterpret_cast<const State*>(state_));
+}
+
+Call::Call(LuaVM& vm) noexcept {
+  State& opened = *new (state_) State(LuaVM::Impl::of(vm));
+  interpreter_ = internal::interpreterOf(opened.interpreter);
+  constexpr std::size_t kUsualArguments = 8;
+  Value* const first = opened.frame + 1;
+  next_ = end_ = reinterpret_cast<std::byte*>(first);
+  if (!opened.interpreter.stack.makeRoom(first + kUsualArguments, 0)) {
+    opened.problem = "stack overflow";
+    return;
+  }
+  end_ = reinterpret_cast<std::byte*>(first + kUsualArguments);
+  opened.isClean = false;
+}
+
+Call::Call(LuaVM& vm, const LuaFunction& function) noexcept : Call(vm) {
+  State& opened = state();
+  if (opened.problem != nullptr) return;
+  if (function == nullptr) {
+    opened.problem = "a function expected, got nil";
+  } else if (&function->target().heap != &opened.interpreter.heap) {
+    opened.problem = "the function belongs to another interpreter, or to one that is gone";
+  } else {
+    *opened.frame = retain(function->target().function.get());
+  }
+}
+
+Call::Call(LuaVM& vm, std::string_view name) noexcept : Call(vm) { state().name = name; }
+
+Call::~Call() { state().~State(); }
+
+void Call::run() {
+  State& opened = state();
+  if (opened.problem != nullptr) throw CallProblem(opened.problem);
+  LuaVM::Impl& interpreter = opened.interpreter;
+  interpreter.requireLife();
+  if (!opened.name.empty()) *opened.frame = retain(interpreter.findByPath(opened.name));
+  const Value callee = *opened.frame;
+  if (!callee.isFunction()) {
+    Problem problem;
+    problem.expected("a function",
+                     ScriptValue(interpreter_, std::bit_cast<RawValue>(callee)).description());
+    if (!opened.name.empty()) problem.inField(opened.name);
+    throw CallProblem(problem.message());
+  }
+  const auto count = static_cast<std::uint32_t>(reinterpret_cast<Value*>(next_) - opened.frame - 1);
+  opened.hasBegun = true;
+  const Value completion = interpreter.callFrame(opened.frame, count, 0);
+  opened.isClean = true;
+  if (isSingleValue(completion)) {
+    opened.single = completion;
+    opened.hasSingle = true;
+  } else if (ReturnSignal::isSeveral(completion)) {
+    opened.several = completion.values;
+    opened.severalCount = ReturnSignal::count(completion);
+    interpreter.stack.setTop(opened.several + opened.severalCount);
+  }
+}
+
+void Call::readGlobal(std::string_view name) {
+  State& opened = state();
+  opened.isClean = true;
+  opened.single = retain(opened.interpreter.findByPath(name));
+  opened.hasSingle = true;
+}
+
+void Call::storeGlobal(std::string_view name) {
+  State& opened = state();
+  Value& slot = opened.frame[1];
+  const Value value = std::exchange(slot, Value());
+  opened.isClean = true;
+  opened.interpreter.storeByPath(name, value);
+}
+
+void Call::load(std::string_view source, std::string_view chunkName,
+                std::span<const std::string_view> parameters) {
+  State& opened = state();
+  opened.isClean = true;
+  opened.hasBegun = true;
+  opened.interpreter.requireLife();
+  const internal::ChunkReference chunk =
+      opened.interpreter.parseScript(std::string(source), std::string(chunkName), parameters);
+  opened.single = opened.interpreter.makeMain(*chunk);
+  opened.hasSingle = true;
+}
+
+std::size_t Call::count() const noexcept { return state().hasSingle ? 1 : state().severalCount; }
+
+ScriptValue Call::result(std::size_t index) const noexcept {
+  const State& opened = state();
+  Value value;
+  if (index == 0 && opened.hasSingle) value = opened.single;
+  if (index < opened.severalCount) value = opened.several[index];
+  return ScriptValue(interpreter_, std::bit_cast<RawValue>(value));
+}
+
+LuaValue Call::allResults() const {
+  const State& opened = state();
+  if (opened.hasSingle) return opened.interpreter.valueToPublic(opened.single);
+  return opened.interpreter.resultsToPublic({opened.several, opened.severalCount});
+}
+
+LuaError Call::failure() {
+  State& opened = state();
+  const auto valueError = [&opened](const char* text) {
+    opened.release();
+    LuaError error;
+    error.kind = LuaError::Kind::Value;
+    error.message = text;
+    return error;
+  };
+  try {
+    try {
+      throw;
+    } catch (const CallProblem& problem) {
+      return valueError(problem.what());
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      if (!opened.hasBegun) return valueError(error.what());
+      throw;
+    }
+  } catch (...) {
+    const internal::FailureReport report(opened.interpreter);
+    opened.release();
+    return report.error();
+  }
+}
+
+}  // namespace tarvel::lua::bridge

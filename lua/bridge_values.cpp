@@ -1,0 +1,292 @@
+#include <tarvel/lua/lua_bridge.h>
+
+#include <atomic>
+#include <bit>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "lua/bridge_access.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/public_value.h"
+#include "lua/record_keys.h"
+#include "lua/value/number_rules.h"
+#include "lua/value/table.h"
+
+// Single values between host and scripts: reading them from scripts, and giving them to scripts.
+
+namespace tarvel::lua::bridge {
+
+using internal::OwnedValue;
+using internal::Table;
+using internal::TableKey;
+using internal::Value;
+
+namespace {
+
+std::size_t nextRecordNumber() noexcept {
+  static std::atomic<std::size_t> next{0};
+  return next++;
+}
+
+internal::RecordKeys& keysOf(RecordKeys* keys) noexcept {
+  return *reinterpret_cast<internal::RecordKeys*>(keys);
+}
+
+Value toValue(RawValue raw) noexcept { return std::bit_cast<Value>(raw); }
+RawValue toRaw(Value value) noexcept { return std::bit_cast<RawValue>(value); }
+
+}  // namespace
+
+RecordNames::RecordNames(const char* const* fieldNames, std::size_t fieldCount) noexcept
+    : names(fieldNames), count(fieldCount), number(nextRecordNumber()) {}
+
+// ---- Problems -----------------------------------------------------------------------------------
+
+bool Problem::expected(std::string_view what, const std::string& got) {
+  return say(std::string(what).append(" expected, got ").append(got));
+}
+
+bool Problem::say(std::string text) {
+  text_ = std::move(text);
+  return false;
+}
+
+bool Problem::inField(std::string_view name) {
+  std::string path(name);
+  if (!path_.empty() && path_.front() != '[') path.append(".");
+  path_ = path.append(path_);
+  return false;
+}
+
+bool Problem::inElement(std::size_t number) {
+  std::string path = "[" + std::to_string(number) + "]";
+  if (!path_.empty() && path_.front() != '[') path.append(".");
+  path_ = path.append(path_);
+  return false;
+}
+
+// A type that contains itself can meet a table that contains itself.
+bool Problem::enter() {
+  return !internal::isTooDeep(++depth_) || say("a table that is nested too deeply");
+}
+
+std::string Problem::message() const { return path_.empty() ? text_ : path_ + ": " + text_; }
+
+LuaError Problem::toError(std::string_view name) const {
+  Problem named(*this);
+  if (!name.empty()) named.inField(name);
+  LuaError error;
+  error.kind = LuaError::Kind::Value;
+  error.message = named.message();
+  return error;
+}
+
+// ---- Out of the interpreter ---------------------------------------------------------------------
+
+bool ScriptValue::read(bool& out) const noexcept {
+  const Value value = toValue(raw_);
+  out = value.tag == internal::kTrue;
+  return value.tag == internal::kTrue || value.tag == internal::kFalse;
+}
+
+bool ScriptValue::read(std::int64_t& out) const noexcept {
+  const Value value = toValue(raw_);
+  if (value.isInteger()) {
+    out = value.integer;
+    return true;
+  }
+  return value.isFloat() && internal::exactInteger(value.number, out);
+}
+
+bool ScriptValue::read(double& out) const noexcept {
+  const Value value = toValue(raw_);
+  if (value.isFloat()) {
+    out = value.number;
+    return true;
+  }
+  out = static_cast<double>(value.integer);
+  return value.isInteger();
+}
+
+bool ScriptValue::read(std::string_view& out) const noexcept {
+  const Value value = toValue(raw_);
+  if (!value.isString()) return false;
+  out = value.string->view();
+  return true;
+}
+
+bool ScriptValue::read(LuaFunction& out) const {
+  const Value value = toValue(raw_);
+  if (!value.isFunction()) return false;
+  out = internal::handleOf(value, internal::implOf(interpreter_).heap);
+  return true;
+}
+
+LuaValue ScriptValue::toPublic() const {
+  return internal::implOf(interpreter_).valueToPublic(toValue(raw_));
+}
+
+bool ScriptValue::isTable() const noexcept { return toValue(raw_).isTable(); }
+
+bool ScriptValue::isSequence() const noexcept { return internal::isSequence(*toValue(raw_).table); }
+
+std::size_t ScriptValue::length() const noexcept {
+  return static_cast<std::size_t>(toValue(raw_).table->length());
+}
+
+ScriptValue ScriptValue::element(std::size_t number) const noexcept {
+  return {interpreter_, toRaw(toValue(raw_).table->getInteger(static_cast<std::int64_t>(number)))};
+}
+
+bool ScriptValue::next(std::size_t& cursor, ScriptValue& key, ScriptValue& value) const noexcept {
+  const Table& table = *toValue(raw_).table;
+  for (; cursor < table.arraySize(); ++cursor) {
+    const Value element = table.element(static_cast<std::uint32_t>(cursor));
+    if (element.isNil()) continue;
+    key.raw_ = toRaw(Value(static_cast<std::int64_t>(++cursor)));
+    value.raw_ = toRaw(element);
+    return true;
+  }
+  for (; cursor - table.arraySize() < table.entryCount(); ++cursor) {
+    const auto number = static_cast<std::uint32_t>(cursor - table.arraySize());
+    if (table.entryValue(number).isNil()) continue;
+    key.raw_ = toRaw(table.entryKey(number).toValue());
+    value.raw_ = toRaw(table.entryValue(number));
+    ++cursor;
+    return true;
+  }
+  return false;
+}
+
+RecordKeys* ScriptValue::record(const RecordNames& names) const {
+  LuaVM::Impl& interpreter = internal::implOf(interpreter_);
+  return reinterpret_cast<RecordKeys*>(&interpreter.records.of(names, interpreter.strings));
+}
+
+ScriptValue ScriptValue::field(RecordKeys* keys, std::size_t number) const noexcept {
+  internal::RecordKeys::Key& key = keysOf(keys).keys[number];
+  return {interpreter_, toRaw(toValue(raw_).table->getString(key.name.get().string, key.hint))};
+}
+
+bool ScriptValue::findOther(RecordKeys* keys, std::string& text) const {
+  const auto isField = [keys](const Value& key) {
+    if (!key.isString()) return false;
+    for (const internal::RecordKeys::Key& field : keysOf(keys).keys) {
+      if (stringsEqual(field.name.get().string, key.string)) return true;
+    }
+    return false;
+  };
+  ScriptValue key = *this;
+  ScriptValue value = *this;
+  for (std::size_t cursor = 0; next(cursor, key, value);) {
+    if (isField(toValue(key.raw_))) continue;
+    text = toValue(key.raw_).toString();
+    return true;
+  }
+  return false;
+}
+
+std::string ScriptValue::description() const {
+  const Value value = toValue(raw_);
+  if (value.isNumber()) return value.toString();
+  if (value.isNil() || value.tag == internal::kUserData) return describeValueType(value);
+  return std::string(value.tag == internal::kIterator ? "an " : "a ") + describeValueType(value);
+}
+
+// ---- Into the interpreter -----------------------------------------------------------------------
+
+void ScriptSink::makeRoom() {
+  internal::ValueStack& stack = internal::implOf(interpreter_).stack;
+  constexpr std::size_t kStep = 16;  // places
+  Value* const next = reinterpret_cast<Value*>(next_);
+  if (!stack.makeRoom(next + kStep, 0)) throw std::runtime_error("stack overflow");
+  end_ = reinterpret_cast<std::byte*>(next + kStep);
+}
+
+inline void ScriptSink::put(RawValue value) {
+  *reinterpret_cast<Value*>(next_) = toValue(value);
+  next_ += sizeof(Value);
+}
+
+// Each makes room first, because what it makes would be lost when there is none.
+void ScriptSink::nil() {
+  if (next_ == end_) makeRoom();
+  put(toRaw(Value()));
+}
+
+void ScriptSink::boolean(bool value) {
+  if (next_ == end_) makeRoom();
+  put(toRaw(Value(value)));
+}
+
+void ScriptSink::integer(std::int64_t value) {
+  if (next_ == end_) makeRoom();
+  put(toRaw(Value(value)));
+}
+
+void ScriptSink::number(double value) {
+  if (next_ == end_) makeRoom();
+  put(toRaw(Value(value)));
+}
+
+void ScriptSink::text(std::string_view value) {
+  if (next_ == end_) makeRoom();
+  put(toRaw(internal::implOf(interpreter_).makeString(value)));
+}
+
+void ScriptSink::function(const LuaFunction& value) {
+  any(value == nullptr ? LuaValue() : LuaValue(value));
+}
+
+void ScriptSink::any(const LuaValue& value) {
+  if (next_ == end_) makeRoom();
+  put(toRaw(internal::implOf(interpreter_).publicToValue(value)));
+}
+
+namespace {
+
+// The table that the value in front of `next` goes into.
+Table& tableBelow(std::byte* next) noexcept { return *reinterpret_cast<Value*>(next)[-2].table; }
+
+Value takeBefore(std::byte*& next) noexcept {
+  next -= sizeof(Value);
+  Value& slot = *reinterpret_cast<Value*>(next);
+  return std::exchange(slot, Value());
+}
+
+}  // namespace
+
+void ScriptSink::beginTable(std::size_t elements, std::size_t members) {
+  if (internal::isTooDeep(++depth_)) internal::failUnsupported();
+  if (next_ == end_) makeRoom();
+  put(toRaw(Value(Table::create(internal::implOf(interpreter_).heap, internal::tableHint(elements),
+                                internal::tableHint(members)))));
+}
+
+void ScriptSink::endElement(std::size_t number) {
+  Table& table = tableBelow(next_);
+  table.setInteger(static_cast<std::int64_t>(number), takeBefore(next_));
+}
+
+void ScriptSink::endMember(std::string_view key) {
+  const OwnedValue name(internal::implOf(interpreter_).makeString(key));
+  Table& table = tableBelow(next_);
+  table.set(TableKey::ofString(name.get().string), takeBefore(next_));
+}
+
+RecordKeys* ScriptSink::beginRecord(const RecordNames& names) {
+  LuaVM::Impl& interpreter = internal::implOf(interpreter_);
+  internal::RecordKeys& keys = interpreter.records.of(names, interpreter.strings);
+  beginTable(0, names.count);
+  return reinterpret_cast<RecordKeys*>(&keys);
+}
+
+void ScriptSink::endField(RecordKeys* keys, std::size_t number) {
+  internal::RecordKeys::Key& key = keysOf(keys).keys[number];
+  Table& table = tableBelow(next_);
+  table.setString(key.name.get().string, takeBefore(next_), key.hint);
+}
+
+}  // namespace tarvel::lua::bridge

@@ -1,0 +1,232 @@
+#pragma once
+
+#include <tarvel/lua/lua_error.h>
+#include <tarvel/lua/lua_export.h>
+#include <tarvel/lua/lua_value.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What the templates of the other headers are made of: functions of the library that take and give
+// single values. Not for hosts; it may change with every version.
+
+namespace tarvel::lua {
+
+class LuaVM;
+
+namespace bridge {
+
+struct Interpreter;  // never defined: one interpreter
+struct RecordKeys;   // never defined: the keys of a record in one interpreter
+
+// A value inside an interpreter; what the words mean is the interpreter's.
+struct RawValue {
+  std::uint64_t words[2];
+};
+
+// The address of its `key` stands for a class of the host.
+template <class T>
+struct ClassKey {
+  static inline const char key = 0;
+};
+
+// The fields of a struct that crosses.
+class TARVELLUA_API RecordNames {
+ public:
+  RecordNames(const char* const* names, std::size_t count) noexcept;
+
+  const char* const* const names;
+  const std::size_t count;
+  const std::size_t number;  // tells the records of a process apart
+};
+
+// Why a value is not of the type that was asked for, and where: built from the inside out.
+class TARVELLUA_API Problem {
+ public:
+  // Each returns false, which conversions return on failure.
+  bool expected(std::string_view what, const std::string& got);
+  bool say(std::string text);
+  // The problem is in a part of the value.
+  bool inField(std::string_view name);
+  bool inElement(std::size_t number);  // from 1
+  // Goes into a table; says "nested too deeply" when there is no end to it.
+  bool enter();
+  void leave() noexcept { --depth_; }
+
+  // "listeners[2].port: a whole number expected, got a string".
+  std::string message() const;
+  bool isInside() const noexcept { return !path_.empty(); }
+  LuaError toError(std::string_view name = {}) const;
+
+ private:
+  std::string path_;
+  std::string text_;
+  int depth_ = 0;
+};
+
+// A value of a script, borrowed.
+class TARVELLUA_API ScriptValue {
+ public:
+  ScriptValue(Interpreter* interpreter, RawValue raw) noexcept
+      : interpreter_(interpreter), raw_(raw) {}
+
+  RawValue raw() const noexcept { return raw_; }
+  bool isNil() const noexcept { return raw_.words[0] == 0; }
+  // False where it is none.
+  bool read(bool& out) const noexcept;
+  bool read(std::int64_t& out) const noexcept;  // also a whole float
+  bool read(double& out) const noexcept;
+  bool read(std::string_view& out) const noexcept;
+  bool read(LuaFunction& out) const;
+  // Throws std::runtime_error for what cannot cross.
+  LuaValue toPublic() const;
+  // The object of a host's class; null where it is none.
+  void* address(const void* classKey) const noexcept;
+  std::shared_ptr<void> object(const void* classKey) const;
+  std::string className(const void* classKey) const;
+
+  bool isTable() const noexcept;
+  bool isSequence() const noexcept;  // the keys 1 to length and no others
+  std::size_t length() const noexcept;
+  ScriptValue element(std::size_t number) const noexcept;  // from 1
+  // Steps through a table, from cursor 0 on. False at the end.
+  bool next(std::size_t& cursor, ScriptValue& key, ScriptValue& value) const noexcept;
+  RecordKeys* record(const RecordNames& names) const;
+  ScriptValue field(RecordKeys* keys, std::size_t number) const noexcept;
+  // The first key that is not among them, as text; false where there is none.
+  bool findOther(RecordKeys* keys, std::string& key) const;
+
+  // "nil", "a string", "4.5".
+  std::string description() const;
+
+ private:
+  Interpreter* interpreter_;
+  RawValue raw_;
+};
+
+// Takes the values that a host gives, one after the other, into consecutive places. The functions
+// throw std::exception for what the interpreter cannot take.
+class TARVELLUA_API ScriptSink {
+ public:
+  void nil();
+  void boolean(bool value);
+  void integer(std::int64_t value);
+  void number(double value);
+  void text(std::string_view value);
+  void function(const LuaFunction& value);
+  void any(const LuaValue& value);
+  void object(const void* classKey, std::shared_ptr<void> value);
+  // A table; each value that follows is put into it by one of the next three, until endTable.
+  void beginTable(std::size_t elements, std::size_t members);
+  void endElement(std::size_t number);  // from 1
+  void endMember(std::string_view key);
+  RecordKeys* beginRecord(const RecordNames& names);
+  void endField(RecordKeys* keys, std::size_t number);
+  void endTable() noexcept { --depth_; }
+
+ protected:
+  ScriptSink() noexcept = default;
+  ~ScriptSink() = default;
+  ScriptSink(const ScriptSink&) = delete;
+  ScriptSink& operator=(const ScriptSink&) = delete;
+
+  Interpreter* interpreter_ = nullptr;
+  std::byte* next_ = nullptr;
+  std::byte* end_ = nullptr;  // of the places that are known to be there
+  int depth_ = 0;
+
+ private:
+  void put(RawValue value);
+  void makeRoom();
+};
+
+// One call of a script's function, from the arguments to the results.
+class TARVELLUA_API Call : public ScriptSink {
+ public:
+  // What is called: a function, what stands under a name, or nothing. What is wrong with it shows
+  // in run().
+  Call(LuaVM& vm, const LuaFunction& function) noexcept;
+  Call(LuaVM& vm, std::string_view name) noexcept;
+  explicit Call(LuaVM& vm) noexcept;
+  ~Call();
+
+  // Throws what ends the run, in forms that only failure() understands.
+  void run();
+  // Instead of a run: the one result is a script that was read, as a function; throws as run().
+  void load(std::string_view source, std::string_view chunkName,
+            std::span<const std::string_view> parameters);
+  // Instead of a run: the value of a global or of a field becomes the one result, or what was put
+  // into this becomes its value.
+  void readGlobal(std::string_view name);
+  void storeGlobal(std::string_view name);
+  std::size_t count() const noexcept;
+  ScriptValue result(std::size_t index) const noexcept;  // nil where there are fewer
+  LuaValue allResults() const;
+  // What the exception in flight is for the host. Passes on what is none of ours and no
+  // std::exception. Whatever the call still held is released.
+  LuaError failure();
+
+ private:
+  struct State;
+  State& state() noexcept;
+  const State& state() const noexcept;
+
+  alignas(std::max_align_t) mutable std::byte state_[208];
+};
+
+// What a function of the host was called with.
+class TARVELLUA_API Arguments {
+ public:
+  std::size_t count() const noexcept { return count_; }
+  ScriptValue at(std::size_t index) const noexcept {
+    RawValue raw;
+    std::memcpy(&raw, first_ + index * sizeof(RawValue), sizeof(RawValue));
+    return ScriptValue(interpreter_, raw);
+  }
+  LuaVM& vm() const noexcept { return *vm_; }
+  ScriptSink& results() noexcept { return *results_; }
+
+  void requireCount(std::size_t least, std::size_t most) const {
+    if (count_ < least || count_ > most) failCount(least, most);
+  }
+  // All arguments from `index` on.
+  std::vector<LuaValue> rest(std::size_t index) const;
+  // The receiver of a method.
+  void* receiver(const void* classKey) const;
+  // Raises the script error for an argument that is none of what `expected` says ("expects a
+  // table") or whose `problem` lies deeper.
+  [[noreturn]] void fail(std::size_t index, const char* expected, bool isOfKind,
+                         const Problem& problem) const;
+
+ private:
+  friend class ArgumentsAccess;
+  [[noreturn]] void failCount(std::size_t least, std::size_t most) const;
+
+  const std::byte* first_ = nullptr;
+  std::size_t count_ = 0;
+  Interpreter* interpreter_ = nullptr;
+  LuaVM* vm_ = nullptr;
+  ScriptSink* results_ = nullptr;
+  const std::string* name_ = nullptr;
+  std::uint32_t site_ = 0;
+};
+
+// A function of the host, ready to be called by scripts.
+class TARVELLUA_API Callable {
+ public:
+  Callable() = default;
+  virtual ~Callable();
+  Callable(const Callable&) = delete;
+  Callable& operator=(const Callable&) = delete;
+  virtual void call(Arguments& arguments) = 0;
+};
+
+}  // namespace bridge
+
+}  // namespace tarvel::lua
