@@ -1,9 +1,12 @@
 #include <tarvel/lua/lua_class.h>
 #include <tarvel/lua/lua_vm.h>
 
+#include <algorithm>
+#include <bit>
 #include <exception>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>

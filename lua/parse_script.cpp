@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "lua/evaluator/frame_planner.h"
 #include "lua/evaluator/node_functions.h"
@@ -26,6 +28,13 @@ std::uint32_t nestingLimit() {
       std::min(kDeepestNesting, hostStackRoom() / stack_cost::kParserLevel));
 }
 
+Places placesOf(const std::vector<Token>& tokens, Heap& heap) {
+  Places places{HeapAllocator<Place>(heap)};
+  places.reserve(tokens.size());
+  for (const Token& token : tokens) places.push_back({token.line, token.column});
+  return places;
+}
+
 }  // namespace
 
 }  // namespace internal
@@ -36,6 +45,8 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
   internal::ChunkReference chunk(new internal::ResolvedChunk(heap));
   internal::MemoryCharge tokenMemory(heap);
   std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
+  chunk->sites = sites.add(internal::OwnedValue(Value(strings.intern(chunkName))),
+                           internal::placesOf(tokens, heap));
   internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk(parameters);
   internal::Resolver resolver(*chunk);
