@@ -35,6 +35,16 @@ Places placesOf(const std::vector<Token>& tokens, Heap& heap) {
   return places;
 }
 
+void requireParameterNames(std::span<const std::string_view> names, const std::string& chunkName,
+                           MemoryCharge& memory) {
+  for (const std::string_view name : names) {
+    const std::vector<Token> tokens = Lexer(name, chunkName, memory).tokenise();
+    if (tokens.size() != 2 || tokens[0].kind != TokenKind::Identifier || tokens[0].text != name) {
+      failParse(chunkName, 1, 1, "a parameter cannot be named '" + std::string(name) + "'");
+    }
+  }
+}
+
 }  // namespace
 
 }  // namespace internal
@@ -44,6 +54,7 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
                                                   std::span<const std::string_view> parameters) {
   internal::ChunkReference chunk(new internal::ResolvedChunk(heap));
   internal::MemoryCharge tokenMemory(heap);
+  internal::requireParameterNames(parameters, chunkName, tokenMemory);
   std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
   chunk->sites = sites.add(internal::OwnedValue(Value(strings.intern(chunkName))),
                            internal::placesOf(tokens, heap));

@@ -6,7 +6,7 @@ namespace tarvel::lua::internal {
 
 void Resolver::resolveChunk() {
   function_ = chunk_.main;
-  resolveBlock(*chunk_.main->body, {}, false);
+  resolveBlock(*chunk_.main->body, chunk_.main->parameters, false);
   findScalars();
 }
 
