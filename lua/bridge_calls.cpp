@@ -94,11 +94,13 @@ Call::Call(LuaVM& vm) noexcept {
   constexpr std::size_t kUsualArguments = 8;
   Value* const first = opened.frame + 1;
   next_ = end_ = reinterpret_cast<std::byte*>(first);
-  if (!opened.interpreter.stack.makeRoom(first + kUsualArguments, 0)) {
+  ValueStack& stack = opened.interpreter.stack;
+  Value* const end = first + kUsualArguments;
+  if (!stack.hasRoom(end, 0) && !stack.makeRoom(end, 0)) [[unlikely]] {
     opened.problem = "stack overflow";
     return;
   }
-  end_ = reinterpret_cast<std::byte*>(first + kUsualArguments);
+  end_ = reinterpret_cast<std::byte*>(end);
   opened.isClean = false;
 }
 

@@ -68,8 +68,8 @@ bool Problem::inElement(std::size_t number) {
 }
 
 // A type that contains itself can meet a table that contains itself.
-bool Problem::enter() {
-  return !internal::isTooDeep(++depth_) || say("a table that is nested too deeply");
+bool Problem::enterDeep() {
+  return !internal::isTooDeep(depth_) || say("a table that is nested too deeply");
 }
 
 std::string Problem::message() const { return path_.empty() ? text_ : path_ + ": " + text_; }
@@ -259,7 +259,7 @@ Value takeBefore(std::byte*& next) noexcept {
 }  // namespace
 
 void ScriptSink::beginTable(std::size_t elements, std::size_t members) {
-  if (internal::isTooDeep(++depth_)) internal::failUnsupported();
+  enter();
   if (next_ == end_) makeRoom();
   put(toRaw(Value(Table::create(internal::implOf(interpreter_).heap, internal::tableHint(elements),
                                 internal::tableHint(members)))));
@@ -276,17 +276,24 @@ void ScriptSink::endMember(std::string_view key) {
   table.set(TableKey::ofString(name.get().string), takeBefore(next_));
 }
 
-RecordKeys* ScriptSink::beginRecord(const RecordNames& names) {
-  LuaVM::Impl& interpreter = internal::implOf(interpreter_);
-  internal::RecordKeys& keys = interpreter.records.of(names, interpreter.strings);
-  beginTable(0, names.count);
-  return reinterpret_cast<RecordKeys*>(&keys);
+void ScriptSink::enter() {
+  if (++depth_ > kShallow && internal::isTooDeep(depth_)) internal::failUnsupported();
 }
 
-void ScriptSink::endField(RecordKeys* keys, std::size_t number) {
-  internal::RecordKeys::Key& key = keysOf(keys).keys[number];
-  Table& table = tableBelow(next_);
-  table.setString(key.name.get().string, takeBefore(next_), key.hint);
+void ScriptSink::beginRecord() { enter(); }
+
+void ScriptSink::endRecord(const RecordNames& names) {
+  LuaVM::Impl& interpreter = internal::implOf(interpreter_);
+  const internal::RecordKeys& fields = interpreter.records.of(names, interpreter.strings);
+  const auto count = static_cast<std::uint32_t>(names.count);
+  Table* const table = Table::create(interpreter.heap, 0, count);
+  Value* const first = reinterpret_cast<Value*>(next_) - count;
+  for (std::uint32_t i = 0; i < count; ++i)
+    table->addField(fields.keys[i].key, std::exchange(first[i], Value()));
+  next_ = reinterpret_cast<std::byte*>(first);
+  if (next_ == end_) makeRoom();  // a record without fields
+  put(toRaw(Value(table)));
+  --depth_;
 }
 
 }  // namespace tarvel::lua::bridge

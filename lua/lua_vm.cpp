@@ -80,15 +80,6 @@ LuaUsage LuaVM::usage() const noexcept { return impl_->usage(); }
 
 // ---- The interpreter behind it ------------------------------------------------------------------
 
-internal::InterpreterInUse::InterpreterInUse(LuaVM::Impl& interpreter) noexcept
-    : interpreter_(interpreter) {
-  ++interpreter_.uses_;
-}
-
-internal::InterpreterInUse::~InterpreterInUse() {
-  if (--interpreter_.uses_ == 0 && interpreter_.isAbandoned()) delete &interpreter_;
-}
-
 LuaVM::Impl::Impl(LuaVM& ownerVm, const LuaOptions& vmOptions)
     : self(this),
       owner(&ownerVm),

@@ -113,8 +113,8 @@ class LuaVM::Impl {
   void requireLife() const;
 
   // ---- Evaluator ----
-  // Calls frame[0] with the `count` values behind it, all owned by their slots, and returns all
-  // results as evaluateExpressionMulti does.
+  // Calls the function frame[0] with the `count` values behind it, all owned by their slots, and
+  // returns all results as evaluateExpressionMulti does.
   Value callFrame(Value* frame, std::uint32_t count, Site site);
   // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `site`.
   internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, Site site);
@@ -171,5 +171,14 @@ class LuaVM::Impl {
   internal::ExitRequest exit_;
   bool ended_ = false;
 };
+
+inline internal::InterpreterInUse::InterpreterInUse(LuaVM::Impl& interpreter) noexcept
+    : interpreter_(interpreter) {
+  ++interpreter_.uses_;
+}
+
+inline internal::InterpreterInUse::~InterpreterInUse() {
+  if (--interpreter_.uses_ == 0 && interpreter_.isAbandoned()) delete &interpreter_;
+}
 
 }  // namespace tarvel::lua

@@ -190,13 +190,16 @@ void PublicSink::endMember(std::string_view key) {
       ->insert_or_assign(std::string(key), std::move(member));
 }
 
-RecordKeys* PublicSink::beginRecord(const RecordNames& names) {
-  values_.emplace_back(std::make_shared<LuaValue::Object>(names.count));
-  return reinterpret_cast<RecordKeys*>(const_cast<RecordNames*>(&names));
-}
-
-void PublicSink::endField(RecordKeys* names, std::size_t number) {
-  endMember(namesOf(names).names[number]);
+void PublicSink::endRecord(const RecordNames& names) {
+  auto object = std::make_shared<LuaValue::Object>(names.count);
+  const std::size_t first = values_.size() - names.count;
+  for (std::size_t i = 0; i < names.count; ++i) {
+    LuaValue& field = values_[first + i];
+    if (field.type != LuaValue::Type::Nil)
+      object->insert_or_assign(names.names[i], std::move(field));
+  }
+  values_.resize(first);
+  values_.emplace_back(std::move(object));
 }
 
 LuaValue PublicSink::take() { return takeLast(); }

@@ -18,6 +18,7 @@ namespace tarvel::lua::internal {
 struct RecordKeys {
   struct Key {
     OwnedValue name;
+    TableKey key;
     std::uint32_t hint = 0;
   };
   std::vector<Key> keys;

@@ -380,6 +380,11 @@ MultiValue takeResults(Value completion) {
 }  // namespace
 
 Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, Site site) {
+  const internal::FunctionExpr* const body = frame->function->body;
+  if (body != nullptr && body->parameterCount == count &&
+      stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes)) [[likely]] {
+    return internal::runBody(body, frame);
+  }
   return internal::callAny(*this, frame, count, site);
 }
 

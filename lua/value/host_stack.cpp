@@ -13,35 +13,22 @@ namespace {
 // pointer.
 constexpr std::size_t kUnknownStackBudget = std::size_t{64} << 10;
 
-struct StackBounds {
-  std::uintptr_t low = 0;
-  std::uintptr_t high = 0;
-};
-
-StackBounds threadStackBounds() noexcept {
-  StackBounds bounds;
+ThreadStack askForThreadStack() noexcept {
+  ThreadStack stack;
   pthread_attr_t attributes;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return bounds;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return stack;
   void* low = nullptr;
   std::size_t size = 0;
   std::size_t guard = 0;
   if (pthread_attr_getstack(&attributes, &low, &size) == 0 &&
       pthread_attr_getguardsize(&attributes, &guard) == 0) {
-    bounds.low = reinterpret_cast<std::uintptr_t>(low) + guard;
-    bounds.high = reinterpret_cast<std::uintptr_t>(low) + size;
+    stack.low = reinterpret_cast<std::uintptr_t>(low) + guard;
+    stack.high = reinterpret_cast<std::uintptr_t>(low) + size;
+    stack.floor =
+        stack.low + std::min<std::size_t>(stack_cost::kReserve, (stack.high - stack.low) / 4);
   }
   pthread_attr_destroy(&attributes);
-  return bounds;
-}
-
-const StackBounds& boundsOfThisThread() noexcept {
-  thread_local const StackBounds bounds = threadStackBounds();
-  return bounds;
-}
-
-bool isOnThreadStack(std::uintptr_t here) noexcept {
-  const StackBounds& bounds = boundsOfThisThread();
-  return here > bounds.low && here <= bounds.high;
+  return stack;
 }
 
 // The scopes on stacks of the hosts' own, of all threads: what runs on such a stack may go on on
@@ -51,16 +38,13 @@ HostStackScope* latestScope = nullptr;
 
 }  // namespace
 
-HostStackScope::HostStackScope() noexcept
-    : floor_(hostStackFloor()), isListed_(!isOnThreadStack(hostStackPointer())) {
-  if (!isListed_) return;
+void HostStackScope::enlist() noexcept {
   const std::lock_guard lock(scopesMutex);
   earlier_ = latestScope;
   latestScope = this;
 }
 
-HostStackScope::~HostStackScope() {
-  if (!isListed_) return;
+void HostStackScope::leave() noexcept {
   const std::lock_guard lock(scopesMutex);
   HostStackScope** link = &latestScope;
   while (*link != this) link = &(*link)->earlier_;
@@ -77,11 +61,10 @@ std::uintptr_t HostStackScope::floorOfSwitchedStack(std::uintptr_t here) noexcep
   return floorAbove != 0 ? floorAbove : here - kUnknownStackBudget;
 }
 
-std::uintptr_t hostStackFloor() noexcept {
-  const std::uintptr_t here = hostStackPointer();
-  if (!isOnThreadStack(here)) return HostStackScope::floorOfSwitchedStack(here);
-  const StackBounds& bounds = boundsOfThisThread();
-  return bounds.low + std::min<std::size_t>(stack_cost::kReserve, (bounds.high - bounds.low) / 4);
+std::uintptr_t findHostStackFloor(std::uintptr_t here) noexcept {
+  if (threadStack.high == 0) threadStack = askForThreadStack();
+  return threadStack.contains(here) ? threadStack.floor
+                                    : HostStackScope::floorOfSwitchedStack(here);
 }
 
 std::size_t hostStackRoom() noexcept {

@@ -64,18 +64,39 @@ inline std::uintptr_t hostStackPointer() noexcept {
 #endif
 }
 
+// The stack that the system gave to this thread.
+struct ThreadStack {
+  std::uintptr_t low = 0;
+  std::uintptr_t high = 0;  // 0: not asked for yet, or unknown
+  std::uintptr_t floor = 0;
+
+  bool contains(std::uintptr_t pointer) const noexcept { return pointer > low && pointer <= high; }
+};
+inline constinit thread_local ThreadStack threadStack;
+
+// For a pointer that `threadStack`, as far as it is known, does not contain.
+std::uintptr_t findHostStackFloor(std::uintptr_t here) noexcept;
+
 // The lowest stack pointer that code of this thread may reach and still have room for library calls
 // and for raising an exception. Derived from the real bounds of the thread's stack; on a stack that
 // the host switched to itself, whose bounds nobody knows, from where a HostStackScope began.
-std::uintptr_t hostStackFloor() noexcept;
+inline std::uintptr_t hostStackFloor() noexcept {
+  const std::uintptr_t here = hostStackPointer();
+  return threadStack.contains(here) ? threadStack.floor : findHostStackFloor(here);
+}
 
 // Notes the floor for everything that runs on this stack while it lives. Stands around whatever
 // recurses as deep as the stack allows. Those of several stacks may end in any order, and on
 // another thread than they began on.
 class HostStackScope {
  public:
-  HostStackScope() noexcept;
-  ~HostStackScope();
+  HostStackScope() noexcept
+      : floor_(hostStackFloor()), isListed_(!threadStack.contains(hostStackPointer())) {
+    if (isListed_) enlist();
+  }
+  ~HostStackScope() {
+    if (isListed_) leave();
+  }
   HostStackScope(const HostStackScope&) = delete;
   HostStackScope& operator=(const HostStackScope&) = delete;
 
@@ -83,7 +104,9 @@ class HostStackScope {
   std::uintptr_t floor() const noexcept { return floor_; }
 
  private:
-  friend std::uintptr_t hostStackFloor() noexcept;
+  friend std::uintptr_t findHostStackFloor(std::uintptr_t here) noexcept;
+  void enlist() noexcept;
+  void leave() noexcept;
   static std::uintptr_t floorOfSwitchedStack(std::uintptr_t here) noexcept;
 
   std::uintptr_t floor_;

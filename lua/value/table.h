@@ -81,6 +81,16 @@ class Table : public Object {
     setStringWithHint(key, owned, hint);
   }
 
+  // Stores an owned value under a key that is not in the table, for which `create` made room. Nil
+  // is left out.
+  void addField(TableKey key, Value owned) noexcept {
+    if (owned.isNil()) return;
+    retain(key.toValue());
+    new (&entries_[entryCount_]) Entry{key, owned};
+    ++liveEntries_;
+    indexEntry(entryCount_++);
+  }
+
   // The value of `#`: the number of leading elements that are not nil, and where the array part has
   // no nil, of the keys of the hash part that follow without a gap. Amortised constant time.
   std::int64_t length() noexcept {

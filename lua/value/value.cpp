@@ -74,17 +74,14 @@ Heap& heapOf(Value value) noexcept {
 // Objects that wait for dismantle, newest first: linked through their counts, which are no longer
 // needed. The low bits of a link are the tag of the object it points to. Each holds a share in its
 // heap, because what is dismantled before it may be the host's function that holds its interpreter.
-thread_local std::uint64_t waiting = 0;
-thread_local bool dismantling = false;
-// The DestructionScopes that began while this thread was dismantling.
-thread_local std::size_t interruptions = 0;
+// Here `destruction.waiting` is the newest.
 constexpr std::uint64_t kLinkTagMask = Heap::kGranularity - 1;
 
 void dismantleWaiting() noexcept {
-  while (waiting != 0) {
-    Value next = Value::ofTag(waiting & kLinkTagMask);
-    next.object = reinterpret_cast<Object*>(waiting & ~kLinkTagMask);
-    waiting = next.object->count;
+  while (destruction.waiting != 0) {
+    Value next = Value::ofTag(destruction.waiting & kLinkTagMask);
+    next.object = reinterpret_cast<Object*>(destruction.waiting & ~kLinkTagMask);
+    destruction.waiting = next.object->count;
     Heap& heap = heapOf(next);
     dismantle(next);
     heap.removeOwner();
@@ -93,16 +90,16 @@ void dismantleWaiting() noexcept {
 
 // Whatever may hold other objects. Out of line, so that releasing a string needs no frame.
 [[gnu::noinline]] void destroyContainer(Value value) noexcept {
-  if (dismantling) {
+  if (destruction.isUnderWay) {
     heapOf(value).addOwner();
-    value.object->count = waiting;
-    waiting = reinterpret_cast<std::uintptr_t>(value.object) | value.tag;
+    value.object->count = destruction.waiting;
+    destruction.waiting = reinterpret_cast<std::uintptr_t>(value.object) | value.tag;
     return;
   }
-  dismantling = true;
+  destruction.isUnderWay = true;
   dismantle(value);
   dismantleWaiting();
-  dismantling = false;
+  destruction.isUnderWay = false;
 }
 
 }  // namespace
@@ -113,19 +110,6 @@ void destroyObject(Value value) noexcept {
     return;
   }
   destroyContainer(value);
-}
-
-DestructionScope::DestructionScope() noexcept
-    : waitingOutside_(std::exchange(waiting, 0)),
-      wasDestroying_(std::exchange(dismantling, false)) {
-  if (wasDestroying_) ++interruptions;
-  isNested_ = interruptions > 0;
-}
-
-DestructionScope::~DestructionScope() {
-  if (wasDestroying_) --interruptions;
-  waiting = waitingOutside_;
-  dismantling = wasDestroying_;
 }
 
 ValueKind Value::kind() const noexcept {

@@ -119,23 +119,33 @@ const char* describeValueType(const Value& value) noexcept;
 // Releases an object whose count has reached zero. Long chains are released without recursion.
 void destroyObject(Value value) noexcept;
 
+// What this thread is in the middle of destroying.
+struct DestructionState {
+  std::uint64_t waiting = 0;  // objects that go next; 0 while nothing is under way
+  bool isUnderWay = false;
+  std::size_t interruptions = 0;  // DestructionScopes that began in the middle
+};
+inline constinit thread_local DestructionState destruction;
+
 // While it lives, objects are destroyed as soon as their last reference goes, also if this thread
 // is already in the middle of destroying one. For what a destructor of the host's starts: scripts
 // that run there expect to see their own files closed.
 class DestructionScope {
  public:
-  DestructionScope() noexcept;
-  ~DestructionScope();
+  DestructionScope() noexcept : outside_(destruction) {
+    if (outside_.isUnderWay) destruction = {0, false, outside_.interruptions + 1};
+  }
+  ~DestructionScope() {
+    if (outside_.isUnderWay) destruction = outside_;
+  }
   DestructionScope(const DestructionScope&) = delete;
   DestructionScope& operator=(const DestructionScope&) = delete;
 
   // Whether it, or a scope around it, began in the middle of destroying an object.
-  bool isNested() const noexcept { return isNested_; }
+  bool isNested() const noexcept { return outside_.isUnderWay || outside_.interruptions > 0; }
 
  private:
-  std::uint64_t waitingOutside_;
-  bool wasDestroying_;
-  bool isNested_;
+  const DestructionState outside_;
 };
 
 inline Value retain(Value value) noexcept {

@@ -56,7 +56,7 @@ class TARVELLUA_API Problem {
   bool inField(std::string_view name);
   bool inElement(std::size_t number);  // from 1
   // Goes into a table; says "nested too deeply" when there is no end to it.
-  bool enter();
+  bool enter() { return ++depth_ <= kShallow || enterDeep(); }
   void leave() noexcept { --depth_; }
 
   // "listeners[2].port: a whole number expected, got a string".
@@ -65,6 +65,10 @@ class TARVELLUA_API Problem {
   LuaError toError(std::string_view name = {}) const;
 
  private:
+  static constexpr int kShallow = 16;  // levels for which there is always room
+
+  bool enterDeep();
+
   std::string path_;
   std::string text_;
   int depth_ = 0;
@@ -122,13 +126,14 @@ class TARVELLUA_API ScriptSink {
   void function(const LuaFunction& value);
   void any(const LuaValue& value);
   void object(const void* classKey, std::shared_ptr<void> value);
-  // A table; each value that follows is put into it by one of the next three, until endTable.
+  // A table; each value that follows is put into it by one of the next two, until endTable.
   void beginTable(std::size_t elements, std::size_t members);
   void endElement(std::size_t number);  // from 1
   void endMember(std::string_view key);
-  RecordKeys* beginRecord(const RecordNames& names);
-  void endField(RecordKeys* keys, std::size_t number);
   void endTable() noexcept { --depth_; }
+  // The values of a record's fields follow, and become a table.
+  void beginRecord();
+  void endRecord(const RecordNames& names);
 
  protected:
   ScriptSink() noexcept = default;
@@ -142,8 +147,11 @@ class TARVELLUA_API ScriptSink {
   int depth_ = 0;
 
  private:
+  static constexpr int kShallow = 16;  // levels for which there is always room
+
   void put(RawValue value);
   void makeRoom();
+  void enter();
 };
 
 // One call of a script's function, from the arguments to the results.

@@ -345,13 +345,12 @@ requires(isRecord<T>) struct Conversion<T> {
   static constexpr const char* kArgument = kTable;
   template <class Sink>
   static void give(Sink& sink, const T& value) {
-    RecordKeys* const keys = sink.beginRecord(names());
-    forEachField([&](std::size_t number, const auto& field) {
+    sink.beginRecord();
+    forEachField([&](std::size_t, const auto& field) {
       Conversion<MemberOf<decltype(field)>>::give(sink, value.*field.member);
-      sink.endField(keys, number);
       return true;
     });
-    sink.endTable();
+    sink.endRecord(names());
   }
   template <class Source>
   static bool fits(const Source& source) {
@@ -446,9 +445,9 @@ class TARVELLUA_API PublicSink {
   void beginTable(std::size_t elements, std::size_t members);
   void endElement(std::size_t number);
   void endMember(std::string_view key);
-  RecordKeys* beginRecord(const RecordNames& names);
-  void endField(RecordKeys* names, std::size_t number);
   void endTable() noexcept {}
+  void beginRecord() noexcept {}
+  void endRecord(const RecordNames& names);
   LuaValue take();
 
  private:
