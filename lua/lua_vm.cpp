@@ -63,6 +63,8 @@ void LuaVM::setLimits(const LuaLimits& limits) { impl_->setLimits(limits); }
 
 LuaUsage LuaVM::usage() const noexcept { return impl_->usage(); }
 
+const char* LuaVM::version() noexcept { return TARVELLUA_VERSION; }
+
 // ---- The interpreter behind it ------------------------------------------------------------------
 
 internal::InterpreterInUse::InterpreterInUse(LuaVM::Impl& interpreter) noexcept
