@@ -1,6 +1,7 @@
 # Debian packages, one for each component of TarvelInstall.cmake: `cpack -G DEB` in a build folder.
 set(CPACK_PACKAGE_VENDOR "TarvelLua developers")
 set(CPACK_PACKAGE_CONTACT "TarvelLua developers <noreply@tarvellua.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # it would come before each package's own
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -8,11 +9,11 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-find_program(TARVELLUA_SHLIBDEPS dpkg-shlibdeps)
-mark_as_advanced(TARVELLUA_SHLIBDEPS)
+find_program(TARVELLUA_SHLIBDEPS dpkg-shlibdeps)  # finds what the packages depend on
 if(TARVELLUA_SHLIBDEPS)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 endif()
 
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME tarvellua)
