@@ -78,6 +78,8 @@ void LuaVM::setLimits(const LuaLimits& limits) { impl_->setLimits(limits); }
 
 LuaUsage LuaVM::usage() const noexcept { return impl_->usage(); }
 
+const char* LuaVM::version() noexcept { return TARVELLUA_VERSION; }
+
 // ---- The interpreter behind it ------------------------------------------------------------------
 
 LuaVM::Impl::Impl(LuaVM& ownerVm, const LuaOptions& vmOptions)

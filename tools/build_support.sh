@@ -57,6 +57,8 @@ missingPackages() {
       clang-runtime) [ -n "$(find /usr/lib/llvm-14/lib/clang -name 'libclang_rt.asan*' 2>/dev/null)" ] || echo libclang-rt-14-dev ;;
       clang-format) hasCommand clang-format || echo clang-format ;;
       clang-tidy) hasCommand run-clang-tidy || echo clang-tidy ;;
+      packages) { hasCommand dpkg-shlibdeps || echo dpkg-dev; } && { hasCommand file || echo file; } ;;
+      pkg-config) hasCommand pkg-config || echo pkg-config ;;
     esac
   done
 }

@@ -27,7 +27,8 @@ class TARVELLUA_API LuaFunctionHandle : public std::enable_shared_from_this<LuaF
   // expression.
   std::string name() const;
 
-  struct Target;  // what the handle stands for; private to the interpreter
+  // What the handle stands for; private to the interpreter.
+  struct TARVELLUA_INTERNAL Target;
   explicit LuaFunctionHandle(std::unique_ptr<Target> target);
   const Target& target() const { return *target_; }
 

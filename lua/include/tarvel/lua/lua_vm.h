@@ -7,6 +7,7 @@
 #include <tarvel/lua/lua_options.h>
 #include <tarvel/lua/lua_record.h>
 #include <tarvel/lua/lua_value.h>
+#include <tarvel/lua/lua_version.h>
 
 #include <concepts>
 #include <cstddef>
@@ -142,7 +143,11 @@ class TARVELLUA_API LuaVM {
   void setLimits(const LuaLimits& limits);
   LuaUsage usage() const noexcept;
 
-  class Impl;
+  // The version of the library that is linked. Differs from TARVELLUA_VERSION, for which the host
+  // was compiled, where a shared library was replaced since.
+  static const char* version() noexcept;
+
+  class TARVELLUA_INTERNAL Impl;
 
  private:
   friend class bridge::Call;
