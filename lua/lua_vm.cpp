@@ -1,6 +1,6 @@
 #include <tarvel/lua/lua_vm.h>
 
-#include <exception>
+#include <memory>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "lua/failure_report.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/patterns/searcher.h"
@@ -18,13 +19,14 @@ namespace tarvel::lua {
 using internal::ChunkReference;
 using internal::ExitRequest;
 using internal::ExitSignal;
+using internal::FailureKind;
+using internal::FailureReport;
 using internal::HostStackScope;
 using internal::InterpreterInUse;
 using internal::MultiValue;
 using internal::OwnedValue;
-using internal::ProtectedRuntimeError;
-using internal::RuntimeError;
 using internal::Table;
+using internal::UnparsedError;
 using internal::ValueStack;
 
 LuaVM::LuaVM() : LuaVM(LuaOptions()) {}
@@ -80,6 +82,7 @@ LuaVM::Impl::Impl(LuaVM& ownerVm, const LuaOptions& vmOptions)
       options(vmOptions),
       heap(heapOwner.get()),
       strings(heap),
+      sites(heap),
       patterns(std::make_unique<internal::PatternCache>()) {
   if (options.supervised) heap.meter().setSupervised();
 }
@@ -160,6 +163,17 @@ class RunScope {
   ExitRequest& exit_;
 };
 
+LuaResult makeFailure(const FailureReport& failure, const std::string& chunkName) {
+  LuaResult result;
+  result.error = failure.textFor(chunkName);
+  try {
+    result.detail = std::make_shared<const LuaError>(failure.error());
+  } catch (const std::bad_alloc&) {
+    result.detail = nullptr;  // the words are what a host needs first
+  }
+  return result;
+}
+
 }  // namespace
 
 LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
@@ -179,7 +193,7 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
   try {
     if (ended_) throw std::runtime_error("the interpreter has ended");
     if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
-      throw RuntimeError("stack overflow", 1, true, internal::FailureKind::Stack);
+      throw UnparsedError(FailureKind::Stack, chunkName, 1, 1, "stack overflow");
     MultiValue results;
     {
       const ChunkReference chunk = parseScript(source, chunkName);
@@ -189,12 +203,10 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
   } catch (const ExitSignal& exit) {
     exit_ = {true, exit.code};
     return makeSuccess(MultiValue(Value(static_cast<std::int64_t>(exit.code))));
-  } catch (const ProtectedRuntimeError& error) {
+  } catch (...) {
+    const FailureReport failure(*this);
     scope.reset();
-    return makeFailure(error, chunkName);
-  } catch (const std::exception& error) {
-    scope.reset();
-    return makeFailure(error, chunkName);
+    return makeFailure(failure, chunkName);
   }
 }
 
@@ -211,32 +223,6 @@ LuaResult LuaVM::Impl::makeSuccess(const MultiValue& results) const {
   result.ok = true;
   result.exitRequested = exit_.isMade;
   result.exitCode = exit_.code;
-  return result;
-}
-
-namespace {
-
-std::string located(const std::string& chunkName, unsigned line, std::string_view message) {
-  return (chunkName + ":" + std::to_string(line) + ": ").append(message);
-}
-
-}  // namespace
-
-LuaResult LuaVM::Impl::makeFailure(const ProtectedRuntimeError& error,
-                                   const std::string& chunkName) const {
-  LuaResult result;
-  result.error = error.hasLocation ? located(chunkName, error.site, error.message) : error.message;
-  return result;
-}
-
-LuaResult LuaVM::Impl::makeFailure(const std::exception& error,
-                                   const std::string& chunkName) const {
-  LuaResult result;
-  const auto* const runtimeError = dynamic_cast<const RuntimeError*>(&error);
-  const std::string_view message = internal::exceptionText(error);
-  result.error = runtimeError != nullptr && runtimeError->hasLocation
-                     ? located(chunkName, runtimeError->site, message)
-                     : std::string(message);
   return result;
 }
 

@@ -13,6 +13,7 @@
 #include "lua/value/globals.h"
 #include "lua/value/heap.h"
 #include "lua/value/multi_value.h"
+#include "lua/value/site_table.h"
 #include "lua/value/string_pool.h"
 #include "lua/value/table.h"
 #include "lua/value/value.h"
@@ -90,8 +91,8 @@ class LuaVM::Impl {
   Value publicToValue(const LuaValue& value);  // owned
   // Passes the printable form of a value to `write`, piece by piece.
   static void printPublic(const LuaValue& value, bool (*write)(std::string_view text) noexcept);
-  // Lexes, parses, resolves and prepares a chunk for running. Throws std::runtime_error
-  // "chunk:line:column: message".
+  // Lexes, parses, resolves and prepares a chunk for running. Throws UnparsedError, a
+  // std::runtime_error "chunk:line:column: message".
   internal::ChunkReference parseScript(const std::string& source, const std::string& chunkName);
 
   // ---- Evaluator ----
@@ -129,6 +130,7 @@ class LuaVM::Impl {
   internal::HeapOwner heapOwner;
   internal::Heap& heap;
   internal::StringPool strings;
+  internal::SiteTable sites;
   internal::ValueStack stack;
   internal::Globals globals;
   internal::StandardObjects standard;
@@ -137,9 +139,6 @@ class LuaVM::Impl {
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
   LuaResult makeSuccess(const internal::MultiValue& results) const;
-  LuaResult makeFailure(const internal::ProtectedRuntimeError& error,
-                        const std::string& chunkName) const;
-  LuaResult makeFailure(const std::exception& error, const std::string& chunkName) const;
   // Binds names that are no locals to their global slots.
   void bindGlobalSlots(const std::vector<internal::VariableExpr*>& names);
   std::size_t resolveGlobalSlot(std::string_view name) { return globals.slotOf(name); }

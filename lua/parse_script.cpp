@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "lua/evaluator/frame_planner.h"
 #include "lua/evaluator/node_functions.h"
@@ -35,6 +37,8 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
   internal::ChunkReference chunk(new internal::ResolvedChunk(heap));
   internal::MemoryCharge tokenMemory(heap);
   std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
+  chunk->sites = sites.add(internal::OwnedValue(Value(strings.intern(chunkName))),
+                           internal::Places(heap, tokens));
   internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk();
   internal::Resolver resolver(*chunk);

@@ -1,4 +1,6 @@
 #include <cstdint>
+#include <exception>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -15,6 +17,7 @@
 namespace tarvel::lua {
 
 using internal::failBridgeOut;
+using internal::failHost;
 using internal::failUnsupported;
 using internal::Heap;
 using internal::integerKey;
@@ -247,11 +250,18 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
     bindNativeGlobal(name, {});
     return;
   }
-  bindNativeGlobal(name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments, Site) {
+  bindNativeGlobal(name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments,
+                                                          Site site) {
     Impl& interpreter = Impl::of(vm);
     ToPublic writer(interpreter.heap);
     const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
-    return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
+    try {
+      return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      failHost(site, error);
+    }
   });
 }
 

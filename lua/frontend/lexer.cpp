@@ -85,9 +85,7 @@ char unescape(char c) {
 
 void failParse(const std::string& chunkName, std::uint32_t line, std::uint32_t column,
                const std::string& message) {
-  throw RuntimeError(
-      chunkName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + message, line,
-      false);
+  throw UnparsedError(FailureKind::Syntax, chunkName, line, column, message);
 }
 
 std::vector<Token> Lexer::tokenise() {

@@ -11,8 +11,8 @@
 
 namespace tarvel::lua::internal {
 
-// Rejects a chunk: throws std::runtime_error "chunkName:line:column: message". Lexer and parser
-// report every fault of a source text through this, so all of them have one shape.
+// Rejects a chunk: throws UnparsedError, a std::runtime_error "chunkName:line:column: message".
+// Lexer and parser report every fault of a source text through this, so all of them have one shape.
 [[noreturn]] void failParse(const std::string& chunkName, std::uint32_t line, std::uint32_t column,
                             const std::string& message);
 

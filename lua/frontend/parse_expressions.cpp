@@ -89,10 +89,10 @@ Expr* Parser::parseConcat() {
 }
 
 Expr* Parser::parseConcatChain(Expr* first) {
-  const std::uint32_t line = current().line;
+  const Site site = currentSite();
   std::vector<Expr*> operands{first};
   while (skip(TokenKind::DotDot)) operands.push_back(parseSum());
-  auto* chain = make<ConcatExpr>(chunk_.arena.list(operands), line);
+  auto* chain = make<ConcatExpr>(chunk_.arena.list(operands), site);
   for (const Expr* operand : chain->operands) adopt(chain, operand);
   return complete(chain);
 }
@@ -119,7 +119,7 @@ Expr* Parser::parseUnary() {
   if (!isUnaryOperator(current().kind)) return parsePrefixExpression();
   const Token& op = take();
   Expr* operand = parseOperand();
-  return complete(make<UnaryExpr>(op.kind, operand, op.line), operand);
+  return complete(make<UnaryExpr>(op.kind, operand, siteOf(op)), operand);
 }
 
 Expr* Parser::parseOperand() {
@@ -130,9 +130,9 @@ Expr* Parser::parseOperand() {
 // ---- Primaries and what may follow them ----
 
 Expr* Parser::parsePrefixExpression() {
-  const std::uint32_t line = current().line;
+  const Site site = currentSite();
   Expr* chain = parsePrimary();
-  while (Expr* longer = parseSuffix(chain, line)) chain = longer;
+  while (Expr* longer = parseSuffix(chain, site)) chain = longer;
   return chain;
 }
 
@@ -152,13 +152,13 @@ Expr* Parser::parsePrimary() {
     case TokenKind::False:
       return takeLiteral(Value(false));
     case TokenKind::Function:
-      return parseFunctionBody(take().line, intern("<anonymous>"), false);
+      return parseFunctionBody(takeSite(), intern("<anonymous>"), false);
     case TokenKind::LeftBrace:
       return parseTableConstructor();
     case TokenKind::LeftParen:
       return parseParenthesised();
     case TokenKind::Identifier:
-      return makeVariable(intern(token.text), take().line);
+      return makeVariable(intern(token.text), takeSite());
     default:
       errorAt(token, "expected expression");
   }
@@ -177,44 +177,44 @@ Expr* Parser::parseInnerExpression() {
   return parseExpression();
 }
 
-Expr* Parser::parseSuffix(Expr* object, std::uint32_t line) {
+Expr* Parser::parseSuffix(Expr* object, Site site) {
   switch (current().kind) {
     case TokenKind::Dot:
-      return parseField(object, line);
+      return parseField(object, site);
     case TokenKind::LeftBracket:
-      return parseIndex(object, line);
+      return parseIndex(object, site);
     case TokenKind::Colon:
-      return parseMethodCall(object, line);
+      return parseMethodCall(object, site);
     case TokenKind::LeftParen:
-      return parseCall(object, line);
+      return parseCall(object, site);
     default:
       return nullptr;
   }
 }
 
-Expr* Parser::parseField(Expr* object, std::uint32_t line) {
+Expr* Parser::parseField(Expr* object, Site site) {
   take();
   StringObject* name = expectName("expected field name after '.'");
-  return complete(make<FieldExpr>(object, name, line), object);
+  return complete(make<FieldExpr>(object, name, site), object);
 }
 
-Expr* Parser::parseIndex(Expr* object, std::uint32_t line) {
+Expr* Parser::parseIndex(Expr* object, Site site) {
   take();
   Expr* key = parseInnerExpression();
   expect(TokenKind::RightBracket, "expected ']' after index expression");
-  return complete(make<IndexExpr>(object, key, line), object, key);
+  return complete(make<IndexExpr>(object, key, site), object, key);
 }
 
-Expr* Parser::parseCall(Expr* callee, std::uint32_t line) {
+Expr* Parser::parseCall(Expr* callee, Site site) {
   const ArenaList<Expr*> arguments = parseArguments();
-  return completeCall(make<CallExpr>(callee, arguments, line), callee);
+  return completeCall(make<CallExpr>(callee, arguments, site), callee);
 }
 
-Expr* Parser::parseMethodCall(Expr* object, std::uint32_t line) {
+Expr* Parser::parseMethodCall(Expr* object, Site site) {
   take();
   StringObject* method = expectName("expected method name after ':'");
   const ArenaList<Expr*> arguments = parseArguments();
-  return completeCall(make<CallExpr>(object, method, arguments, line), object);
+  return completeCall(make<CallExpr>(object, method, arguments, site), object);
 }
 
 ArenaList<Expr*> Parser::parseArguments() {
@@ -237,10 +237,10 @@ ArenaList<Expr*> Parser::parseExpressionList() {
 // ---- Tables ----
 
 Expr* Parser::parseTableConstructor() {
-  const std::uint32_t line = take().line;
+  const Site site = takeSite();
   const ArenaList<TableExpr::Field> fields = parseTableFields();
   expect(TokenKind::RightBrace, "expected '}' after table constructor");
-  auto* table = make<TableExpr>(fields, line);
+  auto* table = make<TableExpr>(fields, site);
   for (const TableExpr::Field& field : table->fields) {
     table->positionalCount += field.kind == TableExpr::FieldKind::Positional;
     if (field.key != nullptr) adopt(table, field.key);
@@ -261,27 +261,27 @@ ArenaList<TableExpr::Field> Parser::parseTableFields() {
 
 TableExpr::Field Parser::parseTableField() {
   if (at(TokenKind::LeftBracket)) return parseKeyedField();
-  const std::uint32_t line = current().line;
+  const Site site = currentSite();
   if (at(TokenKind::Identifier) && tokens_[index_ + 1].kind == TokenKind::Assign) {
     StringObject* name = intern(take().text);
     expect(TokenKind::Assign, "expected '=' after table field name");
-    return {TableExpr::FieldKind::Named, name, nullptr, parseExpression(), line};
+    return {TableExpr::FieldKind::Named, name, nullptr, parseExpression(), site};
   }
-  return {TableExpr::FieldKind::Positional, nullptr, nullptr, parseExpression(), line};
+  return {TableExpr::FieldKind::Positional, nullptr, nullptr, parseExpression(), site};
 }
 
 TableExpr::Field Parser::parseKeyedField() {
-  const std::uint32_t line = take().line;
+  const Site site = takeSite();
   Expr* key = parseExpression();
   expect(TokenKind::RightBracket, "expected ']' after table key");
   expect(TokenKind::Assign, "expected '=' after table key");
-  return {TableExpr::FieldKind::Keyed, nullptr, key, parseExpression(), line};
+  return {TableExpr::FieldKind::Keyed, nullptr, key, parseExpression(), site};
 }
 
 // ---- Functions ----
 
-FunctionExpr* Parser::parseFunctionBody(std::uint32_t line, StringObject* name, bool isMethod) {
-  FunctionExpr* function = makeFunction(name, line);
+FunctionExpr* Parser::parseFunctionBody(Site site, StringObject* name, bool isMethod) {
+  FunctionExpr* function = makeFunction(name, site);
   expect(TokenKind::LeftParen, "expected '(' after function name");
   function->parameters = parseParameters(isMethod);
   parseBodyOf(function, {TokenKind::End});
@@ -315,14 +315,14 @@ void Parser::parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind
 
 // ---- Nodes ----
 
-Expr* Parser::takeLiteral(Value value) { return complete(make<LiteralExpr>(value, take().line)); }
+Expr* Parser::takeLiteral(Value value) { return complete(make<LiteralExpr>(value, takeSite())); }
 
-VariableExpr* Parser::makeVariable(StringObject* name, std::uint32_t line) {
-  return complete(make<VariableExpr>(name, line));
+VariableExpr* Parser::makeVariable(StringObject* name, Site site) {
+  return complete(make<VariableExpr>(name, site));
 }
 
 Expr* Parser::makeBinary(Expr* left, const Token& op, Expr* right) {
-  return complete(make<BinaryExpr>(left, op.kind, right, op.line), left, right);
+  return complete(make<BinaryExpr>(left, op.kind, right, siteOf(op)), left, right);
 }
 
 Expr* Parser::completeCall(CallExpr* call, const Expr* calleeOrObject) {
@@ -331,8 +331,8 @@ Expr* Parser::completeCall(CallExpr* call, const Expr* calleeOrObject) {
   return complete(call, calleeOrObject);
 }
 
-FunctionExpr* Parser::makeFunction(StringObject* name, std::uint32_t line) {
-  auto* function = make<FunctionExpr>(line);
+FunctionExpr* Parser::makeFunction(StringObject* name, Site site) {
+  auto* function = make<FunctionExpr>(site);
   function->name = name;
   function->chunk = &chunk_;
   return function;

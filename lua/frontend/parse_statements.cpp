@@ -15,10 +15,11 @@ Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& 
       chunkName_(std::move(chunkName)),
       chunk_(chunk),
       strings_(strings),
-      nestingLimit_(nestingLimit) {}
+      nestingLimit_(nestingLimit),
+      firstSite_(chunk.sites.first()) {}
 
 ArenaList<Stmt*> Parser::parseChunk() {
-  chunk_.main = makeFunction(intern("main chunk"), current().line);
+  chunk_.main = makeFunction(intern("main chunk"), currentSite());
   parseBodyOf(chunk_.main, {});
   return chunk_.main->body->statements;
 }
@@ -32,7 +33,7 @@ Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
   const Level blockLevel(*this);
   const Level statementLevel(*this);
   noteHeight(0);
-  const std::uint32_t line = current().line;
+  const Site site = currentSite();
   std::vector<Stmt*> statements;
   for (;;) {
     while (skip(TokenKind::Semicolon)) continue;
@@ -42,7 +43,7 @@ Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
     }
     statements.push_back(parseStatement());
   }
-  return make<Block>(chunk_.arena.list(statements), line);
+  return make<Block>(chunk_.arena.list(statements), site);
 }
 
 Stmt* Parser::parseStatement() {
@@ -60,7 +61,7 @@ Stmt* Parser::parseStatement() {
     case TokenKind::For:
       return parseFor();
     case TokenKind::Function:
-      return parseFunctionDeclaration(take(), false);
+      return parseFunctionDeclaration(takeSite(), false);
     default:
       return parseAssignmentOrCall();
   }
@@ -69,33 +70,33 @@ Stmt* Parser::parseStatement() {
 // ---- Branches, loops, jumps ----
 
 Stmt* Parser::parseReturn() {
-  const std::uint32_t line = take().line;
+  const Site site = takeSite();
   switch (current().kind) {
     case TokenKind::Semicolon:
     case TokenKind::Else:
     case TokenKind::Elseif:
     case TokenKind::End:
     case TokenKind::EndOfFile:
-      return make<ReturnStmt>(ArenaList<Expr*>(), line);
+      return make<ReturnStmt>(ArenaList<Expr*>(), site);
     default:
-      return make<ReturnStmt>(parseExpressionList(), line);
+      return make<ReturnStmt>(parseExpressionList(), site);
   }
 }
 
 Stmt* Parser::parseBreak() {
   if (functions_.back().loops == 0) errorAt(current(), "break outside a loop");
-  return make<BreakStmt>(take().line);
+  return make<BreakStmt>(takeSite());
 }
 
 Stmt* Parser::parseIf() {
-  const std::uint32_t line = take().line;
+  const Site site = takeSite();
   std::vector<IfStmt::Branch> branches{parseBranch("expected 'then' after if condition")};
   while (skip(TokenKind::Elseif)) {
     branches.push_back(parseBranch("expected 'then' after elseif condition"));
   }
   Block* otherwise = skip(TokenKind::Else) ? parseBlock({TokenKind::End}) : nullptr;
   expect(TokenKind::End, "expected 'end' after if statement");
-  return make<IfStmt>(chunk_.arena.list(branches), otherwise, line);
+  return make<IfStmt>(chunk_.arena.list(branches), otherwise, site);
 }
 
 IfStmt::Branch Parser::parseBranch(const char* missingThen) {
@@ -105,36 +106,36 @@ IfStmt::Branch Parser::parseBranch(const char* missingThen) {
 }
 
 Stmt* Parser::parseWhile() {
-  const std::uint32_t line = take().line;
+  const Site site = takeSite();
   Expr* condition = parseExpression();
   expect(TokenKind::Do, "expected 'do' after while condition");
   Block* body = parseLoopBody("expected 'end' after while loop");
-  return make<WhileStmt>(condition, body, line);
+  return make<WhileStmt>(condition, body, site);
 }
 
 Stmt* Parser::parseFor() {
-  const std::uint32_t line = take().line;
+  const Site site = takeSite();
   StringObject* name = expectName("expected loop variable name");
-  return skip(TokenKind::Assign) ? parseNumericFor(name, line) : parseGenericFor(name, line);
+  return skip(TokenKind::Assign) ? parseNumericFor(name, site) : parseGenericFor(name, site);
 }
 
-Stmt* Parser::parseNumericFor(StringObject* variable, std::uint32_t line) {
+Stmt* Parser::parseNumericFor(StringObject* variable, Site site) {
   Expr* start = parseExpression();
   expect(TokenKind::Comma, "expected ',' after numeric for start value");
   Expr* limit = parseExpression();
   Expr* step = skip(TokenKind::Comma) ? parseExpression() : nullptr;
   expect(TokenKind::Do, "expected 'do' after numeric for range");
   Block* body = parseLoopBody("expected 'end' after numeric for loop");
-  return make<NumericForStmt>(variable, start, limit, step, body, line);
+  return make<NumericForStmt>(variable, start, limit, step, body, site);
 }
 
-Stmt* Parser::parseGenericFor(StringObject* firstName, std::uint32_t line) {
+Stmt* Parser::parseGenericFor(StringObject* firstName, Site site) {
   const ArenaList<StringObject*> names = parseLoopNames(firstName);
   expect(TokenKind::In, "expected 'in' in generic for loop");
   const ArenaList<Expr*> iterators = parseExpressionList();
   expect(TokenKind::Do, "expected 'do' after generic for iterator");
   Block* body = parseLoopBody("expected 'end' after generic for loop");
-  return make<GenericForStmt>(names, iterators, body, line);
+  return make<GenericForStmt>(names, iterators, body, site);
 }
 
 ArenaList<StringObject*> Parser::parseLoopNames(StringObject* first) {
@@ -154,52 +155,52 @@ Block* Parser::parseLoopBody(const char* missingEnd) {
 // ---- Declarations ----
 
 Stmt* Parser::parseLocal() {
-  const std::uint32_t line = take().line;
-  if (at(TokenKind::Function)) return parseFunctionDeclaration(take(), true);
+  const Site site = takeSite();
+  if (at(TokenKind::Function)) return parseFunctionDeclaration(takeSite(), true);
   const ArenaList<AssignTarget> names = parseLocalNames();
   const ArenaList<Expr*> values =
       skip(TokenKind::Assign) ? parseExpressionList() : ArenaList<Expr*>();
-  return make<AssignmentStmt>(true, names, values, line);
+  return make<AssignmentStmt>(true, names, values, site);
 }
 
 ArenaList<AssignTarget> Parser::parseLocalNames() {
   std::vector<AssignTarget> names;
   do {
-    const std::uint32_t line = current().line;
-    names.push_back({makeVariable(expectName("expected local variable name"), line)});
+    const Site site = currentSite();
+    names.push_back({makeVariable(expectName("expected local variable name"), site)});
   } while (skip(TokenKind::Comma));
   return chunk_.arena.list(names);
 }
 
-Stmt* Parser::parseFunctionDeclaration(const Token& keyword, bool isLocal) {
+Stmt* Parser::parseFunctionDeclaration(Site keyword, bool isLocal) {
   if (isLocal) return parseLocalFunction(keyword);
   const DeclaredName name = parseDeclaredName();
-  FunctionExpr* function = parseFunctionBody(keyword.line, name.text, name.isMethod);
-  return make<FunctionDeclarationStmt>(false, name.target, function, keyword.line);
+  FunctionExpr* function = parseFunctionBody(keyword, name.text, name.isMethod);
+  return make<FunctionDeclarationStmt>(false, name.target, function, keyword);
 }
 
-Stmt* Parser::parseLocalFunction(const Token& keyword) {
-  const std::uint32_t nameLine = current().line;
-  VariableExpr* target = makeVariable(expectName("expected local function name"), nameLine);
-  FunctionExpr* function = parseFunctionBody(keyword.line, target->name, false);
-  return make<FunctionDeclarationStmt>(true, AssignTarget{target}, function, keyword.line);
+Stmt* Parser::parseLocalFunction(Site keyword) {
+  const Site nameSite = currentSite();
+  VariableExpr* target = makeVariable(expectName("expected local function name"), nameSite);
+  FunctionExpr* function = parseFunctionBody(keyword, target->name, false);
+  return make<FunctionDeclarationStmt>(true, AssignTarget{target}, function, keyword);
 }
 
 Parser::DeclaredName Parser::parseDeclaredName() {
-  const std::uint32_t line = current().line;
+  const Site site = currentSite();
   StringObject* name = expectName("expected function name");
   std::string text(name->view());
-  Expr* target = makeVariable(name, line);
+  Expr* target = makeVariable(name, site);
   while (skip(TokenKind::Dot)) {
     name = expectName("expected field name after '.'");
     text.append(".").append(name->view());
-    target = complete(make<FieldExpr>(target, name, line), target);
+    target = complete(make<FieldExpr>(target, name, site), target);
   }
   const bool isMethod = skip(TokenKind::Colon);
   if (isMethod) {
     name = expectName("expected method name after ':'");
     text.append(":").append(name->view());
-    target = complete(make<FieldExpr>(target, name, line), target);
+    target = complete(make<FieldExpr>(target, name, site), target);
   }
   return {asFunctionTarget(target), intern(text), isMethod};
 }
@@ -214,18 +215,18 @@ AssignTarget Parser::asFunctionTarget(Expr* expression) {
 // ---- Assignments and calls ----
 
 Stmt* Parser::parseAssignmentOrCall() {
-  const std::uint32_t line = current().line;
+  const Site site = currentSite();
   Expr* expression = parsePrefixExpression();
-  if (at(TokenKind::Assign) || at(TokenKind::Comma)) return parseAssignment(expression, line);
+  if (at(TokenKind::Assign) || at(TokenKind::Comma)) return parseAssignment(expression, site);
   if (expression->kind != ExprKind::Call) errorAt(current(), "expected function call");
-  return make<ExpressionStmt>(static_cast<CallExpr*>(expression), line);
+  return make<ExpressionStmt>(static_cast<CallExpr*>(expression), site);
 }
 
-Stmt* Parser::parseAssignment(Expr* firstTarget, std::uint32_t line) {
+Stmt* Parser::parseAssignment(Expr* firstTarget, Site site) {
   const ArenaList<AssignTarget> targets = parseTargets(firstTarget);
   expect(TokenKind::Assign, "expected '=' in assignment");
   const ArenaList<Expr*> values = parseExpressionList();
-  return make<AssignmentStmt>(false, targets, values, line);
+  return make<AssignmentStmt>(false, targets, values, site);
 }
 
 ArenaList<AssignTarget> Parser::parseTargets(Expr* first) {

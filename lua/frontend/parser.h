@@ -26,14 +26,14 @@ namespace tarvel::lua::internal {
 // the frames of the recursive functions hold no strings and no tokens.
 class Parser {
  public:
-  // `tokens` ends with its only EndOfFile. `strings` supplies the chunk's names and literals.
+  // `tokens` ends with its only EndOfFile; the chunk's sites number them. `strings` supplies the
+  // chunk's names and literals.
   Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
          StringPool& strings, std::uint32_t nestingLimit);
 
-  // Parses all tokens: makes `chunk.main` and returns the statements of its body. Throws
-  // std::runtime_error "chunkName:line:column: message" (failParse) at the first token that does
-  // not fit and where the nesting limit is exceeded ("source is nested too deeply"), and
-  // std::bad_alloc. To be called once.
+  // Parses all tokens: makes `chunk.main` and returns the statements of its body. Throws what
+  // failParse throws at the first token that does not fit and where the nesting limit is exceeded
+  // ("source is nested too deeply"), and std::bad_alloc. To be called once.
   ArenaList<Stmt*> parseChunk();
 
  private:
@@ -70,13 +70,13 @@ class Parser {
   Stmt* parseLocal();
   Stmt* parseBreak();
   Stmt* parseFor();
-  Stmt* parseNumericFor(StringObject* variable, std::uint32_t line);
-  Stmt* parseGenericFor(StringObject* firstName, std::uint32_t line);
+  Stmt* parseNumericFor(StringObject* variable, Site site);
+  Stmt* parseGenericFor(StringObject* firstName, Site site);
   Block* parseLoopBody(const char* missingEnd);
-  Stmt* parseFunctionDeclaration(const Token& keyword, bool isLocal);
-  Stmt* parseLocalFunction(const Token& keyword);
+  Stmt* parseFunctionDeclaration(Site keyword, bool isLocal);
+  Stmt* parseLocalFunction(Site keyword);
   Stmt* parseAssignmentOrCall();
-  Stmt* parseAssignment(Expr* firstTarget, std::uint32_t line);
+  Stmt* parseAssignment(Expr* firstTarget, Site site);
   AssignTarget asAssignTarget(Expr* expression);
   ArenaList<AssignTarget> parseLocalNames();
   ArenaList<AssignTarget> parseTargets(Expr* first);
@@ -103,13 +103,13 @@ class Parser {
   Expr* parseOperand();
   Expr* parsePrefixExpression();
   Expr* parsePrimary();
-  // Reads what may follow an expression in a chain that starts on `line`; null when the chain is at
+  // Reads what may follow an expression in a chain that starts at `site`; null when the chain is at
   // its end.
-  Expr* parseSuffix(Expr* object, std::uint32_t line);
-  Expr* parseField(Expr* object, std::uint32_t line);
-  Expr* parseIndex(Expr* object, std::uint32_t line);
-  Expr* parseCall(Expr* callee, std::uint32_t line);
-  Expr* parseMethodCall(Expr* object, std::uint32_t line);
+  Expr* parseSuffix(Expr* object, Site site);
+  Expr* parseField(Expr* object, Site site);
+  Expr* parseIndex(Expr* object, Site site);
+  Expr* parseCall(Expr* callee, Site site);
+  Expr* parseMethodCall(Expr* object, Site site);
   Expr* parseParenthesised();
   Expr* parseInnerExpression();
   Expr* parseTableConstructor();
@@ -118,16 +118,16 @@ class Parser {
   TableExpr::Field parseKeyedField();
   ArenaList<Expr*> parseExpressionList();
   ArenaList<Expr*> parseArguments();
-  FunctionExpr* parseFunctionBody(std::uint32_t line, StringObject* name, bool isMethod);
+  FunctionExpr* parseFunctionBody(Site site, StringObject* name, bool isMethod);
   ArenaList<StringObject*> parseParameters(bool isMethod);
   void parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind> terminators);
 
   // Nodes.
   Expr* takeLiteral(Value value);
-  VariableExpr* makeVariable(StringObject* name, std::uint32_t line);
+  VariableExpr* makeVariable(StringObject* name, Site site);
   Expr* makeBinary(Expr* left, const Token& op, Expr* right);
   Expr* completeCall(CallExpr* call, const Expr* calleeOrObject);
-  FunctionExpr* makeFunction(StringObject* name, std::uint32_t line);
+  FunctionExpr* makeFunction(StringObject* name, Site site);
 
   template <class T, class... Arguments>
   T* make(Arguments&&... arguments) {
@@ -155,6 +155,12 @@ class Parser {
   const Token& current() const { return tokens_[index_]; }
   bool at(TokenKind kind) const { return current().kind == kind; }
   const Token& take() { return tokens_[index_++]; }  // never EndOfFile
+  // Sites number the tokens: see parseScript.
+  Site currentSite() const { return firstSite_ + static_cast<Site>(index_); }
+  Site takeSite() { return firstSite_ + static_cast<Site>(index_++); }
+  Site siteOf(const Token& token) const {
+    return firstSite_ + static_cast<Site>(&token - tokens_.data());
+  }
   bool skip(TokenKind kind);
   // These fail with `message` at the current token.
   const Token& expect(TokenKind kind, const char* message);
@@ -170,6 +176,7 @@ class Parser {
   ResolvedChunk& chunk_;
   StringPool& strings_;
   const std::uint32_t nestingLimit_;
+  const Site firstSite_;
   std::size_t index_ = 0;
   std::uint32_t depth_ = 0;              // levels that are open
   std::vector<OpenFunction> functions_;  // innermost last; the chunk itself first

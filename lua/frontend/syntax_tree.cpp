@@ -8,6 +8,7 @@ void ResolvedChunk::close() noexcept {
   for (StringObject* text : strings) drop(Value(text));
   strings = std::vector<StringObject*>();
   arena.clear();
+  sites.clear();
 }
 
 StringObject* ResolvedChunk::own(StringObject* text) {

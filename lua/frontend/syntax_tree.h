@@ -6,6 +6,7 @@
 #include "lua/frontend/arena.h"
 #include "lua/frontend/token.h"
 #include "lua/value/function_handle.h"
+#include "lua/value/site_table.h"
 #include "lua/value/value.h"
 
 // The tree that the parser builds, the resolver binds, the frame planner lays out and the evaluator
@@ -400,12 +401,13 @@ struct ResolvedChunk final : FunctionCode {
   // Keeps `text`, an owned reference, alive as long as the tree, and returns it.
   StringObject* own(StringObject* text);
 
+  SiteRange sites;  // of its tokens
   Arena arena;
   FunctionExpr* main = nullptr;  // the top level as a function without parameters
   std::vector<StringObject*> strings;
 
  private:
-  void close() noexcept override;  // gives up the tree and its strings
+  void close() noexcept override;  // gives up the tree, its strings and its sites
 };
 
 // A reference to a chunk, as the run and every closure hold one.

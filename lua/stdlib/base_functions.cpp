@@ -128,7 +128,7 @@ MultiValue outOfMemory(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
 
 }  // namespace
 
-// ExitSignal and what a host throws besides standard exceptions pass through.
+// ExitSignal, StopSignal and what a host throws besides standard exceptions pass through.
 MultiValue basePcall(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("pcall", args.size(), 1, kAnyCount);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);

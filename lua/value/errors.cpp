@@ -20,6 +20,10 @@ void failRuntime(Site site, const char* message, FailureKind kind) {
   failRuntime(site, std::string(message), kind);
 }
 
+void failHost(Site site, const std::exception& error) {
+  throw RuntimeError(std::string(exceptionText(error)), site, false, FailureKind::Host);
+}
+
 void unreachable(const char* message) { throw std::runtime_error(message); }
 
 std::string_view exceptionText(const std::exception& error) noexcept {

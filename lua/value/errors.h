@@ -8,19 +8,22 @@
 
 namespace tarvel::lua::internal {
 
-// The number of a place in a script's text. Nodes carry one, and functions of the library get that
-// of their call and pass it on unseen; what it stands for is looked up when a failure is reported.
+// The number of a place in a script's text, or 0 where no script is active. Nodes carry one, and
+// functions of the library get that of their call and pass it on unseen; what it stands for is
+// looked up in the interpreter's SiteTable when a failure is reported.
 using Site = std::uint32_t;
 
 // What kind of failure a script error is for the host. Scripts see no difference.
 enum class FailureKind : std::uint8_t {
+  Syntax,  // a text is not well-formed
   Script,  // of the script or of a library function
   Host,    // a std::exception that a function of the host threw
   Stack,   // calls nested too deeply
   Memory,  // not enough memory
 };
 
-// A script error raised outside any pcall.
+// A script error raised outside any pcall. `hasLocation` is whether the text of a failed run names
+// the line; the site may be known all the same.
 class RuntimeError : public std::runtime_error {
  public:
   RuntimeError(const std::string& text, Site errorSite, bool located,
@@ -46,6 +49,27 @@ struct ProtectedRuntimeError {
   FailureKind kind;
 };
 
+// A failure where there is no tree whose nodes could have a site: a fault in a source text, or no
+// room to begin with one. As a standard exception its text is "chunk:line:column: message".
+class UnparsedError : public std::runtime_error {
+ public:
+  UnparsedError(FailureKind failureKind, const std::string& chunkName, std::uint32_t errorLine,
+                std::uint32_t errorColumn, const std::string& text)
+      : std::runtime_error(chunkName + ":" + std::to_string(errorLine) + ":" +
+                           std::to_string(errorColumn) + ": " + text),
+        kind(failureKind),
+        chunk(chunkName),
+        line(errorLine),
+        column(errorColumn),
+        message(text) {}
+
+  FailureKind kind;
+  std::string chunk;
+  std::uint32_t line;
+  std::uint32_t column;  // in bytes
+  std::string message;
+};
+
 // os.exit on its way to the run's start; pcall lets it pass.
 struct ExitSignal {
   std::int32_t code;
@@ -68,6 +92,10 @@ struct StopSignal {
 // "attempt to <action> a <kind> value" and the like are built here, away from the hot paths.
 [[noreturn]] void failRuntime(Site site, const char* message,
                               FailureKind kind = FailureKind::Script);
+
+// Raises what a function of the host threw as a script error with the exception's text. The text of
+// a failed run deliberately names no line: hosts know these texts without one.
+[[noreturn]] void failHost(Site site, const std::exception& error);
 
 // Raises a std::runtime_error: the interpreter itself is wrong, for a well-formed tree never gets
 // here. Ends switches over operators and kinds of nodes, so that one that is new and forgotten

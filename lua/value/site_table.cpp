@@ -1,0 +1,44 @@
+#include "lua/value/site_table.h"
+
+#include <algorithm>
+#include <new>
+
+namespace tarvel::lua::internal {
+
+Place Places::operator[](std::uint32_t index) const noexcept {
+  const auto nextLine = std::ranges::upper_bound(lineStarts_, index);
+  return {static_cast<std::uint32_t>(nextLine - lineStarts_.begin()), columns_[index]};
+}
+
+void SiteRange::clear() noexcept {
+  if (table_ != nullptr) table_->chunks_.erase(last_);
+  table_ = nullptr;
+}
+
+SiteRange SiteTable::add(OwnedValue chunkName, Places places) {
+  Site first = roomFrom(next_, places.size());
+  if (first == 0) first = roomFrom(1, places.size());
+  if (first == 0) throw std::bad_alloc();
+  const Site last = first + static_cast<Site>(places.size() - 1);
+  chunks_.try_emplace(last, std::move(chunkName), first, std::move(places));
+  next_ = last == last_ ? 1 : last + 1;
+  return {*this, first, last};
+}
+
+// The first of `count` numbers in a row that are free, at `first` or behind it; 0 if there are
+// none.
+Site SiteTable::roomFrom(std::uint64_t first, std::uint64_t count) const noexcept {
+  auto chunk = chunks_.lower_bound(static_cast<Site>(first));
+  for (; chunk != chunks_.end() && first + count > chunk->second.first; ++chunk) {
+    first = std::uint64_t{chunk->first} + 1;
+  }
+  return first + count - 1 <= last_ ? static_cast<Site>(first) : 0;
+}
+
+SiteTable::Entry SiteTable::find(Site site) const noexcept {
+  const auto chunk = chunks_.lower_bound(site);
+  if (chunk == chunks_.end() || site < chunk->second.first) return {};
+  return {chunk->second.name, chunk->second.places[site - chunk->second.first]};
+}
+
+}  // namespace tarvel::lua::internal

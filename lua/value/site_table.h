@@ -1,0 +1,127 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "lua/value/errors.h"
+#include "lua/value/heap_allocator.h"
+#include "lua/value/value.h"
+
+namespace tarvel::lua::internal {
+
+// Where a token begins: line and column, in bytes, both from 1.
+struct Place {
+  std::uint32_t line = 0;
+  std::uint32_t column = 0;
+};
+
+// A chunk's places, one for each token, in the order of the text. They stay as long as the chunk,
+// so a place takes no more than its column; few people ask for lines.
+class Places {
+ public:
+  // A Token has `line` and `column`.
+  template <class Token>
+  Places(Heap& heap, const std::vector<Token>& tokens)
+      : columns_(tokens.size(), HeapAllocator<std::uint32_t>(heap)),
+        lineStarts_(HeapAllocator<std::uint32_t>(heap)) {
+    std::uint32_t* column = columns_.data();
+    std::uint32_t line = 0;
+    for (const Token& token : tokens) {
+      if (token.line > line) {
+        line = token.line;
+        lineStarts_.resize(line, static_cast<std::uint32_t>(column - columns_.data()));
+      }
+      *column++ = token.column;
+    }
+  }
+
+  std::size_t size() const noexcept { return columns_.size(); }
+  Place operator[](std::uint32_t index) const noexcept;
+
+ private:
+  using Numbers = std::vector<std::uint32_t, HeapAllocator<std::uint32_t>>;
+
+  Numbers columns_;
+  Numbers lineStarts_;  // for each line, how many places are before it
+};
+
+class SiteTable;
+
+// The sites of one chunk: a number for each of its places, one after the other. They go back to the
+// table, which must outlive them, when this is cleared or destroyed.
+class SiteRange {
+ public:
+  SiteRange() noexcept = default;
+  SiteRange& operator=(SiteRange&& other) noexcept {
+    std::swap(table_, other.table_);
+    std::swap(first_, other.first_);
+    std::swap(last_, other.last_);
+    return *this;
+  }
+  ~SiteRange() { clear(); }
+
+  Site first() const noexcept { return first_; }
+  void clear() noexcept;
+
+ private:
+  friend class SiteTable;
+  SiteRange(SiteTable& table, Site first, Site last) noexcept
+      : table_(&table), first_(first), last_(last) {}
+
+  SiteTable* table_ = nullptr;
+  Site first_ = 0;
+  Site last_ = 0;
+};
+
+// What the sites of an interpreter stand for, for as long as their chunks live. 0 is no site.
+//
+// Numbers are handed out in rising order, and once the largest has been reached again from 1 on,
+// in the gaps that chunks have left. So a number is not used again soon, and there is always a next
+// one, however many have been used over time.
+class SiteTable {
+ public:
+  // What one site stands for.
+  struct Entry {
+    OwnedValue chunkName;  // a string; nil for an unknown site
+    Place place;
+  };
+
+  // Numbers end at `last`.
+  explicit SiteTable(Heap& heap, Site last = std::numeric_limits<Site>::max())
+      : chunks_(HeapAllocator<Chunks::value_type>(heap)), last_(last) {}
+  SiteTable(const SiteTable&) = delete;
+  SiteTable& operator=(const SiteTable&) = delete;
+
+  // Numbers `places`, of which there is one at least. Throws std::bad_alloc.
+  SiteRange add(OwnedValue chunkName, Places places);
+
+  // Allocates nothing.
+  Entry find(Site site) const noexcept;
+
+ private:
+  friend class SiteRange;
+
+  struct Chunk {
+    Chunk(OwnedValue chunkName, Site firstSite, Places chunkPlaces) noexcept
+        : name(std::move(chunkName)), first(firstSite), places(std::move(chunkPlaces)) {}
+
+    OwnedValue name;
+    Site first;
+    Places places;
+  };
+  // By the last site of each.
+  using Chunks = std::map<Site, Chunk, std::less<>, HeapAllocator<std::pair<const Site, Chunk>>>;
+
+  Site roomFrom(std::uint64_t first, std::uint64_t count) const noexcept;
+
+  Chunks chunks_;
+  const std::uint64_t last_;  // the largest number
+  Site next_ = 1;             // where to look for room first
+};
+
+}  // namespace tarvel::lua::internal
