@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "lua/value/errors.h"
@@ -25,6 +26,7 @@ namespace tarvel::lua {
 
 namespace internal {
 class ChunkReference;
+class NativeClass;
 class PatternCache;
 struct ResolvedChunk;
 struct VariableExpr;
@@ -32,9 +34,11 @@ struct VariableExpr;
 // Objects that are always there.
 struct StandardObjects {
   OwnedValue output;                  // io.stdout as it was made; scripts may overwrite the field
-  OwnedValue function;                // any function
   OwnedValue outOfMemoryText;         // the message, made while there is memory
   std::size_t stringLibrarySlot = 0;  // of the global `string`
+  // Of open files and of streams. They belong to the heap.
+  NativeClass* fileClass = nullptr;
+  NativeClass* streamClass = nullptr;
 };
 
 // The os.exit that ended the current run.
@@ -104,17 +108,11 @@ class LuaVM::Impl {
   bool callPredicate(const Value& callee, const Value& first, const Value& second, Site site);
   // Runs a chunk's top level as a function without parameters.
   internal::MultiValue runChunk(internal::ResolvedChunk& chunk);
-  // object[key], owned; both are borrowed.
-  Value indexValue(const Value& object, const Value& key, Site site);
-  // object:name and object.name, owned. The hint is as in Table::getString.
-  Value indexField(const Value& object, internal::StringObject* name, std::uint32_t& hint,
-                   Site site);
 
   // ---- Library ----
   void bindDefaults();
+  void defineFileClasses();
   void bindNativeGlobal(const std::string& name, internal::NativeFunction function);
-  // A field of a file or stream: a bound method, owned, or nil.
-  Value nativeObjectField(internal::NativeObject& object, internal::StringObject* name);
 
   // ---- Helpers of all layers ----
   Value makeString(std::string_view bytes) { return strings.make(bytes); }     // owned
@@ -133,6 +131,8 @@ class LuaVM::Impl {
   internal::Globals globals;
   internal::StandardObjects standard;
   std::unique_ptr<internal::PatternCache> patterns;
+  // Of the host's types, by what tells these apart. They belong to the heap.
+  std::unordered_map<const void*, internal::NativeClass*> hostClasses;
 
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
