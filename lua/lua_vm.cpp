@@ -24,8 +24,10 @@ using internal::MultiValue;
 using internal::OwnedValue;
 using internal::ProtectedRuntimeError;
 using internal::RuntimeError;
+using internal::StopSignal;
 using internal::Table;
 using internal::ValueStack;
+using internal::WorkMeter;
 
 LuaVM::LuaVM() : LuaVM(LuaOptions()) {}
 
@@ -80,7 +82,7 @@ LuaVM::Impl::Impl(LuaVM& ownerVm, const LuaOptions& vmOptions)
       options(vmOptions),
       heap(heapOwner.get()),
       strings(heap),
-      patterns(std::make_unique<internal::PatternCache>()) {
+      patterns(std::make_unique<internal::PatternCache>(heap)) {
   if (options.supervised) heap.meter().setSupervised();
 }
 
@@ -139,16 +141,22 @@ namespace {
 // no exit that would be taken for one of a run around it.
 class RunScope {
  public:
-  RunScope(ValueStack& stack, ExitRequest& exit)
+  RunScope(ValueStack& stack, ExitRequest& exit, WorkMeter& meter, std::size_t& activeRuns)
       : stack_(stack),
         mark_(destruction_.isNested() ? stack.markBeyondFrames() : stack.mark()),
-        exit_(exit) {
+        exit_(exit),
+        meter_(meter),
+        activeRuns_(activeRuns) {
     stack_.enterThread();
+    ++activeRuns_;
   }
   ~RunScope() {
     stack_.unwindTo(mark_);
     exit_ = {};
+    if (--activeRuns_ == 0) meter_.endRun();
   }
+  // Runs inside others share what those may do.
+  bool isOutermost() const noexcept { return activeRuns_ == 1; }
   RunScope(const RunScope&) = delete;
   RunScope& operator=(const RunScope&) = delete;
 
@@ -158,7 +166,21 @@ class RunScope {
   ValueStack& stack_;
   ValueStack::Mark mark_;
   ExitRequest& exit_;
+  WorkMeter& meter_;
+  std::size_t& activeRuns_;
 };
+
+const char* describe(StopSignal::Reason reason) noexcept {
+  switch (reason) {
+    case StopSignal::Reason::Steps:
+      return "used up its steps";
+    case StopSignal::Reason::Time:
+      return "used up its time";
+    case StopSignal::Reason::Request:
+      break;
+  }
+  return "stopped by the host";
+}
 
 }  // namespace
 
@@ -175,8 +197,9 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
 // Throws std::bad_alloc when there is no memory to say what failed. What the run held is released
 // before that is put into words.
 LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
-  std::optional<RunScope> scope(std::in_place, stack, exit_);
+  std::optional<RunScope> scope(std::in_place, stack, exit_, heap.meter(), activeRuns_);
   try {
+    if (scope->isOutermost()) heap.meter().beginRun();
     if (ended_) throw std::runtime_error("the interpreter has ended");
     if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
       throw RuntimeError("stack overflow", 1, true, internal::FailureKind::Stack);
@@ -189,6 +212,9 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
   } catch (const ExitSignal& exit) {
     exit_ = {true, exit.code};
     return makeSuccess(MultiValue(Value(static_cast<std::int64_t>(exit.code))));
+  } catch (const StopSignal& stop) {
+    scope.reset();
+    return makeFailure(ProtectedRuntimeError{describe(stop.reason), stop.site, true, {}}, chunkName);
   } catch (const ProtectedRuntimeError& error) {
     scope.reset();
     return makeFailure(error, chunkName);
