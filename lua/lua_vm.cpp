@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "lua/evaluator/trace.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/patterns/searcher.h"
@@ -172,11 +173,52 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
   }
 }
 
+namespace {
+
+using internal::StopSignal;
+
+const char* stopText(StopSignal::Reason reason) noexcept {
+  switch (reason) {
+    case StopSignal::Reason::Steps:
+      return "too many steps";
+    case StopSignal::Reason::Time:
+      return "out of time";
+    case StopSignal::Reason::Request:
+      return "stopped";
+  }
+  return "";
+}
+
+LuaError::Kind kindOf(StopSignal::Reason reason) noexcept {
+  switch (reason) {
+    case StopSignal::Reason::Steps:
+      return LuaError::Kind::Steps;
+    case StopSignal::Reason::Time:
+      return LuaError::Kind::Time;
+    case StopSignal::Reason::Request:
+      return LuaError::Kind::Stopped;
+  }
+  return LuaError::Kind::Script;
+}
+
+void describe(LuaResult& result, LuaError::Kind kind, const internal::Trace& trace,
+              const std::string& chunkName) {
+  LuaError error;
+  error.kind = kind;
+  error.message = result.error;
+  error.trace = trace.frames(chunkName);
+  result.detail = std::make_shared<const LuaError>(std::move(error));
+}
+
+}  // namespace
+
 // Throws std::bad_alloc when there is no memory to say what failed. What the run held is released
 // before that is put into words.
 LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
+  internal::RunSupervision run(*this);
   std::optional<RunScope> scope(std::in_place, stack, exit_);
   try {
+    run.begin();
     if (ended_) throw std::runtime_error("the interpreter has ended");
     if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
       throw RuntimeError("stack overflow", 1, true, internal::FailureKind::Stack);
@@ -189,12 +231,25 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
   } catch (const ExitSignal& exit) {
     exit_ = {true, exit.code};
     return makeSuccess(MultiValue(Value(static_cast<std::int64_t>(exit.code))));
+  } catch (const StopSignal& stop) {
+    run.trace.locate(stop.site);
+    scope.reset();
+    LuaResult result = makeFailure(RuntimeError(stopText(stop.reason), stop.site, true), chunkName);
+    describe(result, kindOf(stop.reason), run.trace, chunkName);
+    return result;
   } catch (const ProtectedRuntimeError& error) {
+    run.trace.locate(error.hasLocation ? error.site : 0);
     scope.reset();
-    return makeFailure(error, chunkName);
+    LuaResult result = makeFailure(error, chunkName);
+    describe(result, LuaError::Kind::Script, run.trace, chunkName);
+    return result;
   } catch (const std::exception& error) {
+    const auto* const located = dynamic_cast<const RuntimeError*>(&error);
+    run.trace.locate(located != nullptr && located->hasLocation ? located->site : 0);
     scope.reset();
-    return makeFailure(error, chunkName);
+    LuaResult result = makeFailure(error, chunkName);
+    describe(result, LuaError::Kind::Script, run.trace, chunkName);
+    return result;
   }
 }
 

@@ -26,6 +26,7 @@ namespace tarvel::lua {
 namespace internal {
 class ChunkReference;
 class PatternCache;
+class RunSupervision;
 struct ResolvedChunk;
 struct VariableExpr;
 
@@ -133,6 +134,7 @@ class LuaVM::Impl {
   internal::Globals globals;
   internal::StandardObjects standard;
   std::unique_ptr<internal::PatternCache> patterns;
+  internal::RunSupervision* supervision = nullptr;  // of the innermost run
 
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);

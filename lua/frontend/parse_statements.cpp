@@ -18,7 +18,7 @@ Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& 
       nestingLimit_(nestingLimit) {}
 
 ArenaList<Stmt*> Parser::parseChunk() {
-  chunk_.main = makeFunction(intern("main chunk"), current().line);
+  chunk_.main = makeFunction(intern("<chunk>"), current().line);
   parseBodyOf(chunk_.main, {});
   return chunk_.main->body->statements;
 }

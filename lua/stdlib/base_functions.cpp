@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "lua/evaluator/trace.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/files/standard_streams.h"
@@ -114,15 +115,21 @@ MultiValue baseError(LuaVM& vm, ValueSpan args, Site site) {
 
 namespace {
 
+// The error goes no further.
+void sweep(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
+  interpreter.supervision->trace.clear();
+  interpreter.stack.unwindTo(mark);
+}
+
 MultiValue failedCall(LuaVM::Impl& interpreter, const ValueStack::Mark& mark,
                       std::string_view message) {
-  interpreter.stack.unwindTo(mark);
+  sweep(interpreter, mark);
   return MultiValue{Value(false), interpreter.makeString(message)};
 }
 
 // There may be no memory for a message either.
 MultiValue outOfMemory(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
-  interpreter.stack.unwindTo(mark);
+  sweep(interpreter, mark);
   return MultiValue{Value(false), retain(interpreter.standard.outOfMemoryText.get())};
 }
 

@@ -7,10 +7,19 @@ namespace tarvel::lua::internal {
 void WorkMeter::beginRun() {
   if (!supervised_) return;
   runLimits_ = limits_;
+  isRunning_ = true;
   usedBefore_ = 0;
   if (runLimits_.time.count() > 0) deadline_ = std::chrono::steady_clock::now() + runLimits_.time;
   startSlice();
   if (runLimits_.stop.stop_requested()) throw StopSignal{StopSignal::Reason::Request, 0};
+}
+
+void WorkMeter::endRun() noexcept {
+  if (!isRunning_) return;
+  usedByLastRun_ = usedSteps();
+  isRunning_ = false;
+  runLimits_ = {};
+  startSlice();
 }
 
 void WorkMeter::startSlice() noexcept {
@@ -22,7 +31,7 @@ void WorkMeter::startSlice() noexcept {
   left_ = slice_;
 }
 
-void WorkMeter::endSlice(Site site) {
+void WorkMeter::endSlice(const Site& site) {
   if (!supervised_) {
     left_ = slice_ = kUnlimited;
     return;
@@ -38,7 +47,7 @@ void WorkMeter::endSlice(Site site) {
 }
 
 std::uint64_t WorkMeter::usedSteps() const noexcept {
-  if (!supervised_) return 0;
+  if (!isRunning_) return usedByLastRun_;
   const std::uint64_t used = usedBefore_ + static_cast<std::uint64_t>(slice_ - left_);
   return runLimits_.steps > 0 ? std::min(used, runLimits_.steps) : used;
 }

@@ -31,9 +31,11 @@ class WorkMeter {
 
   // A run begins that no other run is around of. Throws StopSignal when it must end at once.
   void beginRun();
+  // It has ended. What is counted from here on is nobody's and ends nothing.
+  void endRun() noexcept;
 
   // One step, about to be done at `site`.
-  void step(Site site) {
+  void step(const Site& site) {
     if (--left_ < 0) [[unlikely]]
       endSlice(site);
   }
@@ -59,13 +61,15 @@ class WorkMeter {
   static constexpr std::uint64_t kMostAtOnce = std::uint64_t{1} << 40;
   static constexpr std::int64_t kUnlimited = std::int64_t{1} << 62;
 
-  void endSlice(Site site);
+  void endSlice(const Site& site);
   void startSlice() noexcept;
 
   std::int64_t left_ = kUnlimited;  // of the slice; below 0 when more was done
   std::int64_t slice_ = kUnlimited;
   std::uint64_t usedBefore_ = 0;  // in the slices before this one
+  std::uint64_t usedByLastRun_ = 0;
   bool supervised_ = false;
+  bool isRunning_ = false;
   Limits limits_;
   Limits runLimits_;  // of the run that is under way
   std::chrono::steady_clock::time_point deadline_;
