@@ -28,6 +28,7 @@ constexpr std::size_t kSlabBlockBytes = Heap::kSlabBytes - Heap::kGranularity;
 constexpr std::size_t kFirstRegionBytes = std::size_t{1} << 20;
 constexpr std::size_t kSmallestRegionBytes = std::size_t{256} << 10;
 constexpr std::size_t kLargestRegionBytes = std::size_t{64} << 20;
+constexpr std::size_t kReclaimedBytesPerStep = 1024;
 
 std::byte* roundUp(std::byte* address, std::size_t alignment) {
   const auto value = reinterpret_cast<std::uintptr_t>(address);
@@ -158,6 +159,7 @@ bool Heap::addRegion() noexcept {
 // is proportional to the number of free blocks; so this is done only where an allocation would fail
 // otherwise.
 void Heap::reclaimSlabs() noexcept {
+  meter_.note(chargedBytes_ / kReclaimedBytesPerStep);
   leaveSlab();
   countFreeBytes();
   forgetBlocksOfFreeSlabs();
