@@ -3,21 +3,24 @@
 #include <tarvel/lua/lua_vm.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "lua/record_keys.h"
 #include "lua/value/errors.h"
 #include "lua/value/function_handle.h"
 #include "lua/value/globals.h"
 #include "lua/value/heap.h"
 #include "lua/value/multi_value.h"
+#include "lua/value/record_keys.h"
 #include "lua/value/site_table.h"
 #include "lua/value/string_pool.h"
 #include "lua/value/table.h"
+#include "lua/value/trace.h"
 #include "lua/value/value.h"
 #include "lua/value/value_stack.h"
 
@@ -28,23 +31,22 @@ namespace tarvel::lua {
 
 namespace internal {
 class ChunkReference;
+class NativeClass;
+class MemoryCharge;
 class PatternCache;
 struct ResolvedChunk;
 struct VariableExpr;
 
 // Objects that are always there.
 struct StandardObjects {
-  OwnedValue output;                  // io.stdout as it was made; scripts may overwrite the field
-  OwnedValue function;                // any function
+  OwnedValue output;  // io.stdout as it was made, if at all; scripts may overwrite the field
   OwnedValue outOfMemoryText;         // the message, made while there is memory
   std::size_t stringLibrarySlot = 0;  // of the global `string`
+  // Of open files and of streams. They belong to the heap.
+  NativeClass* fileClass = nullptr;
+  NativeClass* streamClass = nullptr;
 };
 
-// The os.exit that ended the current run.
-struct ExitRequest {
-  bool isMade = false;
-  std::int32_t code = 0;
-};
 // Keeps the interpreter while a function of the facade uses it: what runs there may destroy the
 // host's LuaVM.
 class InterpreterInUse {
@@ -90,9 +92,13 @@ class LuaVM::Impl {
   void bindFunction(const std::string& name, HostFunction function);
   // Borrow their argument; throw std::runtime_error for what cannot cross.
   LuaValue valueToPublic(const Value& value) const;
+  // The copies count as memory as long as `memory` lives.
+  std::vector<LuaValue> valuesToPublic(internal::ValueSpan values, internal::MemoryCharge& memory,
+                                       Site site) const;
   Value publicToValue(const LuaValue& value);  // owned
-  // Passes the printable form of a value to `write`, piece by piece.
-  static void printPublic(const LuaValue& value, bool (*write)(std::string_view text) noexcept);
+  // Passes the line that `print` writes to `write`, piece by piece.
+  void printValues(internal::ValueSpan values, Site site,
+                   const std::function<void(std::string_view text)>& write);
   // Lexes, parses, resolves and prepares a chunk for running. Throws UnparsedError, a
   // std::runtime_error "chunk:line:column: message".
   internal::ChunkReference parseScript(const std::string& source, const std::string& chunkName,
@@ -127,17 +133,11 @@ class LuaVM::Impl {
   internal::MultiValue runChunk(internal::ResolvedChunk& chunk);
   // A chunk's top level as a function, owned.
   Value makeMain(internal::ResolvedChunk& chunk);
-  // object[key], owned; both are borrowed.
-  Value indexValue(const Value& object, const Value& key, Site site);
-  // object:name and object.name, owned. The hint is as in Table::getString.
-  Value indexField(const Value& object, internal::StringObject* name, std::uint32_t& hint,
-                   Site site);
 
   // ---- Library ----
   void bindDefaults();
+  void defineFileClasses();
   void bindNativeGlobal(const std::string& name, internal::NativeFunction function);
-  // A field of a file or stream: a bound method, owned, or nil.
-  Value nativeObjectField(internal::NativeObject& object, internal::StringObject* name);
 
   // ---- Helpers of all layers ----
   Value makeString(std::string_view bytes) { return strings.make(bytes); }     // owned
@@ -158,17 +158,20 @@ class LuaVM::Impl {
   internal::StandardObjects standard;
   std::unique_ptr<internal::PatternCache> patterns;
   internal::RecordKeyCache records;
+  // Of the host's types, by what tells these apart. They belong to the heap.
+  std::unordered_map<const void*, internal::NativeClass*> hostClasses;
+  internal::Trace trace;       // of an exception on its way through supervised calls
+  std::size_t activeRuns = 0;  // of a supervised interpreter
 
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
-  LuaResult makeSuccess(const internal::MultiValue& results) const;
+  LuaResult makeSuccess(internal::ValueSpan results) const;
   // Binds names that are no locals to their global slots.
   void bindGlobalSlots(const std::vector<internal::VariableExpr*>& names);
   std::size_t resolveGlobalSlot(std::string_view name) { return globals.slotOf(name); }
 
   friend class internal::InterpreterInUse;
   std::size_t uses_ = 0;  // by functions of the facade that have not returned
-  internal::ExitRequest exit_;
   bool ended_ = false;
 };
 

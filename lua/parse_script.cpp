@@ -28,13 +28,6 @@ std::uint32_t nestingLimit() {
       std::min(kDeepestNesting, hostStackRoom() / stack_cost::kParserLevel));
 }
 
-Places placesOf(const std::vector<Token>& tokens, Heap& heap) {
-  Places places{HeapAllocator<Place>(heap)};
-  places.reserve(tokens.size());
-  for (const Token& token : tokens) places.push_back({token.line, token.column});
-  return places;
-}
-
 void requireParameterNames(std::span<const std::string_view> names, const std::string& chunkName,
                            MemoryCharge& memory) {
   for (const std::string_view name : names) {
@@ -57,7 +50,7 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
   internal::requireParameterNames(parameters, chunkName, tokenMemory);
   std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
   chunk->sites = sites.add(internal::OwnedValue(Value(strings.intern(chunkName))),
-                           internal::placesOf(tokens, heap));
+                           internal::Places(heap, tokens));
   internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk(parameters);
   internal::Resolver resolver(*chunk);

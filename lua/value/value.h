@@ -51,6 +51,8 @@ enum Tag : std::uint64_t {
   kBreakCompletion = 17,
   kNoValuesCompletion = 18,
   kSeveralValuesCompletion = 19,
+  // What a peek gives that would have had to run something; never stored either.
+  kNotPeeked = 20,
 };
 
 // A value of the dialect: 16 bytes, trivially copyable, so that it travels in two registers. It
@@ -159,7 +161,7 @@ inline void drop(Value value) noexcept {
 
 // Empties a slot before it gives up what the slot held, so that nothing can see a dead object in
 // it.
-inline void clearSlot(Value& slot) noexcept {
+[[gnu::always_inline]] inline void clearSlot(Value& slot) noexcept {
   const Value old = slot;
   slot.tag = kNil;
   drop(old);
