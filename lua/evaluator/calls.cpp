@@ -60,7 +60,8 @@ template <class Supervision>
   const Value completion = executeStatement(body->entry, frame + 1);
   call.returned();
   if (!isSingleValue(completion)) [[unlikely]]
-    return finishWithoutSingleValue(frame, body, completion);
+    return Supervision::moved(finishWithoutSingleValue(frame, body, completion),
+                              body->interpreter->heap.meter(), site);
   clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
   clearSlot(frame[0]);
   return completion;
@@ -97,7 +98,8 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Si
   call.returned();
   stack.setTop(outerTop);
   clearSlots(frame, end);
-  return settleResults(stack, frame, std::move(results), site);
+  return Supervision::moved(settleResults(stack, frame, std::move(results), site),
+                            interpreter.heap.meter(), site);
 }
 
 // Any callee, any number of arguments.
@@ -409,7 +411,8 @@ MultiValue callFromNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t 
   internal::Supervised::step(meter, site);
   MultiValue results =
       takeResults(internal::callAny<internal::Supervised>(interpreter, frame, count, site));
-  meter.spend(0, site);  // throws when the last of it was too much and nothing was left to notice
+  // Throws also for what has been counted since the last step, when no other step follows.
+  meter.spend(internal::stepsForBytes(results.size() * sizeof(Value)), site);
   return results;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lua/evaluator/trace.h"
+#include "lua/value/completion.h"
 #include "lua/value/work_meter.h"
 
 // What calls and loops do besides their work, as a policy that their node functions are made with.
@@ -11,6 +12,7 @@ namespace tarvel::lua::internal {
 
 struct Unsupervised {
   static void step(WorkMeter&, const Site&) noexcept {}
+  static Value moved(Value completion, WorkMeter&, Site) noexcept { return completion; }
 
   struct Rounds {
     Rounds(WorkMeter&, const Site&) noexcept {}
@@ -29,6 +31,13 @@ struct Unsupervised {
 struct Supervised {
   // A call is about to be made.
   static void step(WorkMeter& meter, const Site& site) { meter.step(site); }
+
+  // A call has moved its results: any number of them, at each of the calls that return them.
+  static Value moved(Value completion, WorkMeter& meter, Site site) {
+    if (ReturnSignal::isSeveral(completion))
+      meter.spend(stepsForBytes(ReturnSignal::count(completion) * sizeof(Value)), site);
+    return completion;
+  }
 
   // The rounds of a loop at `site`.
   class Rounds {
