@@ -60,7 +60,7 @@ class ProgramTest(unittest.TestCase):
             input=stdin,
             stdout=to,
             stderr=more.pop("errors_to", subprocess.PIPE),
-            env=run_scripts.environment(cyclic),
+            env={**run_scripts.environment(cyclic), **more.pop("variables", {})},
             timeout=SECONDS,
             restore_signals=False,
             **more,
@@ -209,7 +209,7 @@ class HelpTest(ProgramTest):
     MESSAGE = "operator '+' expects numbers"
     HINT = "hint: 'list.sum' is no number here; a string needs tonumber(s)\n"
 
-    def on_terminal(self, *arguments, stdin=b""):
+    def on_terminal(self, *arguments, stdin=b"", variables={}):
         """What the program writes to standard error where that is a terminal."""
         try:
             controller, terminal = pty.openpty()
@@ -217,7 +217,12 @@ class HelpTest(ProgramTest):
             self.skipTest(f"no terminal to be had: {error}")
         self.addCleanup(os.close, controller)
         subprocess.run(
-            [options.program, *arguments], input=stdin, stdout=subprocess.DEVNULL, stderr=terminal, timeout=SECONDS
+            [options.program, *arguments],
+            input=stdin,
+            stdout=subprocess.DEVNULL,
+            stderr=terminal,
+            env={**run_scripts.environment(cyclic=False), **variables},
+            timeout=SECONDS,
         )
         os.write(terminal, b"end")
         os.close(terminal)
@@ -264,6 +269,22 @@ class HelpTest(ProgramTest):
         self.assertEqual(self.on_terminal("--repl", stdin=lines), stderr)
         plain = "".join(line + "\n" for line in stderr.splitlines() if not line.startswith("hint: "))
         self.check("--repl", stdin=lines, stdout="lua> " * 10, stderr=plain)
+
+    def test_traces_where_they_are_asked_for(self):
+        script, out = self.write("script.lua", self.SCRIPT), self.path("out")
+        self.check("--compile", script, out)
+        trace = f"  in total ({script}:2)\n  in <chunk> ({script}:4)\n"
+        dialogue = {"stdin": b"function f() error('x') end\nf()\n", "stdout": "lua> " * 3}
+        frames = "  in error\n  in f (<repl>:1)\n  in <chunk> (<repl>:1)\n"
+        for value in ("1", "", "0", "11"):
+            variables = {"TARVELLUA_TRACE": value}
+            stderr = self.failure(2, self.MESSAGE) + (trace if value == "1" else "")
+            self.check(script, status=1, stderr=stderr, variables=variables)
+            self.check("--run-bytecode", out, status=1, stderr=stderr, variables=variables)
+            self.assertEqual(self.on_terminal(script, variables=variables), stderr + self.HINT)
+            stderr = "<repl>:1: x\n" + (frames if value == "1" else "")
+            self.check("--repl", **dialogue, stderr=stderr, variables=variables)
+            self.assertEqual(self.on_terminal("--repl", stdin=dialogue["stdin"], variables=variables), stderr)
 
 
 class FilesTest(ProgramTest):

@@ -210,6 +210,7 @@ class Runner:
 def environment(cyclic):
     variables = dict(os.environ)
     variables.pop("TARVELLUA_EXPECT_CYCLES", None)
+    variables.pop("TARVELLUA_TRACE", None)
     if cyclic:
         variables["TARVELLUA_EXPECT_CYCLES"] = "1"
         options = variables.get("ASAN_OPTIONS")
