@@ -68,13 +68,17 @@ Value peekLength(const Node* node, Value* base) {
   return value.isTable() || value.isString() ? lengthOf(value, node->site) : notPeeked();
 }
 
+[[gnu::noinline]] Value evaluateLengthOfPath(const Node* node, Value* base) {
+  const OwnedValue operand(evaluatePath(static_cast<const UnaryExpr*>(node)->operand, base));
+  return lengthOf(operand.get(), node->site);
+}
+
 Value evaluatePeekedLength(const Node* node, Value* base) {
   const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
   const Value value = operand->peek(operand, base);
   if (isPeeked(value)) [[likely]]
     return lengthOf(value, node->site);
-  const OwnedValue owned(evaluatePath(operand, base));
-  return lengthOf(owned.get(), node->site);
+  return evaluateLengthOfPath(node, base);
 }
 
 // ---- Logical operators --------------------------------------------------------------------------
