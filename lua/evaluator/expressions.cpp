@@ -68,17 +68,12 @@ Value peekLength(const Node* node, Value* base) {
   return value.isTable() || value.isString() ? lengthOf(value, node->site) : notPeeked();
 }
 
-[[gnu::noinline]] Value evaluateLengthOfPath(const Node* node, Value* base) {
-  const OwnedValue operand(evaluatePath(static_cast<const UnaryExpr*>(node)->operand, base));
-  return lengthOf(operand.get(), node->site);
-}
-
 Value evaluatePeekedLength(const Node* node, Value* base) {
-  const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
-  const Value value = operand->peek(operand, base);
+  const auto* const length = static_cast<const UnaryExpr*>(node);
+  const Value value = length->operand->peek(length->operand, base);
   if (isPeeked(value)) [[likely]]
     return lengthOf(value, node->site);
-  return evaluateLengthOfPath(node, base);
+  return evaluateLengthOfPath(length, base);
 }
 
 // ---- Logical operators --------------------------------------------------------------------------
@@ -180,6 +175,11 @@ Value makeScriptFunction(const Node* node, Value* base) {
 }
 
 }  // namespace
+
+[[gnu::noinline]] Value evaluateLengthOfPath(const UnaryExpr* length, Value* base) {
+  const OwnedValue operand(evaluatePath(length->operand, base));
+  return lengthOf(operand.get(), length->site);
+}
 
 bool testValue(const Node* node, Value* base) {
   const Value value = node->execute(node, base);

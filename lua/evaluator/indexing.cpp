@@ -293,10 +293,16 @@ bool isGlobalVariable(const Expr& expression) noexcept {
 
 Value evaluatePath(const Expr* path, Value* base) {
   if (!path->peekable) return evaluateExpression(path, base);
-  if (path->kind == ExprKind::Index)
-    return readIndexOfPath(static_cast<const IndexExpr*>(path), base);
-  if (path->kind != ExprKind::Field) return evaluateExpression(path, base);
-  return readFieldOfOther<false>(static_cast<const FieldExpr*>(path), notPeeked(), base);
+  switch (path->kind) {
+    case ExprKind::Field:
+      return readFieldOfOther<false>(static_cast<const FieldExpr*>(path), notPeeked(), base);
+    case ExprKind::Index:
+      return readIndexOfPath(static_cast<const IndexExpr*>(path), base);
+    case ExprKind::Unary:
+      return evaluateLengthOfPath(static_cast<const UnaryExpr*>(path), base);
+    default:
+      return evaluateExpression(path, base);
+  }
 }
 
 void chooseField(FieldExpr& field) {
