@@ -225,13 +225,18 @@ struct RunningFunctionCall {
   }
 };
 
+[[gnu::noinline]] Value lookUpAnyMethod(const CallExpr* call, Value receiver, Value* base) {
+  return indexField(call, receiver, call->methodName, call->hint, base);
+}
+
+// Of no table. The method of a native object where the hint finds it takes no frame.
 [[gnu::noinline]] Value lookUpMethodOfOther(const CallExpr* call, Value receiver, Value* base) {
-  if (receiver.tag == kUserData) {
-    const Value method = receiver.native->type.member(call->methodName, call->hint);
+  if (receiver.tag == kUserData) [[likely]] {
+    const Value method = receiver.native->type.hintedMember(call->methodName, call->hint);
     if (method.tag == kFunction) [[likely]]
       return retain(method);
   }
-  return indexField(call, receiver, call->methodName, call->hint, base);
+  return lookUpAnyMethod(call, receiver, base);
 }
 
 // The receiver is evaluated once, then the method is looked up, then the other arguments are
