@@ -361,6 +361,11 @@ requires(isRecord<T>) struct Conversion<T> {
     if (!source.isTable()) return problem.expected("a table", source.description());
     if (!problem.enter()) return false;
     RecordKeys* const keys = source.record(names());
+    // First, because where a name is misspelt the field that it should have been is missing.
+    if (luaRecord<T>.isExact) {
+      std::string other;
+      if (source.findOther(keys, other)) return problem.say("unknown field '" + other + "'");
+    }
     const bool isTaken = forEachField([&](std::size_t number, const auto& field) {
       const Source value = source.field(keys, number);
       if (!field.required && value.isNil()) return true;
@@ -368,10 +373,6 @@ requires(isRecord<T>) struct Conversion<T> {
              problem.inField(field.name);
     });
     if (!isTaken) return false;
-    if (luaRecord<T>.isExact) {
-      std::string other;
-      if (source.findOther(keys, other)) return problem.say("unknown field '" + other + "'");
-    }
     problem.leave();
     return true;
   }
