@@ -3,6 +3,7 @@
 #include <exception>
 #include <new>
 
+#include "lua/lua_vm_impl.h"
 #include "lua/value/string_object.h"
 
 namespace tarvel::lua::internal {

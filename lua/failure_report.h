@@ -1,12 +1,11 @@
 #pragma once
 
-#include <tarvel/lua/lua_error.h>
+#include <tarvel/lua/lua_vm.h>
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "lua/lua_vm_impl.h"
 #include "lua/value/errors.h"
 #include "lua/value/site_table.h"
 
@@ -22,7 +21,8 @@ namespace tarvel::lua::internal {
 //     return failure.error();
 //   }
 //
-// Valid as long as its handler handles the exception, whose text it borrows.
+// Valid as long as its handler handles the exception, whose text it borrows, and the interpreter
+// lives.
 class FailureReport {
  public:
   // Reads the exception that is being handled. Allocates nothing, and throws nothing but that

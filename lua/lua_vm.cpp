@@ -108,7 +108,6 @@ LuaUsage LuaVM::Impl::usage() const noexcept {
 }
 
 void LuaVM::Impl::fillGlobals() {
-  standard.function = OwnedValue(makeNative("", {}));
   standard.outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
   bindDefaults();
   standard.stringLibrarySlot = resolveGlobalSlot("string");

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "lua/record_keys.h"
@@ -28,6 +29,7 @@ namespace tarvel::lua {
 
 namespace internal {
 class ChunkReference;
+class NativeClass;
 class PatternCache;
 struct ResolvedChunk;
 struct VariableExpr;
@@ -35,9 +37,11 @@ struct VariableExpr;
 // Objects that are always there.
 struct StandardObjects {
   OwnedValue output;                  // io.stdout as it was made; scripts may overwrite the field
-  OwnedValue function;                // any function
   OwnedValue outOfMemoryText;         // the message, made while there is memory
   std::size_t stringLibrarySlot = 0;  // of the global `string`
+  // Of open files and of streams. They belong to the heap.
+  NativeClass* fileClass = nullptr;
+  NativeClass* streamClass = nullptr;
 };
 
 // The os.exit that ended the current run.
@@ -127,17 +131,11 @@ class LuaVM::Impl {
   internal::MultiValue runChunk(internal::ResolvedChunk& chunk);
   // A chunk's top level as a function, owned.
   Value makeMain(internal::ResolvedChunk& chunk);
-  // object[key], owned; both are borrowed.
-  Value indexValue(const Value& object, const Value& key, Site site);
-  // object:name and object.name, owned. The hint is as in Table::getString.
-  Value indexField(const Value& object, internal::StringObject* name, std::uint32_t& hint,
-                   Site site);
 
   // ---- Library ----
   void bindDefaults();
+  void defineFileClasses();
   void bindNativeGlobal(const std::string& name, internal::NativeFunction function);
-  // A field of a file or stream: a bound method, owned, or nil.
-  Value nativeObjectField(internal::NativeObject& object, internal::StringObject* name);
 
   // ---- Helpers of all layers ----
   Value makeString(std::string_view bytes) { return strings.make(bytes); }     // owned
@@ -158,6 +156,8 @@ class LuaVM::Impl {
   internal::StandardObjects standard;
   std::unique_ptr<internal::PatternCache> patterns;
   internal::RecordKeyCache records;
+  // Of the host's types, by what tells these apart. They belong to the heap.
+  std::unordered_map<const void*, internal::NativeClass*> hostClasses;
 
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);

@@ -57,7 +57,7 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
   internal::requireParameterNames(parameters, chunkName, tokenMemory);
   std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
   chunk->sites = sites.add(internal::OwnedValue(Value(strings.intern(chunkName))),
-                           internal::placesOf(tokens, heap));
+                           internal::Places(heap, tokens));
   internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk(parameters);
   internal::Resolver resolver(*chunk);

@@ -3,6 +3,7 @@
 
 #include "lua/evaluator/access_objects.h"
 #include "lua/evaluator/execute.h"
+#include "lua/evaluator/native_access.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
@@ -16,11 +17,6 @@ namespace tarvel::lua::internal {
 
 namespace {
 
-[[noreturn, gnu::noinline]] void failAssignInto(const Value& object, Site site) {
-  failRuntime(site,
-              std::string("attempt to assign into a ") + describeValueType(object) + " value");
-}
-
 [[noreturn, gnu::noinline]] void failTableIndex(Site site) {
   failRuntime(site, "table index must be a number, string, or boolean");
 }
@@ -31,38 +27,56 @@ const AssignmentStmt* asAssignment(const Node* node) noexcept {
 
 // ---- Storing into one target, whatever it is ----------------------------------------------------
 
-// Each takes the value from a slot that owns it, which an error leaves to the sweep.
-void storeIntoField(const FieldExpr* field, Value& valueSlot, Value* base, Site site) {
+// Each takes the value from a slot that owns it, which an error leaves to the sweep. `node` is the
+// statement.
+
+[[gnu::noinline]] void storeIntoNative(const Node* node, const Value& object, StringObject* name,
+                                       std::uint32_t& hint, Value& valueSlot, Value* base) {
+  assignNativeField(node, *object.native, name, hint, valueSlot, base);
+  clearSlot(valueSlot);
+}
+
+void storeIntoField(const Node* node, const FieldExpr* field, Value& valueSlot, Value* base) {
   Value& objectSlot = slotAt(base, field->temporariesOffset + sizeof(Value));
   objectSlot = evaluateExpression(field->object, base);
-  if (!objectSlot.isTable()) failAssignInto(objectSlot, site);
-  const Value value = valueSlot;
-  valueSlot = Value();
-  objectSlot.table->setString(field->name, value, field->hint);
+  if (objectSlot.isTable()) {
+    const Value value = valueSlot;
+    valueSlot = Value();
+    objectSlot.table->setString(field->name, value, field->hint);
+  } else {
+    requireAssignable(objectSlot, node->site);
+    storeIntoNative(node, objectSlot, field->name, field->hint, valueSlot, base);
+  }
   clearSlot(objectSlot);
 }
 
-void storeIntoIndex(const IndexExpr* index, Value& valueSlot, Value* base, Site site) {
+void storeIntoIndex(const Node* node, const IndexExpr* index, Value& valueSlot, Value* base) {
   Value& objectSlot = slotAt(base, index->temporariesOffset + sizeof(Value));
   objectSlot = evaluateExpression(index->object, base);
-  if (!objectSlot.isTable()) failAssignInto(objectSlot, site);
+  if (!objectSlot.isTable()) requireAssignable(objectSlot, node->site);
   const OwnedValue keyValue(evaluateExpression(index->key, base));
-  TableKey key;
-  if (!tryMakeKeyFromValue(keyValue.get(), key)) failTableIndex(site);
-  const Value value = valueSlot;
-  valueSlot = Value();
-  tableSetByKey(*objectSlot.table, key, value);
+  if (objectSlot.isTable()) {
+    TableKey key;
+    if (!tryMakeKeyFromValue(keyValue.get(), key)) failTableIndex(node->site);
+    const Value value = valueSlot;
+    valueSlot = Value();
+    tableSetByKey(*objectSlot.table, key, value);
+  } else {
+    if (!keyValue.get().isString()) failRuntime(node->site, "userdata fields must be strings");
+    std::uint32_t hint = 0;
+    storeIntoNative(node, objectSlot, keyValue.get().string, hint, valueSlot, base);
+  }
   clearSlot(objectSlot);
 }
 
-void assignTarget(const AssignTarget& target, Value& valueSlot, Value* base, Site site) {
+void assignTarget(const Node* node, const AssignTarget& target, Value& valueSlot, Value* base) {
   switch (target.expression->kind) {
     case ExprKind::Field:
-      return storeIntoField(static_cast<const FieldExpr*>(target.expression), valueSlot, base,
-                            site);
+      return storeIntoField(node, static_cast<const FieldExpr*>(target.expression), valueSlot,
+                            base);
     case ExprKind::Index:
-      return storeIntoIndex(static_cast<const IndexExpr*>(target.expression), valueSlot, base,
-                            site);
+      return storeIntoIndex(node, static_cast<const IndexExpr*>(target.expression), valueSlot,
+                            base);
     default: {
       Value& variable = variableSlot(static_cast<const VariableExpr*>(target.expression), base);
       if (&variable == &valueSlot) return;
@@ -112,10 +126,13 @@ Value storeVariable(const Node* node, Value* base) {
 
 // ---- One field or element, of an object that a variable holds -----------------------------------
 
-[[noreturn, gnu::noinline]] void dropAndFailAssignInto(Value value, const Value& object,
-                                                       Site site) {
-  drop(value);
-  failAssignInto(object, site);
+// Takes over the value. Also for an object that is no table.
+[[gnu::noinline]] Value storeInTarget(const Node* node, Value* base, Value value) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  Value& slot = slotAt(base, statement->temporariesOffset);
+  slot = value;
+  assignTarget(node, statement->targets[0], slot, base);
+  return normalCompletion();
 }
 
 template <class Access>
@@ -123,20 +140,14 @@ const Access* onlyTarget(const Node* node) noexcept {
   return static_cast<const Access*>(asAssignment(node)->targets[0].expression);
 }
 
-// The table to store `value` into; drops the value where there is none.
-template <class Object, class Access>
-Table& targetTable(const Node* node, Value* base, Value value) {
-  const Value object = Object::load(onlyTarget<Access>(node), base);
-  if (object.tag != kTable) [[unlikely]]
-    dropAndFailAssignInto(value, object, node->site);
-  return *object.table;
-}
-
 template <class Object>
 Value storeField(const Node* node, Value* base) {
   const Value value = singleValue(node, base);
   const auto* const target = onlyTarget<FieldExpr>(node);
-  targetTable<Object, FieldExpr>(node, base, value).setString(target->name, value, target->hint);
+  const Value object = Object::load(target, base);
+  if (object.tag != kTable) [[unlikely]]
+    return storeInTarget(node, base, value);
+  object.table->setString(target->name, value, target->hint);
   return normalCompletion();
 }
 
@@ -162,42 +173,56 @@ struct AnyValue {
 template <class Object, class Source>
 Value storeElementAtLocal(const Node* node, Value* base) {
   const Value value = Source::evaluate(node, base);
-  Table& table = targetTable<Object, IndexExpr>(node, base, value);
-  const Value key = slotAt(base, onlyTarget<IndexExpr>(node)->keyOffset);
+  const auto* const target = onlyTarget<IndexExpr>(node);
+  const Value object = Object::load(target, base);
+  if (object.tag != kTable) [[unlikely]]
+    return storeInTarget(node, base, value);
+  const Value key = slotAt(base, target->keyOffset);
   if (key.tag == kInteger) [[likely]] {
-    table.setInteger(key.integer, value);
+    object.table->setInteger(key.integer, value);
   } else {
-    storeUnderKey(table, retain(key), value, node->site);
+    storeUnderKey(*object.table, retain(key), value, node->site);
   }
   return normalCompletion();
 }
 
-// The object cannot change while the key is evaluated. A value that owns something waits in a slot,
-// where an error finds it.
-template <class Object>
-Value storeElement(const Node* node, Value* base) {
+// The object cannot change while the key is evaluated, or is kept in a slot. A value that owns
+// something waits in another, where an error finds it.
+template <class Object, bool KeepsObject>
+inline Value storeElementOf(const Node* node, Value* base) {
   const Value value = singleValue(node, base);
   const auto* const target = onlyTarget<IndexExpr>(node);
-  Table& table = targetTable<Object, IndexExpr>(node, base, value);
+  const Value object = Object::load(target, base);
+  if (object.tag != kTable) [[unlikely]]
+    return storeInTarget(node, base, value);
   Value& waiting = slotAt(base, target->temporariesOffset);
+  Value& kept = *(&waiting + 1);
   waiting = value;
+  if constexpr (KeepsObject) kept = retain(object);
   const Value key = evaluateExpression(target->key, base);
   waiting = Value();
   if (key.tag == kInteger) [[likely]] {
-    table.setInteger(key.integer, value);
+    object.table->setInteger(key.integer, value);
   } else {
-    storeUnderKey(table, key, value, node->site);
+    storeUnderKey(*object.table, key, value, node->site);
   }
+  if constexpr (KeepsObject) clearSlot(kept);
   return normalCompletion();
+}
+
+template <class Object>
+Value storeElement(const Node* node, Value* base) {
+  return storeElementOf<Object, false>(node, base);
+}
+
+Value storeElementKeepingObject(const Node* node, Value* base) {
+  return storeElementOf<VariableObject, true>(node, base);
 }
 
 // Any other single target.
 Value storeAnywhere(const Node* node, Value* base) {
-  const AssignmentStmt* const statement = asAssignment(node);
-  Value& slot = slotAt(base, statement->temporariesOffset);
-  slot = singleValue(node, base);
-  assignTarget(statement->targets[0], slot, base, node->site);
-  return normalCompletion();
+  const Value value = singleValue(node, base);
+  return storeInTarget(node, base, value);
 }
 
 // ---- Several values or targets ------------------------------------------------------------------
@@ -217,7 +242,7 @@ Value assignSeveral(const Node* node, Value* base) {
   // The targets' temporaries start where the surplus values stand.
   clearSlots(slots + statement->targets.size, slots + count);
   for (std::uint32_t i = 0; i < statement->targets.size; ++i) {
-    assignTarget(statement->targets[i], slots[i], base, node->site);
+    assignTarget(node, statement->targets[i], slots[i], base);
   }
   return normalCompletion();
 }
@@ -294,7 +319,7 @@ Value storeFunctionInField(const Node* node, Value* base) {
   const auto* const target = static_cast<const FieldExpr*>(statement->target.expression);
   Value& slot = slotAt(base, target->temporariesOffset);
   slot = makeDeclaredFunction(node, base);
-  storeIntoField(target, slot, base, node->site);
+  storeIntoField(node, target, slot, base);
   return normalCompletion();
 }
 
@@ -340,12 +365,12 @@ NodeFunction storeAtLocal(const Expr& value) noexcept {
 NodeFunction indexStore(const IndexExpr& target, const Expr& value) noexcept {
   assert(isChosen(target));
   const bool inFrame = isFrameVariable(*target.object);
-  if (!inFrame && (target.object->kind != ExprKind::Variable || target.key->containsCall))
-    return storeAnywhere;
+  if (!inFrame && target.object->kind != ExprKind::Variable) return storeAnywhere;
   if (isFrameVariable(*target.key)) {
     return inFrame ? storeAtLocal<FrameObject>(value) : storeAtLocal<VariableObject>(value);
   }
-  return inFrame ? storeElement<FrameObject> : storeElement<VariableObject>;
+  if (inFrame) return storeElement<FrameObject>;
+  return target.key->mayRunCode ? storeElementKeepingObject : storeElement<VariableObject>;
 }
 
 bool allInFrame(const AssignmentStmt& statement) noexcept {

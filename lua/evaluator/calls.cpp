@@ -6,6 +6,8 @@
 #include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
 #include "lua/value/host_stack.h"
+#include "lua/value/native_class.h"
+#include "lua/value/native_object.h"
 #include "lua/value/table.h"
 
 // Calls. The callee and its arguments are evaluated straight into the slots where the callee's
@@ -197,15 +199,23 @@ struct RunningFunctionCall {
   }
 };
 
+[[gnu::noinline]] Value lookUpMethodOfOther(const CallExpr* call, Value receiver, Value* base) {
+  if (receiver.tag == kUserData) {
+    const Value method = receiver.native->type.member(call->methodName, call->hint);
+    if (method.tag == kFunction) [[likely]]
+      return retain(method);
+  }
+  return indexField(call, receiver, call->methodName, call->hint, base);
+}
+
 // The receiver is evaluated once, then the method is looked up, then the other arguments are
 // evaluated.
 inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
   const Value receiver = evaluateExpression(call->object, base);
   frame[1] = receiver;
-  frame[0] =
-      receiver.tag == kTable
-          ? retain(receiver.table->getString(call->methodName, call->hint))
-          : call->interpreter->indexField(receiver, call->methodName, call->hint, call->site);
+  frame[0] = receiver.tag == kTable
+                 ? retain(receiver.table->getString(call->methodName, call->hint))
+                 : lookUpMethodOfOther(call, receiver, base);
 }
 
 template <std::uint32_t Count>
@@ -340,6 +350,19 @@ std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value*
     count += ReturnSignal::count(result);  // they stand where the call's frame started: here
   }
   return count;
+}
+
+Value callBehindFrame(const Node* node, Value* base, Value function,
+                      std::initializer_list<Value> arguments) {
+  LuaVM::Impl& interpreter = *node->interpreter;
+  Value* const frame = &slotAt(base - 1, runningFunction(base)->body->frameBytes);
+  if (!interpreter.stack.makeRoom(frame + 1 + arguments.size(), 0)) failStackOverflow(node->site);
+  frame[0] = retain(function);
+  Value* next = frame;
+  for (const Value& argument : arguments) *++next = retain(argument);
+  const auto count = static_cast<std::uint32_t>(arguments.size());
+  const Value result = callAny(interpreter, frame, count, node->site);
+  return isSingleValue(result) ? result : firstOf(result);
 }
 
 void chooseCall(CallExpr& call) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <initializer_list>
+
 #include "lua/frontend/syntax_tree.h"
 
 // How nodes are executed: through the functions chosen for them. An expression's value is owned by
@@ -31,5 +33,17 @@ inline bool evaluateCondition(const Expr* condition, Value* base) {
 // all its values. Returns the number of values.
 std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
                                      Value* base);
+
+// In indexing.cpp, for the node that is being executed in the frame at `base`; both borrow their
+// operands and return an owned value. object[key], and object.name or object:name with a hint as in
+// Table::getString.
+Value indexValue(const Node* node, const Value& object, const Value& key, Value* base);
+Value indexField(const Node* node, const Value& object, StringObject* name, std::uint32_t& hint,
+                 Value* base);
+
+// In calls.cpp. Calls a function from a node that is no call and has planned no frame for one: from
+// behind the frame at `base`. Borrows everything and returns the first result, owned.
+Value callBehindFrame(const Node* node, Value* base, Value function,
+                      std::initializer_list<Value> arguments);
 
 }  // namespace tarvel::lua::internal

@@ -1,3 +1,4 @@
+#include "lua/evaluator/access_objects.h"
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operators.h"
@@ -61,9 +62,19 @@ Value evaluateLength(const Node* node, Value* base) {
   return lengthOf(operand.get(), node->site);
 }
 
-Value evaluateLengthOfVariable(const Node* node, Value* base) {
+Value peekLength(const Node* node, Value* base) {
   const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
-  return lengthOf(operand->peek(operand, base), node->site);
+  const Value value = operand->peek(operand, base);
+  return value.isTable() || value.isString() ? lengthOf(value, node->site) : notPeeked();
+}
+
+Value evaluatePeekedLength(const Node* node, Value* base) {
+  const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
+  const Value value = operand->peek(operand, base);
+  if (isPeeked(value)) [[likely]]
+    return lengthOf(value, node->site);
+  const OwnedValue owned(evaluatePath(operand, base));
+  return lengthOf(owned.get(), node->site);
 }
 
 // ---- Logical operators --------------------------------------------------------------------------
@@ -186,7 +197,8 @@ void chooseUnary(UnaryExpr& unary) {
       unary.test = testNot;
       return;
     case TokenKind::Hash:
-      unary.execute = unary.operand->peekable ? evaluateLengthOfVariable : evaluateLength;
+      unary.execute = unary.peekable ? evaluatePeekedLength : evaluateLength;
+      unary.peek = peekLength;
       return;
     case TokenKind::Minus:
       return chooseNegation(unary);

@@ -196,7 +196,7 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
     case ExprKind::Variable:
       return planVariable(static_cast<VariableExpr&>(*expression));
     case ExprKind::Unary:
-      return planExpression(static_cast<UnaryExpr*>(expression)->operand, top);
+      return planUnary(static_cast<UnaryExpr&>(*expression), top);
     case ExprKind::Binary: {
       auto& binary = static_cast<BinaryExpr&>(*expression);
       planExpression(binary.left, top);
@@ -220,7 +220,7 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
       index.temporariesOffset = offsetOf(top);
       planExpression(index.object, top);
       planExpression(index.key, top + 1);
-      index.peekable = index.object->peekable && !index.key->containsCall;
+      index.peekable = index.object->peekable && (index.key->peekable || !index.key->mayRunCode);
       return;
     }
     case ExprKind::Call:
@@ -228,6 +228,11 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
     case ExprKind::Function:
       return planFunction(static_cast<FunctionExpr&>(*expression));
   }
+}
+
+void FramePlanner::planUnary(UnaryExpr& unary, Top top) {
+  planExpression(unary.operand, top);
+  unary.peekable = unary.op == TokenKind::Hash && unary.operand->peekable;
 }
 
 void FramePlanner::planTable(TableExpr& table, Top top) {

@@ -54,6 +54,7 @@ class FramePlanner {
 
   // Plan an expression whose temporaries may start at `top`.
   void planExpression(Expr* expression, Top top);
+  void planUnary(UnaryExpr& unary, Top top);
   void planTable(TableExpr& table, Top top);
   void planCall(CallExpr& call, Top top);
   void planList(const ArenaList<Expr*>& expressions, Top top);

@@ -2,22 +2,15 @@
 
 #include "lua/evaluator/access_objects.h"
 #include "lua/evaluator/execute.h"
+#include "lua/evaluator/native_access.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/lua_vm_impl.h"
-#include "lua/value/native_object.h"
 #include "lua/value/table.h"
 
 // Reading `o.name` and `o[k]`: from tables inline, from strings and native objects through
-// indexValue.
+// indexValue. What may be peeked at, and when: access_objects.h.
 
-namespace tarvel::lua {
-
-using internal::describeValueType;
-using internal::failRuntime;
-using internal::Site;
-using internal::StringObject;
-using internal::TableKey;
-using internal::Value;
+namespace tarvel::lua::internal {
 
 namespace {
 
@@ -41,51 +34,46 @@ Value stringMethod(LuaVM::Impl& interpreter, const Value& key, Site site) {
 
 }  // namespace
 
-Value LuaVM::Impl::indexValue(const Value& object, const Value& key, Site site) {
+Value indexValue(const Node* node, const Value& object, const Value& key, Value* base) {
   switch (object.tag) {
-    case internal::kTable: {
+    case kTable: {
       TableKey tableKey;
       if (!tryMakeKeyFromValue(key, tableKey))
-        failRuntime(site, "table index must be a number, string, or boolean");
+        failRuntime(node->site, "table index must be a number, string, or boolean");
       return retain(tableGetByKey(object.table, tableKey));
     }
-    case internal::kString:
-      return stringMethod(*this, key, site);
-    case internal::kUserData:
-      if (!key.isString()) failRuntime(site, "userdata fields must be strings");
-      if (object.native->handle == nullptr) failRuntime(site, "native object handle is empty");
-      return nativeObjectField(*object.native, key.string);
+    case kString:
+      return stringMethod(*node->interpreter, key, node->site);
+    case kUserData: {
+      if (!key.isString()) failRuntime(node->site, "userdata fields must be strings");
+      std::uint32_t hint = 0;
+      return readNativeField(node, *object.native, key.string, hint, base);
+    }
     default:
-      failIndex(object, site);
+      failIndex(object, node->site);
   }
 }
 
-Value LuaVM::Impl::indexField(const Value& object, StringObject* name, std::uint32_t& hint,
-                              Site site) {
+Value indexField(const Node* node, const Value& object, StringObject* name, std::uint32_t& hint,
+                 Value* base) {
   if (object.isTable()) return retain(object.table->getString(name, hint));
-  return indexValue(object, Value(name), site);
+  if (object.tag == kUserData) return readNativeField(node, *object.native, name, hint, base);
+  return indexValue(node, object, Value(name), base);
 }
-
-namespace internal {
 
 namespace {
 
-// A field that is peeked at on something that is no table is a fresh method or an error. The access
-// that peeks only wants to index it, which fails for every function alike, so a function that lives
-// long enough stands in for the method.
-Value borrowedStandIn(const Node* node, Value owned) {
-  const OwnedValue guard(owned);
-  return guard.get().isFunction() && guard.get().function->count == 1
-             ? node->interpreter->standard.function.get()
-             : guard.get();
-}
-
 // ---- Fields -------------------------------------------------------------------------------------
 
+// An owned object is one that may be no table.
 template <bool ObjectOwned>
-[[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object) {
-  const OwnedValue guard(ObjectOwned ? object : Value());
-  return node->interpreter->indexField(object, node->name, node->hint, node->site);
+[[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object, Value* base) {
+  OwnedValue guard(ObjectOwned ? object : Value());
+  if (!isPeeked(object)) {
+    object = evaluatePath(node->object, base);
+    guard = OwnedValue(object);
+  }
+  return indexField(node, object, node->name, node->hint, base);
 }
 
 template <class Object>
@@ -95,7 +83,7 @@ Value readField(const Node* node, Value* base) {
   if (object.tag == kTable && !Object::kOwned) [[likely]] {
     return retain(object.table->getString(field->name, field->hint));
   }
-  return readFieldOfOther<Object::kOwned>(field, object);
+  return readFieldOfOther<Object::kOwned>(field, object, base);
 }
 
 template <class Object>
@@ -104,7 +92,12 @@ Value peekField(const Node* node, Value* base) {
   const Value object = Object::load(field, base);
   if (object.tag == kTable) [[likely]]
     return object.table->getString(field->name, field->hint);
-  return borrowedStandIn(node, readFieldOfOther<false>(field, object));
+  return notPeeked();
+}
+
+[[gnu::noinline]] bool testFieldOfOther(const FieldExpr* node, Value object, Value* base) {
+  const OwnedValue value(readFieldOfOther<false>(node, object, base));
+  return value.get().isTruthy();
 }
 
 template <class Object>
@@ -113,7 +106,7 @@ bool testField(const Node* node, Value* base) {
   const Value object = Object::load(field, base);
   if (object.tag == kTable) [[likely]]
     return object.table->getString(field->name, field->hint).isTruthy();
-  return borrowedStandIn(node, readFieldOfOther<false>(field, object)).isTruthy();
+  return testFieldOfOther(field, object, base);
 }
 
 // ---- Indices ------------------------------------------------------------------------------------
@@ -125,6 +118,12 @@ struct FrameKey {
   }
 };
 
+// May be kNotPeeked.
+struct PeekedKey {
+  static constexpr bool kOwned = false;
+  static Value load(const IndexExpr* node, Value* base) { return node->key->peek(node->key, base); }
+};
+
 struct OtherKey {
   static constexpr bool kOwned = true;
   static Value load(const IndexExpr* node, Value* base) {
@@ -132,18 +131,54 @@ struct OtherKey {
   }
 };
 
-template <bool KeyOwned>
-[[gnu::noinline]] Value readIndexOfOther(const IndexExpr* node, Value object, Value key) {
-  const OwnedValue guard(KeyOwned ? key : Value());
-  TableKey tableKey;
-  if (object.tag == kTable && tryMakeKeyFromValue(key, tableKey)) [[likely]]
-    return retain(object.table->get(tableKey));
-  return node->interpreter->indexValue(object, key, node->site);
+bool isArrayElement(const Table& table, Value key) noexcept {
+  return key.tag == kInteger && static_cast<std::uint64_t>(key.integer) - 1 < table.arraySize();
 }
 
-bool isArrayElement(Value object, Value key) noexcept {
-  return object.tag == kTable && key.tag == kInteger &&
-         static_cast<std::uint64_t>(key.integer) - 1 < object.table->arraySize();
+Value arrayElement(const Table& table, Value key) noexcept {
+  return table.element(static_cast<std::uint32_t>(key.integer - 1));
+}
+
+// The key is evaluated behind the object, which its slot owns. Takes over both.
+Value readIndexOwningObject(const IndexExpr* node, Value& objectSlot, Value key, Value* base) {
+  const OwnedValue guard(key);
+  Value result = indexValue(node, objectSlot, key, base);
+  clearSlot(objectSlot);
+  return result;
+}
+
+// Any object, any key.
+Value readIndexKeepingObject(const Node* node, Value* base) {
+  const auto* const index = static_cast<const IndexExpr*>(node);
+  Value& objectSlot = slotAt(base, index->temporariesOffset);
+  objectSlot = evaluateExpression(index->object, base);
+  const Value key = evaluateExpression(index->key, base);
+  if (objectSlot.tag == kTable && isArrayElement(*objectSlot.table, key)) [[likely]] {
+    const Value result = retain(arrayElement(*objectSlot.table, key));
+    clearSlot(objectSlot);
+    return result;
+  }
+  return readIndexOwningObject(index, objectSlot, key, base);
+}
+
+// As that one, for what could not be peeked at.
+[[gnu::noinline]] Value readIndexOfPath(const IndexExpr* index, Value* base) {
+  Value& objectSlot = slotAt(base, index->temporariesOffset);
+  objectSlot = evaluatePath(index->object, base);
+  const Value key = evaluatePath(index->key, base);
+  return readIndexOwningObject(index, objectSlot, key, base);
+}
+
+// For a table that is borrowed. Starts over where the key could not be peeked at.
+template <class Key>
+[[gnu::noinline]] Value readIndexOfOther(const IndexExpr* node, Value object, Value key,
+                                         Value* base) {
+  if (!isPeeked(key)) return readIndexOfPath(node, base);
+  const OwnedValue guard(Key::kOwned ? key : Value());
+  TableKey tableKey;
+  if (tryMakeKeyFromValue(key, tableKey)) [[likely]]
+    return retain(object.table->get(tableKey));
+  return indexValue(node, object, key, base);
 }
 
 // The object is not owned, and cannot change or go while the key is evaluated.
@@ -151,32 +186,42 @@ template <class Object, class Key>
 Value readIndex(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
   const Value object = Object::load(index, base);
+  if (object.tag != kTable) [[unlikely]]
+    return readIndexOfPath(index, base);
   const Value key = Key::load(index, base);
-  if (isArrayElement(object, key)) [[likely]] {
-    return retain(object.table->element(static_cast<std::uint32_t>(key.integer - 1)));
-  }
-  return readIndexOfOther<Key::kOwned>(index, object, key);
+  if (isArrayElement(*object.table, key)) [[likely]]
+    return retain(arrayElement(*object.table, key));
+  return readIndexOfOther<Key>(index, object, key, base);
+}
+
+template <bool KeyOwned>
+[[gnu::noinline]] Value peekAnyKey(Value object, Value key) {
+  const OwnedValue guard(KeyOwned ? key : Value());
+  TableKey tableKey;
+  return tryMakeKeyFromValue(key, tableKey) ? object.table->get(tableKey) : notPeeked();
 }
 
 template <class Object, class Key>
 Value peekIndex(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
   const Value object = Object::load(index, base);
+  if (object.tag != kTable) [[unlikely]]
+    return notPeeked();
   const Value key = Key::load(index, base);
-  if (isArrayElement(object, key)) [[likely]] {
-    return object.table->element(static_cast<std::uint32_t>(key.integer - 1));
-  }
-  TableKey tableKey;
-  if (object.tag == kTable && tryMakeKeyFromValue(key, tableKey)) {
-    const OwnedValue guard(Key::kOwned ? key : Value());
-    return object.table->get(tableKey);
-  }
-  return borrowedStandIn(node, readIndexOfOther<Key::kOwned>(index, object, key));
+  if (isArrayElement(*object.table, key)) [[likely]]
+    return arrayElement(*object.table, key);
+  return peekAnyKey<Key::kOwned>(object, key);
 }
 
-template <bool KeyOwned>
-[[gnu::noinline]] bool testIndexOfOther(const IndexExpr* node, Value object, Value key) {
-  const OwnedValue value(readIndexOfOther<KeyOwned>(node, object, key));
+[[gnu::noinline]] bool testIndexOfPath(const IndexExpr* node, Value* base) {
+  const OwnedValue value(readIndexOfPath(node, base));
+  return value.get().isTruthy();
+}
+
+template <class Key>
+[[gnu::noinline]] bool testIndexOfOther(const IndexExpr* node, Value object, Value key,
+                                        Value* base) {
+  const OwnedValue value(readIndexOfOther<Key>(node, object, key, base));
   return value.get().isTruthy();
 }
 
@@ -184,22 +229,12 @@ template <class Object, class Key>
 bool testIndex(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
   const Value object = Object::load(index, base);
+  if (object.tag != kTable) [[unlikely]]
+    return testIndexOfPath(index, base);
   const Value key = Key::load(index, base);
-  if (isArrayElement(object, key)) [[likely]] {
-    return object.table->element(static_cast<std::uint32_t>(key.integer - 1)).isTruthy();
-  }
-  return testIndexOfOther<Key::kOwned>(index, object, key);
-}
-
-// The object must be kept while the key runs: in a slot, where an error finds it.
-Value readIndexKeepingObject(const Node* node, Value* base) {
-  const auto* const index = static_cast<const IndexExpr*>(node);
-  Value& objectSlot = slotAt(base, index->temporariesOffset);
-  objectSlot = evaluateExpression(index->object, base);
-  const Value key = evaluateExpression(index->key, base);
-  const Value result = readIndexOfOther<true>(index, objectSlot, key);
-  clearSlot(objectSlot);
-  return result;
+  if (isArrayElement(*object.table, key)) [[likely]]
+    return arrayElement(*object.table, key).isTruthy();
+  return testIndexOfOther<Key>(index, object, key, base);
 }
 
 template <class Object, class Key>
@@ -209,10 +244,13 @@ void chooseObjectAndKey(IndexExpr& index) {
   index.test = testIndex<Object, Key>;
 }
 
+// The key is one that may be evaluated while the object is borrowed.
 template <class Object>
 void chooseKey(IndexExpr& index) {
   if (isFrameVariable(*index.key)) {
     chooseObjectAndKey<Object, FrameKey>(index);
+  } else if (index.key->peekable) {
+    chooseObjectAndKey<Object, PeekedKey>(index);
   } else {
     chooseObjectAndKey<Object, OtherKey>(index);
   }
@@ -231,6 +269,14 @@ bool isGlobalVariable(const Expr& expression) noexcept {
 }
 
 }  // namespace
+
+Value evaluatePath(const Expr* path, Value* base) {
+  if (!path->peekable) return evaluateExpression(path, base);
+  if (path->kind == ExprKind::Index)
+    return readIndexOfPath(static_cast<const IndexExpr*>(path), base);
+  if (path->kind != ExprKind::Field) return evaluateExpression(path, base);
+  return readFieldOfOther<false>(static_cast<const FieldExpr*>(path), notPeeked(), base);
+}
 
 void chooseField(FieldExpr& field) {
   if (isFrameVariable(*field.object)) {
@@ -259,6 +305,4 @@ void chooseIndex(IndexExpr& index) {
   }
 }
 
-}  // namespace internal
-
-}  // namespace tarvel::lua
+}  // namespace tarvel::lua::internal

@@ -326,7 +326,7 @@ Expr* Parser::makeBinary(Expr* left, const Token& op, Expr* right) {
 }
 
 Expr* Parser::completeCall(CallExpr* call, const Expr* calleeOrObject) {
-  call->containsCall = true;
+  call->mayRunCode = true;
   for (const Expr* argument : call->arguments) adopt(call, argument);
   return complete(call, calleeOrObject);
 }

@@ -138,7 +138,7 @@ class Parser {
 
   static void adopt(Expr* parent, const Expr* child) {
     if (child->height >= parent->height) parent->height = child->height + 1;
-    parent->containsCall |= child->containsCall;
+    parent->mayRunCode |= child->mayRunCode;
   }
 
   // Finishes a node whose remaining children are `children`.

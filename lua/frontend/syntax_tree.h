@@ -90,10 +90,14 @@ struct Expr : Node {
 
   ExprKind kind;
   ConditionFunction test = nullptr;  // the value's truthiness
-  NodeFunction peek = nullptr;       // the value, borrowed; only where `peekable` allows it
+  NodeFunction peek = nullptr;       // see access_objects.h; only where `peekable` allows it
   std::uint32_t height = 1;          // levels of the tree from here down
-  bool containsCall = false;         // evaluating it may run a function of the script or the host
-  bool peekable = false;             // a variable, or a call-free access path that starts at one
+  // Evaluating it may run a function of the script or the host: it contains a call, or an access,
+  // which may be to a property of a native object.
+  bool mayRunCode = false;
+  // A variable, an access path from one whose keys are peekable or run no code, or the length of
+  // one.
+  bool peekable = false;
 };
 
 struct LiteralExpr : Expr {
@@ -178,7 +182,9 @@ struct TableExpr : Expr {
 
 struct FieldExpr : Expr {
   FieldExpr(Expr* fieldObject, StringObject* fieldName, Site nodeSite)
-      : Expr(ExprKind::Field, nodeSite), object(fieldObject), name(fieldName) {}
+      : Expr(ExprKind::Field, nodeSite), object(fieldObject), name(fieldName) {
+    mayRunCode = true;
+  }
 
   Expr* object;
   StringObject* name;
@@ -189,7 +195,9 @@ struct FieldExpr : Expr {
 
 struct IndexExpr : Expr {
   IndexExpr(Expr* indexObject, Expr* indexKey, Site nodeSite)
-      : Expr(ExprKind::Index, nodeSite), object(indexObject), key(indexKey) {}
+      : Expr(ExprKind::Index, nodeSite), object(indexObject), key(indexKey) {
+    mayRunCode = true;
+  }
 
   Expr* object;
   Expr* key;

@@ -85,10 +85,11 @@ void LuaVM::Impl::bindDefaults() {
   Library(*this)
       .functions({{"min", mathMin}, {"max", mathMax}, {"floor", mathFloor}})
       .storeAs("math");
-  standard.output = OwnedValue(makeStandardOutput(heap));
+  defineFileClasses();
+  standard.output = OwnedValue(makeStandardOutput(heap, *standard.streamClass));
   Library(*this)
       .functions({{"open", ioOpen}, {"write", ioWrite}})
-      .value("stderr", makeStandardError(heap))
+      .value("stderr", makeStandardError(heap, *standard.streamClass))
       .value("stdout", retain(standard.output.get()))
       .storeAs("io");
   Library(*this).functions({{"execute", osExecute}, {"exit", osExit}}).storeAs("os");

@@ -41,8 +41,9 @@ FunctionObject* FunctionObject::createNative(Heap& heap, StringObject* nativeNam
   return function;
 }
 
-NativeObject* NativeObject::create(Heap& heap, Kind kind, std::unique_ptr<NativeHandle> handle) {
-  return new (heap.allocate(sizeof(NativeObject))) NativeObject(kind, std::move(handle));
+NativeObject* NativeObject::create(Heap& heap, Kind kind, NativeClass& type,
+                                   std::unique_ptr<NativeHandle> handle) {
+  return new (heap.allocate(sizeof(NativeObject))) NativeObject(kind, type, std::move(handle));
 }
 
 IteratorState::~IteratorState() {

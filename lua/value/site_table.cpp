@@ -1,15 +1,14 @@
 #include "lua/value/site_table.h"
 
-#include <limits>
+#include <algorithm>
 #include <new>
 
 namespace tarvel::lua::internal {
 
-namespace {
-
-constexpr std::uint64_t kLastSite = std::numeric_limits<Site>::max();
-
-}  // namespace
+Place Places::operator[](std::uint32_t index) const noexcept {
+  const auto nextLine = std::ranges::upper_bound(lineStarts_, index);
+  return {static_cast<std::uint32_t>(nextLine - lineStarts_.begin()), columns_[index]};
+}
 
 void SiteRange::clear() noexcept {
   if (table_ != nullptr) table_->chunks_.erase(last_);
@@ -22,7 +21,7 @@ SiteRange SiteTable::add(OwnedValue chunkName, Places places) {
   if (first == 0) throw std::bad_alloc();
   const Site last = first + static_cast<Site>(places.size() - 1);
   chunks_.try_emplace(last, std::move(chunkName), first, std::move(places));
-  next_ = last == kLastSite ? 1 : last + 1;
+  next_ = last == last_ ? 1 : last + 1;
   return {*this, first, last};
 }
 
@@ -33,7 +32,7 @@ Site SiteTable::roomFrom(std::uint64_t first, std::uint64_t count) const noexcep
   for (; chunk != chunks_.end() && first + count > chunk->second.first; ++chunk) {
     first = std::uint64_t{chunk->first} + 1;
   }
-  return first + count - 1 <= kLastSite ? static_cast<Site>(first) : 0;
+  return first + count - 1 <= last_ ? static_cast<Site>(first) : 0;
 }
 
 SiteTable::Entry SiteTable::find(Site site) const noexcept {

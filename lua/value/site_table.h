@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <utility>
 #include <vector>
@@ -18,8 +20,35 @@ struct Place {
   std::uint32_t column = 0;
 };
 
-// A chunk's places, one for each token, in the order of the text.
-using Places = std::vector<Place, HeapAllocator<Place>>;
+// A chunk's places, one for each token, in the order of the text. They stay as long as the chunk,
+// so a place takes no more than its column; few people ask for lines.
+class Places {
+ public:
+  // A Token has `line` and `column`.
+  template <class Token>
+  Places(Heap& heap, const std::vector<Token>& tokens)
+      : columns_(tokens.size(), HeapAllocator<std::uint32_t>(heap)),
+        lineStarts_(HeapAllocator<std::uint32_t>(heap)) {
+    std::uint32_t* column = columns_.data();
+    std::uint32_t line = 0;
+    for (const Token& token : tokens) {
+      if (token.line > line) {
+        line = token.line;
+        lineStarts_.resize(line, static_cast<std::uint32_t>(column - columns_.data()));
+      }
+      *column++ = token.column;
+    }
+  }
+
+  std::size_t size() const noexcept { return columns_.size(); }
+  Place operator[](std::uint32_t index) const noexcept;
+
+ private:
+  using Numbers = std::vector<std::uint32_t, HeapAllocator<std::uint32_t>>;
+
+  Numbers columns_;
+  Numbers lineStarts_;  // for each line, how many places are before it
+};
 
 class SiteTable;
 
@@ -51,9 +80,9 @@ class SiteRange {
 
 // What the sites of an interpreter stand for, for as long as their chunks live. 0 is no site.
 //
-// Numbers are handed out in rising order, and when the largest has been reached again from 1 on,
-// where there is room. So a number is not used again soon, and never runs out while the chunks that
-// live have room for one more.
+// Numbers are handed out in rising order, and once the largest has been reached again from 1 on,
+// in the gaps that chunks have left. So a number is not used again soon, and there is always a next
+// one, however many have been used over time.
 class SiteTable {
  public:
   // What one site stands for.
@@ -62,8 +91,9 @@ class SiteTable {
     Place place;
   };
 
-  explicit SiteTable(Heap& heap, Site next = 1)
-      : chunks_(HeapAllocator<Chunks::value_type>(heap)), next_(next) {}
+  // Numbers end at `last`.
+  explicit SiteTable(Heap& heap, Site last = std::numeric_limits<Site>::max())
+      : chunks_(HeapAllocator<Chunks::value_type>(heap)), last_(last) {}
   SiteTable(const SiteTable&) = delete;
   SiteTable& operator=(const SiteTable&) = delete;
 
@@ -90,7 +120,8 @@ class SiteTable {
   Site roomFrom(std::uint64_t first, std::uint64_t count) const noexcept;
 
   Chunks chunks_;
-  Site next_;  // where to look for room first
+  const std::uint64_t last_;  // the largest number
+  Site next_ = 1;             // where to look for room first
 };
 
 }  // namespace tarvel::lua::internal

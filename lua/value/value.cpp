@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -50,9 +51,12 @@ void dismantle(Value value) noexcept {
       code->removeReference();
       return;
     }
-    case kUserData:
+    case kUserData: {
+      // The handle goes last: an object of the host's may hold the last share in the heap.
+      const std::unique_ptr<NativeHandle> handle = std::move(value.native->handle);
       destroyIn(value.native);
       return;
+    }
     case kIterator:
       destroyIn(value.iterator);
       return;
@@ -90,6 +94,8 @@ void dismantleWaiting() noexcept {
 
 // Whatever may hold other objects. Out of line, so that releasing a string needs no frame.
 [[gnu::noinline]] void destroyContainer(Value value) noexcept {
+  if (value.tag == kUserData) [[unlikely]]
+    value.native->leaveClass();
   if (destruction.isUnderWay) {
     heapOf(value).addOwner();
     value.object->count = destruction.waiting;

@@ -51,6 +51,8 @@ enum Tag : std::uint64_t {
   kBreakCompletion = 17,
   kNoValuesCompletion = 18,
   kSeveralValuesCompletion = 19,
+  // What a peek gives that would have had to run something; never stored either.
+  kNotPeeked = 20,
 };
 
 // A value of the dialect: 16 bytes, trivially copyable, so that it travels in two registers. It

@@ -45,6 +45,16 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
       {"return t.x.y", "(readField<PeekedObject> (readField<FrameObject> t))"},
       {"return g[n][1]",
        "(readIndex<PeekedObject, OtherKey> (readIndex<PeekedObject, FrameKey> global.g n) 1)"},
+      {"return g[t[n]].y",
+       "(readField<PeekedObject> (readIndex<PeekedObject, PeekedKey> global.g "
+       "(readIndex<FrameObject, FrameKey> t n)))"},
+      {"return t[t.x + 1].y",
+       "(readField<OwnedObject> (readIndex<FrameObject, OtherKey> t (Arithmetic<Add> Field "
+       "Constant)))"},
+      {"return g[#t.x], g[t.x + 1]",
+       "(returnSeveral (readIndex<PeekedObject, PeekedKey> global.g (evaluatePeekedLength "
+       "(readField<FrameObject> t))) (readIndexKeepingObject global.g (Arithmetic<Add> Field "
+       "Constant)))"},
       {"return g[g()]",
        "(readIndexKeepingObject global.g (FunctionCall<GlobalCallee>::Of<0> global.g))"},
       {"t.x = n", "(storeField<FrameObject> n t)"},
@@ -53,8 +63,9 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
       {"t[n] = true", "(storeElementAtLocal<FrameObject, ScalarLiteral> true t n)"},
       {"t[n] = s", "(storeElementAtLocal<FrameObject, AnyValue> s t n)"},
       {"g[1] = s", "(storeElement<VariableObject> s global.g 1)"},
+      {"g[t.x] = s", "(storeElementKeepingObject s global.g (readField<FrameObject> t))"},
       // Calls.
-      {"g(n, #t)", "(FunctionCall<GlobalCallee>::Of<2> global.g n (evaluateLengthOfVariable t))"},
+      {"g(n, #t)", "(FunctionCall<GlobalCallee>::Of<2> global.g n (evaluatePeekedLength t))"},
       {"return t:m(s)", "(returnCall (MethodCall<1> t s))"},
       {"g(n, t())", "(callWithMany global.g n (FunctionCall<FrameCallee>::Of<0> t))"},
       // Bodies.

@@ -13,6 +13,7 @@
 #include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
 #include "lua/value/errors.h"
+#include "lua/value/native_class.h"
 
 // io.open, io.write, and the methods of files and streams.
 
@@ -139,28 +140,10 @@ MultiValue streamWrite(LuaVM&, ValueSpan args, Site site) {  // stream:write
   return MultiValue(retain(args[0]));
 }
 
-struct Method {
-  std::string_view field;
-  const char* name;
-  MultiValue (*function)(LuaVM&, ValueSpan, Site);
-};
-
-// A stream has the file methods, too, which then refuse it.
-constexpr Method kMethods[] = {
-    {"read", "file:read", fileRead},
-    {"seek", "file:seek", fileSeek},
-    {"close", "file:close", fileClose},
-};
-constexpr Method kFileWrite = {"write", "file:write", fileWrite};
-constexpr Method kStreamWrite = {"write", "stream:write", streamWrite};
-
-const Method* findMethod(NativeObject::Kind kind, std::string_view field) noexcept {
-  const Method& write = kind == NativeObject::Kind::File ? kFileWrite : kStreamWrite;
-  if (field == write.field) return &write;
-  for (const Method& method : kMethods) {
-    if (field == method.field) return &method;
-  }
-  return nullptr;
+void addMethod(LuaVM::Impl& interpreter, NativeClass& type, std::string_view field,
+               const OwnedValue& method) {
+  const OwnedValue name(Value(interpreter.strings.intern(field)));
+  type.setMethod(name.get().string, method);
 }
 
 }  // namespace
@@ -176,9 +159,9 @@ MultiValue ioOpen(LuaVM& vm, ValueSpan args, Site site) {
   if (file == nullptr) {
     return MultiValue{Value(), interpreter.makeString("failed to open file: " + path)};
   }
-  return MultiValue(
-      Value(NativeObject::create(interpreter.heap, NativeObject::Kind::File,
-                                 std::make_unique<FileHandle>(interpreter.heap, std::move(file)))));
+  return MultiValue(Value(NativeObject::create(
+      interpreter.heap, NativeObject::Kind::File, *interpreter.standard.fileClass,
+      std::make_unique<FileHandle>(interpreter.heap, std::move(file)))));
 }
 
 MultiValue ioWrite(LuaVM& vm, ValueSpan args, Site site) {
@@ -189,10 +172,26 @@ MultiValue ioWrite(LuaVM& vm, ValueSpan args, Site site) {
 
 }  // namespace internal
 
-internal::Value LuaVM::Impl::nativeObjectField(internal::NativeObject& object,
-                                               internal::StringObject* name) {
-  const internal::Method* const method = internal::findMethod(object.kind, name->view());
-  return method != nullptr ? makeNative(method->name, method->function) : Value();
+void LuaVM::Impl::defineFileClasses() {
+  using namespace internal;
+  standard.fileClass = &NativeClass::create(heap, "file");
+  standard.streamClass = &NativeClass::create(heap, "stream");
+  const auto make = [this](const char* name, MultiValue (*function)(LuaVM&, ValueSpan, Site)) {
+    return OwnedValue(makeNative(name, function));
+  };
+  // A stream has the other methods of files, too, which then refuse it.
+  const struct {
+    const char* field;
+    OwnedValue method;
+  } shared[] = {{"read", make("file:read", fileRead)},
+                {"seek", make("file:seek", fileSeek)},
+                {"close", make("file:close", fileClose)}};
+  for (const auto& [field, method] : shared) {
+    addMethod(*this, *standard.fileClass, field, method);
+    addMethod(*this, *standard.streamClass, field, method);
+  }
+  addMethod(*this, *standard.fileClass, "write", make("file:write", fileWrite));
+  addMethod(*this, *standard.streamClass, "write", make("stream:write", streamWrite));
 }
 
 }  // namespace tarvel::lua

@@ -7,7 +7,7 @@
 #include "lua/stdlib/files/buffered_file.h"
 #include "lua/value/native_object.h"
 
-// What the two kinds of native objects hold.
+// What the native objects of the library hold.
 
 namespace tarvel::lua::internal {
 

@@ -17,15 +17,19 @@ bool writeStandardError(std::string_view text) noexcept {
   return std::fwrite(text.data(), 1, text.size(), stderr) == text.size();
 }
 
-Value makeStream(Heap& heap, StreamHandle::Writer writer) {
-  return Value(NativeObject::create(heap, NativeObject::Kind::Stream,
+Value makeStream(Heap& heap, NativeClass& type, StreamHandle::Writer writer) {
+  return Value(NativeObject::create(heap, NativeObject::Kind::Stream, type,
                                     std::make_unique<StreamHandle>(heap, writer)));
 }
 
 }  // namespace
 
-Value makeStandardOutput(Heap& heap) { return makeStream(heap, writeStandardOutput); }
+Value makeStandardOutput(Heap& heap, NativeClass& type) {
+  return makeStream(heap, type, writeStandardOutput);
+}
 
-Value makeStandardError(Heap& heap) { return makeStream(heap, writeStandardError); }
+Value makeStandardError(Heap& heap, NativeClass& type) {
+  return makeStream(heap, type, writeStandardError);
+}
 
 }  // namespace tarvel::lua::internal

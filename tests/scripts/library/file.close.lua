@@ -30,6 +30,6 @@ print(content())  -- expect: or
 -- A method keeps its own name, works on whatever it is given, and does not keep its file open.
 f = holding("method")
 local close = f.close
-print(tostring(close), close, f.close == f.close)  -- expect: function: file:close	[function file:close]	false
+print(tostring(close), close, f.close == f.close)  -- expect: function: file:close	[function file:close]	true
 f = nil
 print(content(), type(close))  -- expect: method	function
