@@ -205,7 +205,7 @@ void ScriptSink::makeRoom() {
   end_ = reinterpret_cast<std::byte*>(next + kStep);
 }
 
-inline void ScriptSink::put(RawValue value) {
+void ScriptSink::put(RawValue value) {
   *reinterpret_cast<Value*>(next_) = toValue(value);
   next_ += sizeof(Value);
 }

@@ -28,6 +28,7 @@ using internal::OwnedValue;
 using internal::Table;
 using internal::UnparsedError;
 using internal::ValueStack;
+using internal::WorkMeter;
 
 LuaVM::LuaVM() : LuaVM(LuaOptions()) {}
 
@@ -89,7 +90,7 @@ LuaVM::Impl::Impl(LuaVM& ownerVm, const LuaOptions& vmOptions)
       heap(heapOwner.get()),
       strings(heap),
       sites(heap),
-      patterns(std::make_unique<internal::PatternCache>()) {
+      patterns(std::make_unique<internal::PatternCache>(heap)) {
   if (options.supervised) heap.meter().setSupervised();
 }
 
@@ -147,16 +148,22 @@ namespace {
 // no exit that would be taken for one of a run around it.
 class RunScope {
  public:
-  RunScope(ValueStack& stack, ExitRequest& exit)
+  RunScope(ValueStack& stack, ExitRequest& exit, WorkMeter& meter, std::size_t& activeRuns)
       : stack_(stack),
         mark_(destruction_.isNested() ? stack.markBeyondFrames() : stack.mark()),
-        exit_(exit) {
+        exit_(exit),
+        meter_(meter),
+        activeRuns_(activeRuns) {
     stack_.enterThread(hostStack_.floor());
+    ++activeRuns_;
   }
   ~RunScope() {
     stack_.unwindTo(mark_);
     exit_ = {};
+    if (--activeRuns_ == 0) meter_.endRun();
   }
+  // Runs inside others share what those may do.
+  bool isOutermost() const noexcept { return activeRuns_ == 1; }
   RunScope(const RunScope&) = delete;
   RunScope& operator=(const RunScope&) = delete;
 
@@ -166,6 +173,8 @@ class RunScope {
   ValueStack& stack_;
   ValueStack::Mark mark_;
   ExitRequest& exit_;
+  WorkMeter& meter_;
+  std::size_t& activeRuns_;
 };
 
 LuaResult makeFailure(const FailureReport& failure, const std::string& chunkName) {
@@ -198,8 +207,9 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
 // Throws std::bad_alloc when there is no memory to say what failed. What the run held is released
 // before that is put into words.
 LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
-  std::optional<RunScope> scope(std::in_place, stack, exit_);
+  std::optional<RunScope> scope(std::in_place, stack, exit_, heap.meter(), activeRuns_);
   try {
+    if (scope->isOutermost()) heap.meter().beginRun();
     requireLife();
     if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
       throw UnparsedError(FailureKind::Stack, chunkName, 1, 1, "stack overflow");

@@ -3,6 +3,7 @@
 #include <tarvel/lua/lua_vm.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -30,13 +31,14 @@ namespace tarvel::lua {
 namespace internal {
 class ChunkReference;
 class NativeClass;
+class MemoryCharge;
 class PatternCache;
 struct ResolvedChunk;
 struct VariableExpr;
 
 // Objects that are always there.
 struct StandardObjects {
-  OwnedValue output;                  // io.stdout as it was made; scripts may overwrite the field
+  OwnedValue output;  // io.stdout as it was made, if at all; scripts may overwrite the field
   OwnedValue outOfMemoryText;         // the message, made while there is memory
   std::size_t stringLibrarySlot = 0;  // of the global `string`
   // Of open files and of streams. They belong to the heap.
@@ -94,9 +96,13 @@ class LuaVM::Impl {
   void bindFunction(const std::string& name, HostFunction function);
   // Borrow their argument; throw std::runtime_error for what cannot cross.
   LuaValue valueToPublic(const Value& value) const;
+  // The copies count as memory as long as `memory` lives.
+  std::vector<LuaValue> valuesToPublic(internal::ValueSpan values, internal::MemoryCharge& memory,
+                                       Site site) const;
   Value publicToValue(const LuaValue& value);  // owned
-  // Passes the printable form of a value to `write`, piece by piece.
-  static void printPublic(const LuaValue& value, bool (*write)(std::string_view text) noexcept);
+  // Passes the line that `print` writes to `write`, piece by piece.
+  void printValues(internal::ValueSpan values, Site site,
+                   const std::function<void(std::string_view text)>& write);
   // Lexes, parses, resolves and prepares a chunk for running. Throws UnparsedError, a
   // std::runtime_error "chunk:line:column: message".
   internal::ChunkReference parseScript(const std::string& source, const std::string& chunkName,
@@ -168,6 +174,7 @@ class LuaVM::Impl {
 
   friend class internal::InterpreterInUse;
   std::size_t uses_ = 0;  // by functions of the facade that have not returned
+  std::size_t activeRuns_ = 0;
   internal::ExitRequest exit_;
   bool ended_ = false;
 };

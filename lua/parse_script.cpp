@@ -28,13 +28,6 @@ std::uint32_t nestingLimit() {
       std::min(kDeepestNesting, hostStackRoom() / stack_cost::kParserLevel));
 }
 
-Places placesOf(const std::vector<Token>& tokens, Heap& heap) {
-  Places places{HeapAllocator<Place>(heap)};
-  places.reserve(tokens.size());
-  for (const Token& token : tokens) places.push_back({token.line, token.column});
-  return places;
-}
-
 void requireParameterNames(std::span<const std::string_view> names, const std::string& chunkName,
                            MemoryCharge& memory) {
   for (const std::string_view name : names) {

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +11,7 @@
 
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
+#include "lua/value/memory_charge.h"
 
 // How public values print.
 
@@ -17,35 +20,63 @@ namespace tarvel::lua {
 using internal::failBridgeOut;
 using internal::integerKey;
 using internal::isTooDeep;
+using internal::MemoryCharge;
 using internal::requireConsistent;
+using internal::Site;
+using internal::stepsForBytes;
 using internal::Value;
+using internal::ValueSpan;
+using internal::WorkMeter;
 
 namespace {
 
+// Whose work and text printing is, where it is a script's.
+struct ScriptOutput {
+  WorkMeter& meter;
+  Site site;
+  const std::function<void(std::string_view text)>& write;
+};
+
+using Member = LuaValue::Object::value_type;
+
 // Keys that are integers first, ascending, then the others bytewise, so that output is
 // reproducible.
-std::vector<const LuaValue::Object::value_type*> orderedMembers(const LuaValue::Object& object) {
-  std::vector<std::pair<std::optional<std::int64_t>, const LuaValue::Object::value_type*>> keyed;
+bool goesBefore(const std::pair<std::optional<std::int64_t>, const Member*>& a,
+                const std::pair<std::optional<std::int64_t>, const Member*>& b) {
+  if (a.first.has_value() != b.first.has_value()) return a.first.has_value();
+  if (a.first != b.first) return a.first < b.first;
+  return a.second->first < b.second->first;
+}
+
+std::vector<const Member*> orderedMembers(const LuaValue::Object& object,
+                                          const ScriptOutput* script) {
+  std::vector<std::pair<std::optional<std::int64_t>, const Member*>> keyed;
   keyed.reserve(object.size());
-  for (const auto& member : object) keyed.emplace_back(integerKey(member.first), &member);
-  std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-    if (a.first.has_value() != b.first.has_value()) return a.first.has_value();
-    if (a.first != b.first) return a.first < b.first;
-    return a.second->first < b.second->first;
-  });
-  std::vector<const LuaValue::Object::value_type*> members;
+  for (const auto& member : object) {
+    if (script != nullptr)
+      script->meter.spend(1 + stepsForBytes(member.first.size()), script->site);
+    keyed.emplace_back(integerKey(member.first), &member);
+  }
+  if (script == nullptr || !script->meter.isSupervised()) {
+    std::sort(keyed.begin(), keyed.end(), goesBefore);
+  } else {
+    std::sort(keyed.begin(), keyed.end(), [script](const auto& a, const auto& b) {
+      const std::size_t common = std::min(a.second->first.size(), b.second->first.size());
+      script->meter.spend(1 + stepsForBytes(common), script->site);
+      return goesBefore(a, b);
+    });
+  }
+  std::vector<const Member*> members;
   members.reserve(keyed.size());
   for (const auto& member : keyed) members.push_back(member.second);
   return members;
 }
 
-using TextWriter = bool (*)(std::string_view text) noexcept;
-
-// Puts the printable form of a value together. With a writer the text leaves in pieces, so it may
-// be larger than memory.
+// Puts the printable form of a value together. For a script the text leaves in pieces, so it may be
+// larger than memory.
 class PublicPrinter {
  public:
-  explicit PublicPrinter(TextWriter writer = nullptr) : writer_(writer) {}
+  explicit PublicPrinter(const ScriptOutput* script = nullptr) : script_(script) {}
 
   void print(const LuaValue& value, int depth = 0) {
     if (isTooDeep(depth)) failBridgeOut();
@@ -72,32 +103,45 @@ class PublicPrinter {
     }
   }
 
-  // Hands over what has not been written.
-  std::string take() { return std::move(text_); }
-  void flush() {
-    writer_(text_);
-    text_.clear();
+  // As print, for what needs no copy. False for other values.
+  bool printDirectly(const Value& value) {
+    if (value.isString()) {
+      append(value.string->view());
+    } else if (value.tag < internal::kString) {
+      value.appendTo(text_);
+    } else {
+      return false;
+    }
+    return true;
   }
 
- private:
-  static constexpr std::size_t kPieceBytes = 4096;
-
   void append(std::string_view text) {
-    if (writer_ != nullptr && text_.size() + text.size() > kPieceBytes) {
+    if (script_ != nullptr && text_.size() + text.size() > kPieceBytes) {
       flush();
       if (text.size() > kPieceBytes) {
-        writer_(text);
+        script_->write(text);
         return;
       }
     }
     text_.append(text);
   }
 
+  // Hands over what has not been written.
+  std::string take() { return std::move(text_); }
+  void flush() {
+    if (!text_.empty()) script_->write(text_);
+    text_.clear();
+  }
+
+ private:
+  static constexpr std::size_t kPieceBytes = 4096;
+
   void printSequence(const LuaValue::Sequence* sequence, int depth) {
     append("{");
     const char* separator = "";
     if (sequence != nullptr) {
       for (const LuaValue& element : *sequence) {
+        count();
         append(std::exchange(separator, ", "));
         print(element, depth);
       }
@@ -109,7 +153,7 @@ class PublicPrinter {
     append("{");
     const char* separator = "";
     if (object != nullptr) {
-      for (const auto* member : orderedMembers(*object)) {
+      for (const auto* member : orderedMembers(*object, script_)) {
         append(std::exchange(separator, ", "));
         append(member->first);
         append(": ");
@@ -126,7 +170,11 @@ class PublicPrinter {
     append("]");
   }
 
-  TextWriter writer_;
+  void count() {
+    if (script_ != nullptr) script_->meter.step(script_->site);
+  }
+
+  const ScriptOutput* script_;
   std::string text_;
 };
 
@@ -139,9 +187,30 @@ std::string LuaValue::toString() const {
   return printer.take();
 }
 
-void LuaVM::Impl::printPublic(const LuaValue& value, TextWriter write) {
-  PublicPrinter printer(write);
-  printer.print(value);
+namespace {
+
+bool needsNoCopy(const Value& value) { return value.tag <= internal::kString; }
+
+}  // namespace
+
+// All values are copied before the first is written, because some cannot be. What was written
+// before a table stays written, should that be nested too deeply for printing.
+void LuaVM::Impl::printValues(ValueSpan values, Site site,
+                              const std::function<void(std::string_view text)>& write) {
+  MemoryCharge memory(heap);
+  std::vector<LuaValue> copies;
+  const bool isPlain = std::all_of(values.begin(), values.end(), needsNoCopy);
+  if (!isPlain) copies = valuesToPublic(values, memory, site);
+  const ScriptOutput script{heap.meter(), site, write};
+  PublicPrinter printer(&script);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    heap.meter().step(site);
+    if (i > 0) printer.append("\t");
+    if (printer.printDirectly(values[i])) continue;
+    printer.flush();
+    printer.print(copies[i]);
+  }
+  printer.append("\n");
   printer.flush();
 }
 

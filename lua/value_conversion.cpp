@@ -11,6 +11,7 @@
 #include "lua/public_value.h"
 #include "lua/release_scope.h"
 #include "lua/value/memory_charge.h"
+#include "lua/value/metered_work.h"
 #include "lua/value/table.h"
 
 // How values cross between host and interpreter.
@@ -27,6 +28,7 @@ using internal::MemoryCharge;
 using internal::MultiValue;
 using internal::OwnedValue;
 using internal::requireConsistent;
+using internal::Site;
 using internal::StringObject;
 using internal::Table;
 using internal::TableKey;
@@ -70,11 +72,12 @@ bool internal::isSequence(Table& table) noexcept {
 namespace {
 
 // Copies values for the host. A table that stands in many places is copied as often, so a small
-// script can ask for more than the machine has: while it lives, the copies count as memory of the
-// interpreter.
+// script can ask for more than the machine has: the copies count as memory of the interpreter, and
+// making them as work.
 class ToPublic {
  public:
-  explicit ToPublic(Heap& heap) : heap_(heap), memory_(heap) {}
+  ToPublic(Heap& heap, MemoryCharge& memory, Site site)
+      : heap_(heap), memory_(memory), site_(site) {}
 
   LuaValue write(const Value& value, int depth = 0) {
     switch (value.kind()) {
@@ -87,13 +90,14 @@ class ToPublic {
       case ValueKind::Boolean:
         return LuaValue(value.isTruthy());
       case ValueKind::String:
-        memory_.add(value.string->length);
-        return LuaValue(std::string(value.string->view()));
+        return LuaValue(writeText(*value.string));
       case ValueKind::Function:
+        memory_.add(kHandleBytes);
         return LuaValue(internal::handleOf(value, heap_));
       case ValueKind::Table:
         if (isTooDeep(depth)) failBridgeOut();
         memory_.add(kTableBytes);
+        heap_.meter().spend(1 + value.table->arraySize() / internal::kElementsPerStep, site_);
         return internal::isSequence(*value.table) ? writeSequence(*value.table, depth + 1)
                                                   : writeObject(*value.table, depth + 1);
       case ValueKind::UserData:
@@ -107,7 +111,7 @@ class ToPublic {
     memory_.add(values.size() * sizeof(LuaValue));
     std::vector<LuaValue> copies;
     copies.reserve(values.size());
-    for (const Value& value : values) copies.push_back(write(value));
+    writeInPieces(values.size(), [&](std::size_t i) { copies.push_back(write(values[i])); });
     return copies;
   }
 
@@ -115,38 +119,72 @@ class ToPublic {
   // With what the system's allocator adds, and for a member what ordering it for printing takes.
   static constexpr std::size_t kTableBytes = 96;
   static constexpr std::size_t kMemberBytes = sizeof(LuaValue::Object::value_type) + 96;
+  static constexpr std::size_t kHandleBytes = 160;
+  static constexpr std::size_t kMembersPerStep = 2;
+  // How often a bucket is looked at, in members, and how long it usually is at most.
+  static constexpr std::size_t kSampleDistance = 64;
+  static constexpr std::size_t kUsualBucket = 8;
+
+  template <class Write>
+  void writeInPieces(std::size_t count, const Write& writeElement) {
+    internal::inPieces(heap_.meter(), count, kMembersPerStep, site_,
+                       [&](std::size_t first, std::size_t some) {
+                         for (std::size_t i = first; i < first + some; ++i) writeElement(i);
+                       });
+  }
+
+  std::string writeText(const StringObject& text) {
+    memory_.add(text.length);
+    if (text.length < internal::kBytesPerStep) return std::string(text.view());
+    std::string copy;
+    copy.reserve(text.length);
+    internal::inPieces(heap_.meter(), text.view(), site_,
+                       [&copy](std::string_view piece) { copy.append(piece); });
+    return copy;
+  }
 
   LuaValue writeSequence(Table& table, int depth) {
     auto sequence = std::make_shared<LuaValue::Sequence>();
     const auto length = static_cast<std::uint32_t>(table.length());
     memory_.add(length * sizeof(LuaValue));
     sequence->reserve(length);
-    for (std::uint32_t i = 0; i < length; ++i) {
-      sequence->push_back(write(table.element(i), depth));
-    }
+    writeInPieces(length, [&](std::size_t i) {
+      sequence->push_back(write(table.element(static_cast<std::uint32_t>(i)), depth));
+    });
     return LuaValue(std::move(sequence));
   }
 
   LuaValue writeObject(const Table& table, int depth) {
     auto object = std::make_shared<LuaValue::Object>();
-    for (std::uint32_t i = 0; i < table.arraySize(); ++i) {
+    writeInPieces(table.arraySize(), [&](std::size_t i) {
       const Value key(static_cast<std::int64_t>(i) + 1);
-      writeMember(*object, key, table.element(i), depth);
-    }
-    for (std::uint32_t i = 0; i < table.entryCount(); ++i) {
-      writeMember(*object, table.entryKey(i).toValue(), table.entryValue(i), depth);
-    }
+      writeMember(*object, key, table.element(static_cast<std::uint32_t>(i)), depth);
+    });
+    writeInPieces(table.entryCount(), [&](std::size_t i) {
+      const auto number = static_cast<std::uint32_t>(i);
+      writeMember(*object, table.entryKey(number).toValue(), table.entryValue(number), depth);
+    });
     return LuaValue(std::move(object));
   }
 
   void writeMember(LuaValue::Object& object, const Value& key, const Value& value, int depth) {
     if (value.isNil()) return;
-    memory_.add(kMemberBytes + (key.isString() ? key.string->length : 0));
-    object.insert_or_assign(key.toString(), write(value, depth));
+    memory_.add(kMemberBytes);
+    std::string name = key.isString() ? writeText(*key.string) : key.toString();
+    const auto member = object.insert_or_assign(std::move(name), write(value, depth)).first;
+    if (object.size() % kSampleDistance == 0) countCollisions(object, member->first);
+  }
+
+  // The public object's hash is no secret, so a script can choose keys that all collide.
+  void countCollisions(const LuaValue::Object& object, const std::string& key) {
+    if (!heap_.meter().isSupervised()) return;
+    const std::size_t bucket = object.bucket_size(object.bucket(key));
+    if (bucket > kUsualBucket) heap_.meter().spend(kSampleDistance * bucket / kUsualBucket, site_);
   }
 
   Heap& heap_;
-  MemoryCharge memory_;
+  MemoryCharge& memory_;
+  Site site_;
 };
 
 // ---- Into the interpreter -----------------------------------------------------------------------
@@ -219,7 +257,13 @@ class FromPublic {
 // ---- The interpreter's side ---------------------------------------------------------------------
 
 LuaValue LuaVM::Impl::valueToPublic(const Value& value) const {
-  return ToPublic(heap).write(value);
+  MemoryCharge memory(heap);
+  return ToPublic(heap, memory, 0).write(value);
+}
+
+std::vector<LuaValue> LuaVM::Impl::valuesToPublic(ValueSpan values, MemoryCharge& memory,
+                                                  Site site) const {
+  return ToPublic(heap, memory, site).writeAll(values);
 }
 
 LuaVM::Impl::Value LuaVM::Impl::publicToValue(const LuaValue& value) {
@@ -234,8 +278,9 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
   bindNativeGlobal(name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments,
                                                           Site site) {
     Impl& interpreter = Impl::of(vm);
-    ToPublic writer(interpreter.heap);
-    const std::vector<LuaValue> publicArguments = writer.writeAll(arguments);
+    MemoryCharge memory(interpreter.heap);
+    const std::vector<LuaValue> publicArguments =
+        interpreter.valuesToPublic(arguments, memory, site);
     try {
       return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
     } catch (const std::bad_alloc&) {

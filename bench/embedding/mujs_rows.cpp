@@ -50,7 +50,7 @@ Engine makeMuJs() {
   const char* const add = get("add");
   const char* const move = get("move");
   const std::string text =
-      "long = function() {\n" + longScript("function f", "  return a + 1", "}") + "}";
+      "long = function() {\n" + longScript("function f", "  a = a + 1", "}") + "}";
   js_dostring(engine, text.c_str());
   const char* const prepared = get("long");
   rows.rows[kNothing] = [=](long n) {

@@ -29,15 +29,15 @@ struct Registration {
   explicit Registration(Engine (*make)()) { engines().push_back(make()); }
 };
 
-// A script of 800 lines: declarations of functions, and a few assignments. `functionEnd` is "end"
+// A script of 800 lines: a hundred functions of six lines. `functionEnd` is "end"
 // or "}", and so on.
 inline std::string longScript(const std::string& functionHead, const std::string& bodyLine,
                               const std::string& functionEnd) {
   std::string text;
-  for (int i = 0; i < 200; ++i) {
+  for (int i = 0; i < 100; ++i) {
     const std::string number = std::to_string(i);
     text += functionHead + number + "(a)" + (functionEnd == "}" ? " {" : "") + "\n" + bodyLine +
-            "\n" + functionEnd + "\n\n";
+            "\n" + bodyLine + "\n" + bodyLine + "\n" + bodyLine + "\n" + functionEnd + "\n\n\n";
   }
   return text + "return 1\n";
 }

@@ -53,7 +53,7 @@ Engine makeTarvelLua() {
   };
   engine.rows[kHostNumbers] = [vm, f = get("numbers")](long n) { vm->call<void>(f, n).value(); };
   engine.rows[kHostText] = [vm, f = get("texts")](long n) { vm->call<void>(f, n).value(); };
-  const std::string text = longScript("local function f", "  return a + 1", "end");
+  const std::string text = longScript("local function f", "  a = a + 1", "end");
   engine.rows[kPrepared] = [vm, f = vm->load(text, "long").value()](long n) {
     for (long i = 0; i < n; ++i) vm->call<int>(f).value();
   };

@@ -4,27 +4,26 @@
 #include <exception>
 #include <new>
 #include <string>
-#include <vector>
 
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
+#include "lua/stdlib/text_builder.h"
 #include "lua/value/iterator_state.h"
+#include "lua/value/metered_work.h"
 #include "lua/value/number_rules.h"
 
 // print, tostring, tonumber, type, assert, error, pcall, pairs, ipairs.
 
 namespace tarvel::lua::internal {
 
-// That the output cannot take it shows when the stream is closed at the end.
-LuaValue basePrint(LuaVM&, const std::vector<LuaValue>& arguments) {
-  for (const LuaValue& argument : arguments) {
-    if (&argument != &arguments.front()) writeStandardOutput("\t");
-    LuaVM::Impl::printPublic(argument, writeStandardOutput);
-  }
-  writeStandardOutput("\n");
-  return LuaValue();
+// That the process's output cannot take it shows when the stream is closed at the end.
+MultiValue basePrint(LuaVM& vm, ValueSpan args, Site site) {
+  LuaVM::Impl::of(vm).printValues(args, site, [&vm, site](std::string_view text) {
+    writeToStandard(StandardStream::Output, vm, text, site);
+  });
+  return MultiValue(Value());
 }
 
 MultiValue baseToString(LuaVM& vm, ValueSpan args, Site) {
@@ -34,6 +33,12 @@ MultiValue baseToString(LuaVM& vm, ValueSpan args, Site) {
 }
 
 namespace {
+
+// In bytes. The C library's conversions cannot be interrupted, so a supervised interpreter gives
+// them no more than they read in some milliseconds.
+constexpr std::size_t kLongestNumber = std::size_t{1} << 20;
+// A byte of a number takes as long as so many bytes that are copied.
+constexpr std::size_t kConversionsOfNumber = 16;
 
 constexpr std::int64_t kLowestBase = 2;
 constexpr std::int64_t kHighestBase = 36;
@@ -67,12 +72,18 @@ Value numberFromText(const StringObject& text, std::int64_t base) {
 
 }  // namespace
 
-MultiValue baseToNumber(LuaVM&, ValueSpan args, Site site) {
+MultiValue baseToNumber(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("tonumber", args.size(), 1, 2);
   if (args[0].isNumber()) return MultiValue(args[0]);
   if (!args[0].isString()) return MultiValue(Value());
   const std::int64_t base = isGiven(args, 1) ? requireInteger("tonumber", args, 1, site) : 10;
-  return MultiValue(numberFromText(*args[0].string, base));
+  const StringObject& text = *args[0].string;
+  WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
+  if (text.length > kLongestNumber && meter.isSupervised()) {
+    failRuntime(site, "text is too long for a number");
+  }
+  meter.spend(stepsForBytes(text.length * kConversionsOfNumber), site);
+  return MultiValue(numberFromText(text, base));
 }
 
 MultiValue baseType(LuaVM& vm, ValueSpan args, Site) {
@@ -85,11 +96,27 @@ namespace {
 // An error carries its text outside the interpreter's memory, and it is copied on the way to
 // whoever reports it.
 constexpr std::size_t kErrorTextCopies = 4;
+// In bytes. Those copies cannot be interrupted.
+constexpr std::size_t kLongestSupervisedError = std::size_t{1} << 20;
 
 [[noreturn]] void failWithText(LuaVM& vm, const Value& text, Site site) {
   const PrintableText printable(text);
-  LuaVM::Impl::of(vm).heap.requireRoom(kErrorTextCopies * printable.view().size());
+  const std::size_t bytes = kErrorTextCopies * printable.view().size();
+  Heap& heap = LuaVM::Impl::of(vm).heap;
+  heap.meter().spend(stepsForBytes(bytes), site);
+  if (bytes > kErrorTextCopies * kLongestSupervisedError && heap.meter().isSupervised()) {
+    failRuntime(site, "error message is too long");
+  }
+  heap.requireRoom(bytes);
   failRuntime(site, std::string(printable.view()));
+}
+
+// A list of values stands outside the interpreter's memory and doubles as it grows.
+void requireRoomForValues(LuaVM& vm, std::size_t count, Site site) {
+  if (count < kElementsPerStep) return;
+  Heap& heap = LuaVM::Impl::of(vm).heap;
+  heap.meter().spend(count / kElementsPerStep, site);
+  heap.requireRoom(3 * sizeof(Value) * count);
 }
 
 }  // namespace
@@ -100,6 +127,7 @@ MultiValue baseAssert(LuaVM& vm, ValueSpan args, Site site) {
     if (args.size() == 1) failRuntime(site, "assertion failed!");
     failWithText(vm, args[1], site);
   }
+  requireRoomForValues(vm, args.size(), site);
   MultiValue results;
   for (const Value& argument : args) results.push(retain(argument));
   return results;
@@ -115,9 +143,9 @@ MultiValue baseError(LuaVM& vm, ValueSpan args, Site site) {
 namespace {
 
 MultiValue failedCall(LuaVM::Impl& interpreter, const ValueStack::Mark& mark,
-                      std::string_view message) {
+                      std::string_view message, Site site) {
   interpreter.stack.unwindTo(mark);
-  return MultiValue{Value(false), interpreter.makeString(message)};
+  return MultiValue{Value(false), makeText(interpreter.strings, message, site)};
 }
 
 // There may be no memory for a message either.
@@ -137,22 +165,24 @@ MultiValue basePcall(LuaVM& vm, ValueSpan args, Site site) {
     const ProtectedCallScope scope;
     const MultiValue returned =
         interpreter.callValue(args[0], ValueSpan(args.begin() + 1, args.size() - 1), site);
+    requireRoomForValues(vm, returned.size(), site);
     MultiValue results(Value(true));
     for (const Value& value : returned.span()) results.push(retain(value));
     return results;
   } catch (const ProtectedRuntimeError& error) {
-    return failedCall(interpreter, mark, error.message);
+    return failedCall(interpreter, mark, error.message, site);
   } catch (const std::bad_alloc&) {
     return outOfMemory(interpreter, mark);
   } catch (const std::exception& error) {
-    return failedCall(interpreter, mark, exceptionText(error));
+    return failedCall(interpreter, mark, exceptionText(error), site);
   }
 }
 
 MultiValue basePairs(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("pairs", args.size(), 1, 1);
   if (!args[0].isTable()) failRuntime(site, "pairs expects a table");
-  return MultiValue(Value(IteratorState::createPairs(LuaVM::Impl::of(vm).heap, *args[0].table)));
+  return MultiValue(
+      Value(IteratorState::createPairs(LuaVM::Impl::of(vm).heap, *args[0].table, site)));
 }
 
 MultiValue baseIpairs(LuaVM& vm, ValueSpan args, Site site) {

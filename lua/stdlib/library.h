@@ -2,8 +2,6 @@
 
 #include <tarvel/lua/lua_vm.h>
 
-#include <vector>
-
 #include "lua/value/multi_value.h"
 #include "lua/value/native_object.h"
 #include "lua/value/value.h"
@@ -14,7 +12,7 @@
 namespace tarvel::lua::internal {
 
 // base_functions.cpp
-LuaValue basePrint(LuaVM& vm, const std::vector<LuaValue>& arguments);
+MultiValue basePrint(LuaVM& vm, ValueSpan args, Site site);
 MultiValue baseToString(LuaVM& vm, ValueSpan args, Site site);
 MultiValue baseToNumber(LuaVM& vm, ValueSpan args, Site site);
 MultiValue baseType(LuaVM& vm, ValueSpan args, Site site);

@@ -1,7 +1,9 @@
 #include <cmath>
 
+#include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/library.h"
+#include "lua/value/metered_work.h"
 #include "lua/value/number_rules.h"
 
 // math.min, math.max, math.floor. All compute with doubles, so integers beyond 2^53 lose their last
@@ -13,8 +15,9 @@ namespace {
 
 // A whole result becomes an integer whatever the arguments were.
 template <class Fold>
-MultiValue foldNumbers(const char* name, ValueSpan args, Site site, Fold fold) {
+MultiValue foldNumbers(const char* name, LuaVM& vm, ValueSpan args, Site site, Fold fold) {
   requireArgumentCount(name, args.size(), 1, kAnyCount);
+  LuaVM::Impl::of(vm).heap.meter().spend(args.size() / kElementsPerStep, site);
   double result = requireNumber(name, args, 0, site);
   for (std::size_t i = 1; i < args.size(); ++i) {
     result = fold(result, requireNumber(name, args, i, site));
@@ -25,12 +28,14 @@ MultiValue foldNumbers(const char* name, ValueSpan args, Site site, Fold fold) {
 
 }  // namespace
 
-MultiValue mathMin(LuaVM&, ValueSpan args, Site site) {
-  return foldNumbers("math.min", args, site, [](double a, double b) { return std::fmin(a, b); });
+MultiValue mathMin(LuaVM& vm, ValueSpan args, Site site) {
+  return foldNumbers("math.min", vm, args, site,
+                     [](double a, double b) { return std::fmin(a, b); });
 }
 
-MultiValue mathMax(LuaVM&, ValueSpan args, Site site) {
-  return foldNumbers("math.max", args, site, [](double a, double b) { return std::fmax(a, b); });
+MultiValue mathMax(LuaVM& vm, ValueSpan args, Site site) {
+  return foldNumbers("math.max", vm, args, site,
+                     [](double a, double b) { return std::fmax(a, b); });
 }
 
 // 2^63 itself counts as in range and saturates; NaN becomes 0.

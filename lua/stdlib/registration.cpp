@@ -56,12 +56,14 @@ class Library {
 
 }  // namespace
 
+// What is not granted is not made at all, so there is nothing that could hand it out.
 void LuaVM::Impl::bindDefaults() {
   using namespace internal;
+  const auto isGranted = [this](LuaReach part) {
+    return (static_cast<std::uint32_t>(options.reach) & static_cast<std::uint32_t>(part)) != 0;
+  };
   globals.set("_VERSION", makeString("Tarvel TarvelLua"));
-  // The one function that goes through the bridge for the host's functions, so what it prints is
-  // public values.
-  bindFunction("print", basePrint);
+  if (isGranted(LuaReach::Output)) bindNativeGlobal("print", basePrint);
   constexpr Member kBaseFunctions[] = {
       {"tostring", baseToString}, {"tonumber", baseToNumber}, {"type", baseType},
       {"assert", baseAssert},     {"error", baseError},       {"pcall", basePcall},
@@ -86,13 +88,20 @@ void LuaVM::Impl::bindDefaults() {
       .functions({{"min", mathMin}, {"max", mathMax}, {"floor", mathFloor}})
       .storeAs("math");
   defineFileClasses();
-  standard.output = OwnedValue(makeStandardOutput(heap, *standard.streamClass));
-  Library(*this)
-      .functions({{"open", ioOpen}, {"write", ioWrite}})
-      .value("stderr", makeStandardError(heap, *standard.streamClass))
-      .value("stdout", retain(standard.output.get()))
-      .storeAs("io");
-  Library(*this).functions({{"execute", osExecute}, {"exit", osExit}}).storeAs("os");
+  Library io(*this);
+  if (isGranted(LuaReach::Files)) io.functions({{"open", ioOpen}});
+  if (isGranted(LuaReach::Output)) {
+    standard.output =
+        OwnedValue(makeStandardStream(heap, *standard.streamClass, StandardStream::Output));
+    io.functions({{"write", ioWrite}})
+        .value("stderr", makeStandardStream(heap, *standard.streamClass, StandardStream::Error))
+        .value("stdout", retain(standard.output.get()));
+  }
+  io.storeAs("io");
+  Library os(*this);
+  if (isGranted(LuaReach::Commands)) os.functions({{"execute", osExecute}});
+  if (isGranted(LuaReach::Exit)) os.functions({{"exit", osExit}});
+  os.storeAs("os");
 }
 
 }  // namespace tarvel::lua

@@ -7,6 +7,7 @@
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/library.h"
 #include "lua/stdlib/text_builder.h"
+#include "lua/value/metered_work.h"
 
 // string.sub, rep, format, unpack. Positions count bytes from 1.
 
@@ -19,11 +20,20 @@ std::int64_t fromStart(std::int64_t position, std::int64_t length) noexcept {
   return position < 0 ? position + length + 1 : position;
 }
 
-// Each step copies all that is there, so that short texts are not copied one by one.
-void fillWithRepetitions(char* target, std::size_t length, std::string_view text) noexcept {
-  std::size_t filled = text.copy(target, text.size());
-  while (filled < length) {
-    filled += std::string_view(target, filled).copy(target + filled, length - filled);
+// Once the text is there, each step copies all that is there, so that short texts are not copied
+// one by one.
+void fillWithRepetitions(WorkMeter& meter, char* target, std::size_t length, std::string_view text,
+                         Site site) {
+  inPieces(meter, text.size(), kBytesPerStep, site, [=](std::size_t offset, std::size_t count) {
+    text.substr(offset, count).copy(target + offset, count);
+  });
+  const std::size_t most = meter.isSupervised() ? kBytesPerStep * kStepsPerPiece : length;
+  for (std::size_t filled = text.size(); filled < length;) {
+    const std::size_t start = filled % text.size();
+    const std::size_t count = std::min({filled - start, length - filled, most});
+    meter.spend(stepsForBytes(count), site);
+    std::copy_n(target + start, count, target + filled);
+    filled += count;
   }
 }
 
@@ -41,7 +51,8 @@ MultiValue stringSub(LuaVM& vm, ValueSpan args, Site site) {
   if (first == 1 && last == length) return MultiValue(retain(args[0]));
   const std::int64_t count = last >= first ? last - first + 1 : 0;
   const char* const start = count > 0 ? text.data() + (first - 1) : text.data();
-  return MultiValue(LuaVM::Impl::of(vm).makeString({start, static_cast<std::size_t>(count)}));
+  return MultiValue(
+      makeText(LuaVM::Impl::of(vm).strings, {start, static_cast<std::size_t>(count)}, site));
 }
 
 MultiValue stringRep(LuaVM& vm, ValueSpan args, Site site) {
@@ -55,9 +66,9 @@ MultiValue stringRep(LuaVM& vm, ValueSpan args, Site site) {
   const std::size_t most = StringObject::kMaximumLength / text.size();
   if (static_cast<std::uint64_t>(times) > most) failNotEnoughMemory(site);
   const std::size_t length = text.size() * static_cast<std::size_t>(times);
-  StringObject* const repeated = createText(interpreter.heap, length, site);
-  fillWithRepetitions(repeated->data(), length, text);
-  return MultiValue(Value(repeated));
+  OwnedValue repeated(Value(createText(interpreter.heap, length, site)));
+  fillWithRepetitions(interpreter.heap.meter(), repeated.get().string->data(), length, text, site);
+  return MultiValue(repeated.take());
 }
 
 // ---- string.format ------------------------------------------------------------------------------
@@ -96,14 +107,17 @@ constexpr std::size_t kUsualArgumentLength = 8;  // bytes
 MultiValue stringFormat(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.format", args.size(), 1, kAnyCount);
   std::string_view rest = requireString("string.format", args, 0, site).view();
-  TextBuilder out(LuaVM::Impl::of(vm).heap, rest.size() + args.size() * kUsualArgumentLength, site);
-  for (std::size_t next = 1;;) {
-    const std::size_t percent = rest.find('%');
-    out.append(rest.substr(0, percent));
-    if (percent == std::string_view::npos) return MultiValue(out.take());
-    if (percent + 1 == rest.size()) failRuntime(site, "unterminated format token");
-    const char token = rest[percent + 1];
-    rest.remove_prefix(percent + 2);
+  Heap& heap = LuaVM::Impl::of(vm).heap;
+  TextBuilder out(heap, rest.size() + args.size() * kUsualArgumentLength, site);
+  for (std::size_t next = 1;; heap.meter().step(site)) {
+    const char* const end = rest.data() + rest.size();
+    const char* const percent = findByteInPieces(heap.meter(), rest.data(), end, '%', site);
+    const auto before = static_cast<std::size_t>(percent - rest.data());
+    out.append(rest.substr(0, before));
+    if (percent == end) return MultiValue(out.take());
+    if (percent + 1 == end) failRuntime(site, "unterminated format token");
+    const char token = percent[1];
+    rest.remove_prefix(before + 2);
     if (token == '%') {
       out.append("%");
       continue;
@@ -121,12 +135,18 @@ constexpr std::size_t kFieldBytes = 4;
 
 bool isWhiteSpace(char byte) noexcept { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
 
+bool isDigit(char byte) noexcept { return byte >= '0' && byte <= '9'; }
+
 // The width after an `I`. Without digits, or with too many, the call ends with the conversion's own
 // exception.
-int takeFieldWidth(std::string_view& format) {
-  const std::size_t digits = std::min(format.find_first_not_of("0123456789"), format.size());
-  const std::string width(format.substr(0, digits));
-  format.remove_prefix(digits);
+int takeFieldWidth(WorkMeter& meter, std::string_view& format, Site site) {
+  constexpr std::size_t kMostDigits = 12;  // more than any width has
+  std::string width;
+  for (; !format.empty() && isDigit(format.front()); format.remove_prefix(1)) {
+    meter.step(site);
+    if (width == "0") width.clear();
+    if (width.size() < kMostDigits) width.push_back(format.front());
+  }
   return std::stoi(width);
 }
 
@@ -156,18 +176,20 @@ MultiValue stringUnpack(LuaVM& vm, ValueSpan args, Site site) {
 
   // The list of results stands outside the interpreter's memory and doubles as it grows.
   const std::size_t mostResults = std::min(format.size() / 2, data.size() / kFieldBytes) + 1;
-  LuaVM::Impl::of(vm).heap.requireRoom(3 * sizeof(Value) * mostResults);
+  Heap& heap = LuaVM::Impl::of(vm).heap;
+  heap.requireRoom(3 * sizeof(Value) * mostResults);
 
   auto offset = static_cast<std::uint64_t>(std::max<std::int64_t>(position, 1) - 1);
   bool bigEndian = false;
   MultiValue results;
   while (!format.empty()) {
+    heap.meter().step(site);
     const char token = format.front();
     format.remove_prefix(1);
     if (token == '<' || token == '>') {
       bigEndian = token == '>';
     } else if (token == 'I') {
-      if (takeFieldWidth(format) != kFieldBytes) {
+      if (takeFieldWidth(heap.meter(), format, site) != kFieldBytes) {
         failRuntime(site, "TarvelLua only supports string.unpack I4 fields");
       }
       results.push(Value(takeField(data, offset, bigEndian, site)));

@@ -33,10 +33,12 @@ Value positionValue(std::size_t position) { return Value(static_cast<std::int64_
 // Calls visit(match) for each match from left to right. Each search sees what follows the match
 // before it, or, where that was empty, what follows the next byte.
 template <class Visit>
-void forEachMatch(const PatternSearcher& searcher, std::string_view subject, Visit visit) {
+void forEachMatch(WorkMeter& meter, const PatternSearcher& searcher, std::string_view subject,
+                  Site site, Visit visit) {
   PatternMatch match;
   std::size_t cursor = 0;
   while (searcher.find(subject, cursor, match)) {
+    meter.step(site);
     visit(match);
     cursor = match.end;
     if (match.start != match.end) continue;
@@ -55,12 +57,12 @@ MultiValue stringFind(LuaVM& vm, ValueSpan args, Site site) {
   const bool plain = isGiven(args, 3) && args[3].isTruthy();
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   PatternMatch match;
-  if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, plain, match)) {
+  if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, plain, match, site)) {
     return noMatch();
   }
   MultiValue results{positionValue(match.start + 1), positionValue(match.end)};
   for (const std::string_view capture : match.captures) {
-    results.push(interpreter.makeString(capture));
+    results.push(makeText(interpreter.strings, capture, site));
   }
   return results;
 }
@@ -72,13 +74,13 @@ MultiValue stringMatch(LuaVM& vm, ValueSpan args, Site site) {
   const std::size_t init = requireInit("string.match", args, 2, site);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   PatternMatch match;
-  if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, false, match)) {
+  if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, false, match, site)) {
     return noMatch();
   }
-  if (match.captures.empty()) return MultiValue(interpreter.makeString(match.text));
+  if (match.captures.empty()) return MultiValue(makeText(interpreter.strings, match.text, site));
   MultiValue results;
   for (const std::string_view capture : match.captures) {
-    results.push(interpreter.makeString(capture));
+    results.push(makeText(interpreter.strings, capture, site));
   }
   return results;
 }
@@ -90,14 +92,16 @@ MultiValue stringGmatch(LuaVM& vm, ValueSpan args, Site site) {
   const StringObject& subject = requireString("string.gmatch", args, 0, site);
   StringObject& pattern = requireString("string.gmatch", args, 1, site);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
-  const PatternSearcher searcher(*interpreter.patterns, pattern);
+  const PatternSearcher searcher(*interpreter.patterns, pattern, site);
   ValueList items(interpreter.heap);
-  forEachMatch(searcher, subject.view(), [&](const PatternMatch& match) {
-    if (match.captures.empty()) items.push(interpreter.makeString(match.text));
-    for (const std::string_view capture : match.captures) {
-      items.push(interpreter.makeString(capture));
-    }
-  });
+  forEachMatch(interpreter.heap.meter(), searcher, subject.view(), site,
+               [&](const PatternMatch& match) {
+                 if (match.captures.empty())
+                   items.push(makeText(interpreter.strings, match.text, site));
+                 for (const std::string_view capture : match.captures) {
+                   items.push(makeText(interpreter.strings, capture, site));
+                 }
+               });
   const std::size_t itemSize = std::max<std::size_t>(searcher.captureCount(), 1);
   return MultiValue(Value(IteratorState::createGmatch(interpreter.heap, std::move(items),
                                                       static_cast<std::uint32_t>(itemSize))));
@@ -110,12 +114,12 @@ MultiValue stringGsub(LuaVM& vm, ValueSpan args, Site site) {
   const std::string_view subject = requireString("string.gsub", args, 0, site).view();
   StringObject& pattern = requireString("string.gsub", args, 1, site);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
-  const PatternSearcher searcher(*interpreter.patterns, pattern);
+  const PatternSearcher searcher(*interpreter.patterns, pattern, site);
   const PrintableText replacement(args[2]);
   std::optional<TextBuilder> text;
   std::size_t copied = 0;  // bytes of the subject
   std::int64_t count = 0;
-  forEachMatch(searcher, subject, [&](const PatternMatch& match) {
+  forEachMatch(interpreter.heap.meter(), searcher, subject, site, [&](const PatternMatch& match) {
     if (!text) text.emplace(interpreter.heap, subject.size(), site);
     text->append(subject.substr(copied, match.start - copied));
     text->append(replacement.view());

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -9,6 +11,7 @@
 #include "lua/stdlib/library.h"
 #include "lua/stdlib/sorting.h"
 #include "lua/stdlib/text_builder.h"
+#include "lua/value/metered_work.h"
 
 // table.remove, concat, sort. A sequence usually stands in the table's array part as a whole, but
 // may go on in the hash part.
@@ -17,35 +20,56 @@ namespace tarvel::lua::internal {
 
 namespace {
 
-// Moves the elements behind `position` down and returns the one that stood there, owned.
-Value takeOut(Table& table, std::int64_t position, std::int64_t length) {
+// Calls visit(key) for the keys from `first` to `last`, which count as work.
+template <class Visit>
+void forEachKey(WorkMeter& meter, std::int64_t first, std::int64_t last, Site site,
+                const Visit& visit) {
+  if (first > last) return;
+  inPieces(meter, static_cast<std::size_t>(last - first + 1), kElementsPerStep, site,
+           [&](std::size_t offset, std::size_t count) {
+             const std::int64_t start = first + static_cast<std::int64_t>(offset);
+             const std::int64_t end = start + static_cast<std::int64_t>(count);
+             for (std::int64_t key = start; key < end; ++key) visit(key);
+           });
+}
+
+// Moves the elements behind `position` down and returns the one that stood there, owned. A run that
+// ends meanwhile leaves that one among those that have moved.
+Value takeOut(WorkMeter& meter, Table& table, std::int64_t position, std::int64_t length,
+              Site site) {
   OwnedValue removed = OwnedValue::share(table.getInteger(position));
   const std::int64_t arrayEnd = std::min<std::int64_t>(length, table.arraySize());
   std::int64_t gap = position;
   if (gap < arrayEnd) {
-    // The element itself fills the gap that is left at the end, so that each place goes on owning
-    // one value.
+    // The element itself fills the gap that is left behind those that have moved, so that each
+    // place goes on owning one value.
     Value* const first = &table.element(static_cast<std::uint32_t>(gap - 1));
-    Value* const last = &table.element(static_cast<std::uint32_t>(arrayEnd - 1));
-    std::copy(first + 1, last + 1, first);
-    *last = removed.get();
+    inPieces(meter, static_cast<std::size_t>(arrayEnd - gap), kElementsPerStep, site,
+             [&](std::size_t offset, std::size_t count) {
+               Value* const hole = first + offset;
+               std::copy(hole + 1, hole + 1 + count, hole);
+               hole[count] = removed.get();
+             });
     gap = arrayEnd;
   }
-  for (; gap < length; ++gap) table.setInteger(gap, retain(table.getInteger(gap + 1)));
+  for (; gap < length; ++gap) {
+    meter.step(site);
+    table.setInteger(gap, retain(table.getInteger(gap + 1)));
+  }
   table.setInteger(length, Value());
   return removed.take();
 }
 
 }  // namespace
 
-MultiValue tableRemove(LuaVM&, ValueSpan args, Site site) {
+MultiValue tableRemove(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.remove", args.size(), 1, 2);
   Table& table = requireTable("table.remove", args, 0, site);
   const std::int64_t length = table.length();
   const std::int64_t position =
       isGiven(args, 1) ? requireInteger("table.remove", args, 1, site) : length;
   if (position < 1 || position > length) return MultiValue(Value());
-  return MultiValue(takeOut(table, position, length));
+  return MultiValue(takeOut(LuaVM::Impl::of(vm).heap.meter(), table, position, length, site));
 }
 
 // ---- table.concat -------------------------------------------------------------------------------
@@ -70,17 +94,18 @@ MultiValue tableConcat(LuaVM& vm, ValueSpan args, Site site) {
   const std::int64_t count = table.length();
   if (count == 0) return MultiValue(interpreter.makeString({}));
 
+  WorkMeter& meter = interpreter.heap.meter();
   std::size_t length = expectedLength(table.getInteger(1));
-  for (std::int64_t key = 2; key <= count; ++key) {
+  forEachKey(meter, 2, count, site, [&](std::int64_t key) {
     length += separator.size() + expectedLength(table.getInteger(key));
     if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
-  }
+  });
   TextBuilder joined(interpreter.heap, length, site);
   joined.append(table.getInteger(1));
-  for (std::int64_t key = 2; key <= count; ++key) {
+  forEachKey(meter, 2, count, site, [&](std::int64_t key) {
     joined.append(separator);
     joined.append(table.getInteger(key));
-  }
+  });
   return MultiValue(joined.take());
 }
 
@@ -126,14 +151,44 @@ class MixedOrder {
   std::string textOfB_;
 };
 
+// An order of a supervised interpreter: every comparison is a step. Of strings so are the bytes
+// that are compared.
+template <class Order>
+class CountedOrder {
+ public:
+  CountedOrder(WorkMeter& meter, Site site) : meter_(meter), site_(site) {}
+
+  bool operator()(const Value& a, const Value& b) {
+    meter_.step(site_);
+    if (a.isString() && b.isString()) return textGoesBefore(a.string->view(), b.string->view());
+    return order_(a, b);
+  }
+
+ private:
+  bool textGoesBefore(std::string_view a, std::string_view b) {
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t offset = 0; offset < common; offset += kPiece) {
+      const std::size_t count = std::min(kPiece, common - offset);
+      const int order = std::memcmp(a.data() + offset, b.data() + offset, count);
+      if (order != 0) return order < 0;
+      meter_.spend(stepsForBytes(count), site_);
+    }
+    return a.size() < b.size();
+  }
+
+  static constexpr std::size_t kPiece = 16 * kBytesPerStep;
+
+  WorkMeter& meter_;
+  Site site_;
+  Order order_;
+};
+
 // The order in which elements stand while they are being sorted: borrowed values, in the
 // interpreter's own memory, so that sorts nested without end are refused in time.
 class SortedOrder {
  public:
-  SortedOrder(Heap& heap, const Value* elements, std::size_t count)
-      : first_(static_cast<Value*>(heap.allocate(count * sizeof(Value)))), count_(count) {
-    std::uninitialized_copy_n(elements, count, first_);
-  }
+  SortedOrder(Heap& heap, std::size_t count)
+      : first_(static_cast<Value*>(heap.allocate(count * sizeof(Value)))), count_(count) {}
   ~SortedOrder() { Heap::release(first_, count_ * sizeof(Value)); }
   SortedOrder(const SortedOrder&) = delete;
   SortedOrder& operator=(const SortedOrder&) = delete;
@@ -146,19 +201,39 @@ class SortedOrder {
   std::size_t count_;
 };
 
-void sortInDefaultOrder(Value* first, Value* last) {
-  if (std::all_of(first, last, [](const Value& value) { return value.isNumber(); })) {
-    introspectiveSort(first, last, NumberOrder());
-  } else if (std::all_of(first, last, [](const Value& value) { return value.isString(); })) {
-    introspectiveSort(first, last, StringOrder());
+bool isNumber(const Value& value) noexcept { return value.isNumber(); }
+bool isString(const Value& value) noexcept { return value.isString(); }
+
+template <class Order>
+void sortBy(WorkMeter& meter, const SortedOrder& elements, Site site) {
+  if (meter.isSupervised()) {
+    introspectiveSort(elements.begin(), elements.end(), CountedOrder<Order>(meter, site));
   } else {
-    introspectiveSort(first, last, MixedOrder());
+    introspectiveSort(elements.begin(), elements.end(), Order());
+  }
+}
+
+void sortInDefaultOrder(WorkMeter& meter, const SortedOrder& elements, Site site) {
+  bool allNumbers = true;
+  bool allStrings = true;
+  const auto count = static_cast<std::size_t>(elements.end() - elements.begin());
+  inPieces(meter, count, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+    const Value* const first = elements.begin() + offset;
+    allNumbers = allNumbers && std::all_of(first, first + some, isNumber);
+    allStrings = allStrings && std::all_of(first, first + some, isString);
+  });
+  if (allNumbers) {
+    sortBy<NumberOrder>(meter, elements, site);
+  } else if (allStrings) {
+    sortBy<StringOrder>(meter, elements, site);
+  } else {
+    sortBy<MixedOrder>(meter, elements, site);
   }
 }
 
 }  // namespace
 
-// Equal elements may change places. An error leaves the table as it was.
+// Equal elements may change places. An error, or the run's end, leaves the table as it was.
 MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.sort", args.size(), 1, 2);
   Table& table = requireTable("table.sort", args, 0, site);
@@ -174,17 +249,21 @@ MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const OwnedValue copy(Value(Table::create(interpreter.heap, static_cast<std::uint32_t>(count))));
   Table& elements = *copy.get().table;
-  for (std::int64_t key = 1; key <= count; ++key) {
-    elements.setInteger(key, retain(table.getInteger(key)));
-  }
-  const SortedOrder order(interpreter.heap, &elements.element(0), static_cast<std::size_t>(count));
+  const SortedOrder order(interpreter.heap, static_cast<std::size_t>(count));
+  WorkMeter& meter = interpreter.heap.meter();
+  forEachKey(meter, 1, count, site, [&](std::int64_t key) {
+    const Value element = table.getInteger(key);
+    elements.setInteger(key, retain(element));
+    new (order.begin() + (key - 1)) Value(element);
+  });
   if (hasComparator) {
     introspectiveSort(order.begin(), order.end(), [&](const Value& a, const Value& b) {
       return interpreter.callPredicate(args[1], a, b, site);
     });
   } else {
-    sortInDefaultOrder(order.begin(), order.end());
+    sortInDefaultOrder(meter, order, site);
   }
+  meter.spend(static_cast<std::uint64_t>(count) / kElementsPerStep, site);
   std::int64_t key = 0;
   for (const Value& element : order) table.setInteger(++key, retain(element));
   return MultiValue();

@@ -1,9 +1,11 @@
 #include "lua/stdlib/text_builder.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
 #include "lua/value/errors.h"
+#include "lua/value/metered_work.h"
 
 namespace tarvel::lua::internal {
 
@@ -17,6 +19,14 @@ StringObject* createText(Heap& heap, std::size_t length, Site site) {
   }
 }
 
+Value makeLongText(Heap& heap, std::string_view bytes, Site site) {
+  OwnedValue text(Value(StringObject::createUninitialized(heap, bytes.size())));
+  char* next = text.get().string->data();
+  inPieces(heap.meter(), bytes, site,
+           [&next](std::string_view piece) { next = std::copy(piece.begin(), piece.end(), next); });
+  return text.take();
+}
+
 TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, Site site)
     : heap_(heap), site_(site), text_(createText(heap, expectedLength, site)) {
   text_.string->length = 0;
@@ -28,7 +38,12 @@ void TextBuilder::append(std::string_view bytes) {
   } catch (const std::bad_alloc&) {
     failNotEnoughMemory(site_);
   }
-  text_.string->append(bytes);
+  if (bytes.size() < kBytesPerStep) {
+    text_.string->append(bytes);
+  } else {
+    inPieces(heap_.meter(), bytes, site_,
+             [this](std::string_view piece) { text_.string->append(piece); });
+  }
 }
 
 void TextBuilder::append(const Value& value) {

@@ -4,9 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "lua/value/errors.h"
 #include "lua/value/heap.h"
 #include "lua/value/string_object.h"
-#include "lua/value/errors.h"
+#include "lua/value/string_pool.h"
 #include "lua/value/value.h"
 
 namespace tarvel::lua::internal {
@@ -17,9 +18,19 @@ namespace tarvel::lua::internal {
 // `site`.
 StringObject* createText(Heap& heap, std::size_t length, Site site);
 
+// For texts that are not short; see makeText.
+Value makeLongText(Heap& heap, std::string_view bytes, Site site);
+
+// A string of these bytes, owned; they are counted as work.
+inline Value makeText(StringPool& strings, std::string_view bytes, Site site) {
+  return bytes.size() < kBytesPerStep ? strings.make(bytes)
+                                      : makeLongText(strings.heap(), bytes, site);
+}
+
 // A string that a library function puts together piece by piece. It grows in the interpreter's own
 // memory, so a text that cannot be held raises "not enough memory" at the line of the call instead
-// of taking what the machine has not got.
+// of taking what the machine has not got. Long pieces are counted as work; whoever appends many
+// short ones counts those.
 class TextBuilder {
  public:
   // `expectedLength` is a guess that saves growing; whoever knows the length exactly gets a string

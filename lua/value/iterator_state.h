@@ -29,7 +29,7 @@ struct IteratorState : Object {
   ~IteratorState();
 
   // All return an owned reference.
-  static IteratorState* createPairs(Heap& heap, Table& table);
+  static IteratorState* createPairs(Heap& heap, Table& table, Site site);
   static IteratorState* createIpairs(Heap& heap, Table& table);
   static IteratorState* createGmatch(Heap& heap, ValueList&& items, std::uint32_t valuesPerMatch);
 };

@@ -6,6 +6,7 @@
 #include "lua/value/environment.h"
 #include "lua/value/function_handle.h"
 #include "lua/value/iterator_state.h"
+#include "lua/value/metered_work.h"
 #include "lua/value/native_object.h"
 #include "lua/value/string_object.h"
 
@@ -50,18 +51,23 @@ IteratorState::~IteratorState() {
   if (table != nullptr) drop(Value(table));
 }
 
-IteratorState* IteratorState::createPairs(Heap& heap, Table& table) {
+IteratorState* IteratorState::createPairs(Heap& heap, Table& table, Site site) {
   ValueList items(heap, 2 * (std::size_t{table.arraySize()} + table.liveEntries()));
-  for (std::uint32_t i = 0; i < table.arraySize(); ++i) {
-    if (table.element(i).isNil()) continue;
+  const auto forEachIndex = [&](std::size_t count, const auto& visit) {
+    inPieces(heap.meter(), count, kElementsPerStep, site, [&](std::size_t first, std::size_t some) {
+      for (std::size_t i = first; i < first + some; ++i) visit(static_cast<std::uint32_t>(i));
+    });
+  };
+  forEachIndex(table.arraySize(), [&](std::uint32_t i) {
+    if (table.element(i).isNil()) return;
     items.push(Value(static_cast<std::int64_t>(i) + 1));
     items.push(retain(table.element(i)));
-  }
-  for (std::uint32_t i = 0; i < table.entryCount(); ++i) {
-    if (table.entryValue(i).isNil()) continue;
+  });
+  forEachIndex(table.entryCount(), [&](std::uint32_t i) {
+    if (table.entryValue(i).isNil()) return;
     items.push(retain(table.entryKey(i).toValue()));
     items.push(retain(table.entryValue(i)));
-  }
+  });
   return new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Pairs, std::move(items));
 }
 

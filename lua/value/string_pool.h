@@ -26,6 +26,7 @@ class StringPool {
   // is short.
   StringObject* intern(std::string_view bytes);
   Value make(std::string_view bytes);
+  Heap& heap() const noexcept { return heap_; }
 
  private:
   void rebuild();

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <stop_token>
 
 #include "lua/value/errors.h"
@@ -43,10 +45,21 @@ class WorkMeter {
     if (left_ < 0) [[unlikely]]
       endSlice(site);
   }
+  // As spend, for where nothing may throw: false when the run has to end. Then the next step or
+  // spending throws.
+  bool poll(std::uint64_t steps) noexcept {
+    note(steps);
+    return left_ >= 0 || tryStartSlice();
+  }
   // For where nothing may throw: the next step or spending notices it.
   void note(std::uint64_t steps) noexcept {
     left_ -= static_cast<std::int64_t>(steps < kMostAtOnce ? steps : kMostAtOnce);
   }
+
+  // The outermost run has ended: what is done outside of runs counts nothing.
+  void endRun() noexcept;
+  // Tells one outermost run from another.
+  std::uint64_t currentRun() const noexcept { return run_; }
 
   // Of the run that is under way, else of the last one; never more than its limit.
   std::uint64_t usedSteps() const noexcept;
@@ -60,12 +73,17 @@ class WorkMeter {
   static constexpr std::int64_t kUnlimited = std::int64_t{1} << 62;
 
   void endSlice(Site site);
+  bool tryStartSlice() noexcept;
   void startSlice() noexcept;
+  std::uint64_t countSteps() const noexcept;
+  std::optional<StopSignal::Reason> findReasonToStop() const noexcept;
 
   std::int64_t left_ = kUnlimited;  // of the slice; below 0 when more was done
   std::int64_t slice_ = kUnlimited;
   std::uint64_t usedBefore_ = 0;  // in the slices before this one
+  std::uint64_t run_ = 0;
   bool supervised_ = false;
+  bool isRunning_ = false;
   Limits limits_;
   Limits runLimits_;  // of the run that is under way
   std::chrono::steady_clock::time_point deadline_;
@@ -73,6 +91,9 @@ class WorkMeter {
 
 // What making, moving or comparing so many bytes counts: small amounts belong to the step that asks
 // for them.
-constexpr std::uint64_t stepsForBytes(std::uint64_t bytes) noexcept { return bytes / 128; }
+constexpr std::size_t kBytesPerStep = 128;
+constexpr std::uint64_t stepsForBytes(std::uint64_t bytes) noexcept {
+  return bytes / kBytesPerStep;
+}
 
 }  // namespace tarvel::lua::internal

@@ -174,9 +174,10 @@ std::string anySubject(std::mt19937& random) {
 std::string exhausted() { return std::regex_error(std::regex_constants::error_stack).what(); }
 
 // How often the script gave what std::regex says, other than a rejection.
-int compareAtRandom(std::uint32_t seed, int rounds, bool stackMayBeExhausted) {
+int compareAtRandom(std::uint32_t seed, int rounds, bool stackMayBeExhausted,
+                    bool supervised = false) {
   std::mt19937 random(seed);
-  LuaVM vm;
+  LuaVM vm({.supervised = supervised});
   int matching = 0;
   std::string pattern;
   for (int round = 0; round < rounds * 3; ++round) {
@@ -202,18 +203,19 @@ int compareAtRandom(std::uint32_t seed, int rounds, bool stackMayBeExhausted) {
 
 TEST(PatternTest, OnlyTheLatestPatternsAreKept) {
   const TestHeap heap;
-  PatternCache cache;
+  PatternCache cache(heap.get());
   const OwnedValue first = heap.text("a+");
-  cache.lookup(*first.get().string);
+  cache.lookup(*first.get().string, 0);
   EXPECT_EQ(2u, countOf(first));
   for (int i = 0; i < 1000; ++i) {
-    cache.lookup(*heap.text("a" + std::to_string(i) + "+").get().string);
+    cache.lookup(*heap.text("a" + std::to_string(i) + "+").get().string, 0);
   }
   EXPECT_EQ(1u, countOf(first));
 }
 
 TEST(PatternTest, ResultsAreThoseOfStdRegex) {
   EXPECT_GT(compareAtRandom(20240607, 4000, false), 8000);
+  EXPECT_GT(compareAtRandom(7, 2000, false, true), 4000);
 }
 
 // ---- The stack ----------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <climits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,7 +13,9 @@
 #include "lua/stdlib/files/native_handles.h"
 #include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
+#include "lua/stdlib/text_builder.h"
 #include "lua/value/errors.h"
+#include "lua/value/metered_work.h"
 #include "lua/value/native_class.h"
 
 // io.open, io.write, and the methods of files and streams.
@@ -41,13 +44,17 @@ MultiValue withOpenFile(const char* name, ValueSpan args, Site site, const Actio
 
 // Passes the printable form of each argument from `first` on to `write`, in order.
 template <class Writer>
-void writeArguments(ValueSpan args, std::size_t first, const Writer& write) {
-  for (std::size_t i = first; i < args.size(); ++i) write(PrintableText(args[i]).view());
+void writeArguments(LuaVM& vm, ValueSpan args, std::size_t first, Site site, const Writer& write) {
+  WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
+  for (std::size_t i = first; i < args.size(); ++i) {
+    meter.step(site);
+    write(PrintableText(args[i]).view());
+  }
 }
 
-void writeToStream(StreamHandle::Writer stream, ValueSpan args, std::size_t first, Site site) {
-  writeArguments(args, first, [stream, site](std::string_view text) {
-    if (!stream(text)) failRuntime(site, kFailedToWrite);
+void writeToStream(StandardStream stream, LuaVM& vm, ValueSpan args, std::size_t first, Site site) {
+  writeArguments(vm, args, first, site, [&](std::string_view text) {
+    if (!writeToStandard(stream, vm, text, site)) failRuntime(site, kFailedToWrite);
   });
 }
 
@@ -94,10 +101,13 @@ MultiValue fileRead(LuaVM& vm, ValueSpan args, Site site) {  // file:read
   });
 }
 
-MultiValue fileWrite(LuaVM&, ValueSpan args, Site site) {  // file:write
+MultiValue fileWrite(LuaVM& vm, ValueSpan args, Site site) {  // file:write
   requireArgumentCount("file:write", args.size(), 2, kAnyCount);
-  return withOpenFile("file:write", args, site, [args](FileHandle& handle) {
-    writeArguments(args, 1, [&handle](std::string_view text) { handle.file->write(text); });
+  return withOpenFile("file:write", args, site, [&vm, args, site](FileHandle& handle) {
+    writeArguments(vm, args, 1, site, [&](std::string_view text) {
+      inPieces(LuaVM::Impl::of(vm).heap.meter(), text, site,
+               [&handle](std::string_view piece) { handle.file->write(piece); });
+    });
     return MultiValue(retain(args[0]));
   });
 }
@@ -126,17 +136,16 @@ MultiValue fileClose(LuaVM&, ValueSpan args, Site site) {  // file:close
   requireArgumentCount("file:close", args.size(), 1, 1);
   return withOpenFile("file:close", args, site, [](FileHandle& handle) {
     const std::unique_ptr<BufferedFile> file = std::move(handle.file);
+    handle.forgetFile();
     file->close();
     return MultiValue(Value(true));
   });
 }
 
-MultiValue streamWrite(LuaVM&, ValueSpan args, Site site) {  // stream:write
+MultiValue streamWrite(LuaVM& vm, ValueSpan args, Site site) {  // stream:write
   requireArgumentCount("stream:write", args.size(), 2, kAnyCount);
   NativeObject& object = requireUserData("stream:write", args, 0, site, NativeObject::Kind::Stream);
-  const StreamHandle& stream = static_cast<const StreamHandle&>(*object.handle);
-  if (stream.write == nullptr) failRuntime(site, "stream is not available");
-  writeToStream(stream.write, args, 1, site);
+  writeToStream(static_cast<const StreamHandle&>(*object.handle).stream, vm, args, 1, site);
   return MultiValue(retain(args[0]));
 }
 
@@ -148,17 +157,31 @@ void addMethod(LuaVM::Impl& interpreter, NativeClass& type, std::string_view fie
 
 }  // namespace
 
+namespace {
+
+Value failedToOpen(Heap& heap, std::string_view path, Site site) {
+  constexpr std::string_view kText = "failed to open file: ";
+  TextBuilder message(heap, kText.size() + path.size(), site);
+  message.append(kText);
+  message.append(path);
+  return message.take();
+}
+
+}  // namespace
+
 // Failing to open is a result, not an error.
 MultiValue ioOpen(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("io.open", args.size(), 1, 2);
-  const std::string path(requireString("io.open", args, 0, site).view());
+  const std::string_view path = requireString("io.open", args, 0, site).view();
   const std::string_view letters =
       isGiven(args, 1) ? requireString("io.open", args, 1, site).view() : "r";
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
-  std::unique_ptr<BufferedFile> file = BufferedFile::open(path, OpenMode::fromLetters(letters));
-  if (file == nullptr) {
-    return MultiValue{Value(), interpreter.makeString("failed to open file: " + path)};
+  interpreter.heap.meter().spend(stepsForBytes(letters.size()), site);
+  std::unique_ptr<BufferedFile> file;
+  if (path.size() < PATH_MAX) {  // the system refuses longer ones
+    file = BufferedFile::open(std::string(path), OpenMode::fromLetters(letters));
   }
+  if (file == nullptr) return MultiValue{Value(), failedToOpen(interpreter.heap, path, site)};
   return MultiValue(Value(NativeObject::create(
       interpreter.heap, NativeObject::Kind::File, *interpreter.standard.fileClass,
       std::make_unique<FileHandle>(interpreter.heap, std::move(file)))));
@@ -166,7 +189,7 @@ MultiValue ioOpen(LuaVM& vm, ValueSpan args, Site site) {
 
 MultiValue ioWrite(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("io.write", args.size(), 1, kAnyCount);
-  writeToStream(writeStandardOutput, args, 0, site);
+  writeToStream(StandardStream::Output, vm, args, 0, site);
   return MultiValue(retain(LuaVM::Impl::of(vm).standard.output.get()));
 }
 

@@ -13,8 +13,9 @@ namespace {
 
 bool isAtEnd(BufferedFile& file) { return file.unread().empty() && !file.readMore(); }
 
-Value takeString(LuaVM& vm, BufferedFile& file, std::size_t length, std::size_t bytesToConsume) {
-  const Value text = LuaVM::Impl::of(vm).makeString(file.unread().substr(0, length));
+Value takeString(LuaVM& vm, BufferedFile& file, std::size_t length, std::size_t bytesToConsume,
+                 Site site) {
+  const Value text = makeText(LuaVM::Impl::of(vm).strings, file.unread().substr(0, length), site);
   file.consume(bytesToConsume);
   return text;
 }
@@ -50,22 +51,23 @@ Value readRest(LuaVM& vm, BufferedFile& file, Site site) {
 Value readLine(LuaVM& vm, BufferedFile& file, bool keepLineFeed, Site site) {
   for (;;) {
     const std::string_view arrived = file.unread();
+    LuaVM::Impl::of(vm).heap.meter().step(site);  // what arrives byte by byte is looked at as often
     const std::size_t feed = arrived.find('\n');
     if (feed != std::string_view::npos) {
-      return takeString(vm, file, feed + (keepLineFeed ? 1 : 0), feed + 1);
+      return takeString(vm, file, feed + (keepLineFeed ? 1 : 0), feed + 1, site);
     }
     if (arrived.size() == BufferedFile::kBufferBytes) {
       return readLongLine(vm, file, keepLineFeed, site);
     }
     if (!file.readMore()) {
-      return arrived.empty() ? Value() : takeString(vm, file, arrived.size(), arrived.size());
+      return arrived.empty() ? Value() : takeString(vm, file, arrived.size(), arrived.size(), site);
     }
   }
 }
 
 Value readBytes(LuaVM& vm, BufferedFile& file, std::uint64_t count, Site site) {
   if (isAtEnd(file)) return Value();
-  if (count <= file.unread().size()) return takeString(vm, file, count, count);
+  if (count <= file.unread().size()) return takeString(vm, file, count, count, site);
   TextBuilder text(LuaVM::Impl::of(vm).heap, std::min<std::uint64_t>(count, file.estimateRest()),
                    site);
   do {
@@ -88,11 +90,17 @@ constexpr std::size_t kUsualNumberLength = 32;  // bytes
 class NumberScanner {
  public:
   NumberScanner(LuaVM& vm, BufferedFile& file, Site site)
-      : file_(file), text_(LuaVM::Impl::of(vm).heap, kUsualNumberLength, site) {}
+      : file_(file),
+        meter_(LuaVM::Impl::of(vm).heap.meter()),
+        site_(site),
+        text_(LuaVM::Impl::of(vm).heap, kUsualNumberLength, site) {}
 
   // The text, owned, or nil.
   Value scan() {
-    while (isOneOf(kWhiteSpace, 0)) file_.consume(1);
+    while (isOneOf(kWhiteSpace, 0)) {
+      meter_.step(site_);
+      file_.consume(1);
+    }
     const std::size_t sign = isOneOf("+-", 0) ? 1 : 0;
     const std::size_t point = isOneOf(".", sign) ? 1 : 0;
     if (!isOneOf(kDigits, sign + point)) return Value();
@@ -132,6 +140,8 @@ class NumberScanner {
   }
 
   BufferedFile& file_;
+  WorkMeter& meter_;
+  Site site_;
   TextBuilder text_;
 };
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 #include <utility>
 
 #include "lua/stdlib/files/buffered_file.h"
+#include "lua/stdlib/files/standard_streams.h"
+#include "lua/value/memory_charge.h"
 #include "lua/value/native_object.h"
 
 // What the native objects of the library hold.
@@ -13,23 +14,30 @@ namespace tarvel::lua::internal {
 
 // NativeObject::Kind::File.
 struct FileHandle final : NativeHandle {
-  FileHandle(Heap& heap, std::unique_ptr<BufferedFile> openFile) noexcept
-      : NativeHandle(heap), file(std::move(openFile)) {}
+  FileHandle(Heap& heap, std::unique_ptr<BufferedFile> openFile)
+      : NativeHandle(heap), file(std::move(openFile)), memory_(heap) {
+    memory_.add(2 * BufferedFile::kBufferBytes);
+  }
 
   std::unique_ptr<BufferedFile> file;  // empty once closed
 
+  void forgetFile() noexcept {
+    file.reset();
+    memory_.clear();
+  }
+
  private:
-  void close() noexcept override { file.reset(); }
+  void close() noexcept override { forgetFile(); }
+
+  MemoryCharge memory_;  // for the file's buffers
 };
 
 // NativeObject::Kind::Stream.
 struct StreamHandle final : NativeHandle {
-  // Returns false when the stream could not take all of the text.
-  using Writer = bool (*)(std::string_view text) noexcept;
+  StreamHandle(Heap& heap, StandardStream standardStream) noexcept
+      : NativeHandle(heap), stream(standardStream) {}
 
-  StreamHandle(Heap& heap, Writer writer) noexcept : NativeHandle(heap), write(writer) {}
-
-  Writer write;  // null for an object without a stream
+  StandardStream stream;
 
  private:
   void close() noexcept override {}

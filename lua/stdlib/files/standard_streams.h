@@ -1,7 +1,11 @@
 #pragma once
 
+#include <tarvel/lua/lua_vm.h>
+
+#include <cstdint>
 #include <string_view>
 
+#include "lua/value/errors.h"
 #include "lua/value/heap.h"
 #include "lua/value/value.h"
 
@@ -11,14 +15,18 @@ namespace tarvel::lua::internal {
 
 class NativeClass;
 
-// Everything that scripts write to the process's standard output goes through here, in order, into
-// the one buffer of the C library's stdout, which a host's own output shares. Nothing is flushed
-// explicitly: on a terminal a completed line appears at once, otherwise the text leaves when the
-// buffer is full and when the process ends. Returns false when the stream could not take all of it.
-bool writeStandardOutput(std::string_view text) noexcept;
+enum class StandardStream : std::uint8_t { Output, Error };
 
-// Return an owned native object of the class of streams.
-Value makeStandardOutput(Heap& heap, NativeClass& type);
-Value makeStandardError(Heap& heap, NativeClass& type);
+// Everything that scripts write to a standard stream goes through here, in order: to the host's
+// function for it, or else into the one buffer of the C library's stdout or stderr, which a host's
+// own output shares. Nothing is flushed explicitly: on a terminal a completed line appears at once,
+// otherwise the text leaves when the buffer is full and when the process ends.
+//
+// Returns false when the process's stream could not take all of it. What the host's function throws
+// becomes a script error at `site`, if it is a std::exception.
+bool writeToStandard(StandardStream stream, LuaVM& vm, std::string_view text, Site site);
+
+// Returns an owned native object of the class of streams.
+Value makeStandardStream(Heap& heap, NativeClass& type, StandardStream stream);
 
 }  // namespace tarvel::lua::internal

@@ -8,36 +8,50 @@
 #include "lua/stdlib/patterns/guarded_position.h"
 #include "lua/stdlib/patterns/hints.h"
 #include "lua/stdlib/patterns/recursion_bound.h"
+#include "lua/stdlib/patterns/search_cost.h"
 #include "lua/stdlib/patterns/searcher.h"
+#include "lua/value/errors.h"
+#include "lua/value/memory_charge.h"
 
 namespace tarvel::lua::internal {
 
 // A pattern ready for searching.
 class PatternExpression {
  public:
-  // Throws std::regex_error: what std::regex says of the expression, or error_stack where the stack
-  // that is left may not do for compiling it.
-  explicit PatternExpression(std::string_view pattern);
+  // Counts compiling as work and the compiled expression as memory. Throws std::regex_error: what
+  // std::regex says of the expression, or error_stack where the stack that is left may not do for
+  // compiling it. In a supervised interpreter raises "pattern is too complex".
+  PatternExpression(Heap& heap, std::string_view pattern, Site site);
+
+  std::uint64_t stepsForCompiling() const noexcept;
 
   // As PatternSearcher::find.
-  bool search(std::string_view subject, std::size_t from, PatternMatch& match);
+  bool search(std::string_view subject, std::size_t from, PatternMatch& match, Site site);
 
   std::size_t captureCount() const noexcept { return expression_.mark_count(); }
 
  private:
-  PatternExpression(std::string_view pattern, const std::string& expression);
+  PatternExpression(Heap& heap, std::string_view pattern, const std::string& expression, Site site);
+  const std::string& admit(const std::string& expression, Site site);
 
   // The first position from `next` on where a match may start; null if there is none.
-  const char* findCandidate(std::string_view subject, const char* next) const noexcept;
+  const char* findCandidate(std::string_view subject, const char* next, Site site) const;
   // Where the run of bytes in `set` that starts at `start` ends.
-  static const char* endOfRun(std::string_view subject, const char* start,
-                              const ByteSet& set) noexcept;
+  const char* endOfRun(std::string_view subject, const char* start, const ByteSet& set,
+                       Site site) const;
   // Where to go on when there was no match at a candidate.
-  const char* skipFailed(std::string_view subject, const char* candidate) const noexcept;
+  const char* skipFailed(std::string_view subject, const char* candidate, Site site) const;
   // Tries the positions from `first` on, or only that one with match_continuous.
   bool searchFrom(const char* first, std::string_view subject,
-                  std::regex_constants::match_flag_type flags, PatternMatch& match);
+                  std::regex_constants::match_flag_type flags, PatternMatch& match, Site site);
+  bool searchGuarded(const char* first, const char* end,
+                     std::regex_constants::match_flag_type flags);
+  bool searchSupervised(const char* first, const char* end,
+                        std::regex_constants::match_flag_type flags, Site site);
 
+  WorkMeter& meter_;
+  SearchCost cost_;
+  MemoryCharge memory_;
   std::regex expression_;
   SearchHints hints_;
   RecursionBound bound_;

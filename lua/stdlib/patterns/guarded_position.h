@@ -5,30 +5,74 @@
 #include <iterator>
 
 #include "lua/value/host_stack.h"
+#include "lua/value/work_meter.h"
 
 namespace tarvel::lua::internal {
 
-// The limit of this thread's search with guarded positions.
-class SearchStackLimit {
+struct SearchLimits {
+  std::uintptr_t floor = 0;  // of the stack pointer
+  bool throws = false;
+  WorkMeter* meter = nullptr;     // null: nothing is counted
+  std::int64_t left = INT64_MAX;  // comparisons of the round
+  std::int64_t round = INT64_MAX;
+  std::uint64_t stepsPerRound = 0;
+};
+
+// What this thread's search with guarded positions may take of the stack and of the run's steps.
+// std::regex knows nothing of it. When something is used up, the search ends in one of two ways:
+// - All positions become equal. The matcher takes that for the end of the subject everywhere, and
+//   returns from all its levels without going deeper. What it then says has no meaning. (An
+//   exception through a million frames takes far longer, and the address sanitizer cannot follow it
+//   through so large a stack.)
+// - Where the matcher could go on for long without consuming anything, SearchAbandoned is thrown.
+class SearchGuard {
  public:
-  // From here on the stack pointer may not fall below `floor`.
-  static void set(std::uintptr_t floor) noexcept { floor_ = floor; }
-  // True once it did, until the next set().
-  static bool isExceeded() noexcept { return floor_ == kExceeded; }
-  static void check() noexcept {
-    if (hostStackPointer() < floor_) floor_ = kExceeded;
+  struct SearchAbandoned {};
+
+  // Watches only the stack: from here on the stack pointer may not fall below `floor`.
+  static void watchStack(std::uintptr_t floor) noexcept {
+    limits_ = {};
+    limits_.floor = floor;
+  }
+  // Also counts `stepsPerRound` steps for each round of so many comparisons of positions.
+  static void watch(std::uintptr_t floor, bool throws, WorkMeter& meter, std::int64_t round,
+                    std::uint64_t stepsPerRound) noexcept {
+    limits_ = {floor, throws, &meter, round, round, stepsPerRound};
+  }
+  static bool isExceeded() noexcept { return limits_.floor == kExceeded; }
+  // The comparisons since the last full round.
+  static std::uint64_t comparisonsLeftOver() noexcept {
+    return static_cast<std::uint64_t>(limits_.round - limits_.left);
+  }
+
+  static void checkStack() {
+    if (hostStackPointer() < limits_.floor) giveUp();
+  }
+  static void countComparison() {
+    if (--limits_.left < 0) [[unlikely]]
+      endRound();
   }
 
  private:
   static constexpr std::uintptr_t kExceeded = UINTPTR_MAX;
-  static inline constinit thread_local std::uintptr_t floor_ = 0;
+
+  static void giveUp() {
+    if (isExceeded()) return;
+    limits_.floor = kExceeded;
+    limits_.left = limits_.round = INT64_MAX;
+    if (limits_.throws) throw SearchAbandoned();
+  }
+  static void endRound() {
+    limits_.left = limits_.round - 1;
+    if (limits_.throws) checkStack();
+    if (limits_.meter != nullptr && !limits_.meter->poll(limits_.stepsPerRound)) giveUp();
+  }
+
+  static inline constinit thread_local SearchLimits limits_;
 };
 
-// A position in the subject that watches the stack on behalf of std::regex, whose matcher recurses
-// for each byte that it consumes. Once the stack is used up, all positions are equal: the matcher
-// takes that for the end of the subject everywhere, and returns from all its levels without going
-// deeper. What it then says has no meaning. (An exception through a million frames takes ten times
-// as long, and the address sanitizer cannot follow it through so large a stack.)
+// A position in the subject that watches over the search on behalf of std::regex, whose matcher
+// recurses for each byte that it consumes, and compares positions wherever its way may end.
 class GuardedPosition {
  public:
   using iterator_category = std::bidirectional_iterator_tag;
@@ -42,12 +86,12 @@ class GuardedPosition {
 
   const char* address() const noexcept { return byte_; }
   reference operator*() const noexcept { return *byte_; }
-  GuardedPosition& operator++() noexcept {
-    SearchStackLimit::check();
+  GuardedPosition& operator++() {
+    SearchGuard::checkStack();
     ++byte_;
     return *this;
   }
-  GuardedPosition operator++(int) noexcept {
+  GuardedPosition operator++(int) {
     const GuardedPosition before = *this;
     ++*this;
     return before;
@@ -61,8 +105,9 @@ class GuardedPosition {
     --*this;
     return before;
   }
-  bool operator==(const GuardedPosition& other) const noexcept {
-    return byte_ == other.byte_ || SearchStackLimit::isExceeded();
+  bool operator==(const GuardedPosition& other) const {
+    SearchGuard::countComparison();
+    return byte_ == other.byte_ || SearchGuard::isExceeded();
   }
 
  private:

@@ -24,7 +24,8 @@ std::size_t timesSaturated(std::size_t states, std::size_t factor) noexcept {
   return states > kMostStates / factor ? kMostStates : states * factor;
 }
 
-// By how much the counts of counted repetitions multiply the states at most.
+}  // namespace
+
 std::size_t productOfCounts(std::string_view expression) noexcept {
   std::size_t product = 1;
   for (std::size_t i = 0; i < expression.size(); ++i) {
@@ -35,8 +36,6 @@ std::size_t productOfCounts(std::string_view expression) noexcept {
   }
   return product;
 }
-
-}  // namespace
 
 // Every state stems from a byte of the pattern, but for a few around them and those that a counted
 // repetition multiplies. Where nothing but single bytes is repeated, a match passes each state

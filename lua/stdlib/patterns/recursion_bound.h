@@ -5,6 +5,9 @@
 
 namespace tarvel::lua::internal {
 
+// By how much the counts of counted repetitions multiply the states of an expression at most.
+std::size_t productOfCounts(std::string_view expression) noexcept;
+
 // How deep the matcher of std::regex can recurse for a pattern: it does so for every state of the
 // expression that a match passes through.
 struct RecursionBound {

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
+#include <utility>
 
 #include "lua/stdlib/patterns/expression.h"
+#include "lua/stdlib/patterns/text_search.h"
 
 namespace tarvel::lua::internal {
 
@@ -17,30 +20,62 @@ constexpr std::size_t kLongestKeptPattern = 1024;  // bytes
 
 }  // namespace
 
-PatternCache::PatternCache() = default;
+PatternCache::PatternCache(Heap& heap) : heap_(heap) {}
 PatternCache::~PatternCache() = default;
 
-PatternExpression& PatternCache::lookup(StringObject& pattern) {
+PatternExpression& PatternCache::lookup(StringObject& pattern, Site site) {
   if (pattern.length > kLongestKeptPattern) {
     tooLongToKeep_.reset();
-    tooLongToKeep_ = std::make_unique<PatternExpression>(pattern.view());
+    tooLongToKeep_ = compile(pattern, site);
     return *tooLongToKeep_;
   }
-  if (const auto found = kept_.find(&pattern); found != kept_.end()) return *found->second;
-  auto expression = std::make_unique<PatternExpression>(pattern.view());
+  const auto found = kept_.find(&pattern);
+  if (found == kept_.end()) return keep(pattern, compile(pattern, site));
+  if (found->second.countedInRun != meter().currentRun()) countAgain(pattern, found->second, site);
+  return *found->second.expression;
+}
+
+// Where there is no memory, what is kept makes room.
+std::unique_ptr<PatternExpression> PatternCache::compile(StringObject& pattern, Site site) {
+  try {
+    return std::make_unique<PatternExpression>(heap_, pattern.view(), site);
+  } catch (const std::bad_alloc&) {
+    forgetAll();
+    return std::make_unique<PatternExpression>(heap_, pattern.view(), site);
+  }
+}
+
+PatternExpression& PatternCache::keep(StringObject& pattern,
+                                      std::unique_ptr<PatternExpression> expression) {
   if (keys_.size() == kKeptPatterns) forgetOldest();
   keys_.push_back(OwnedValue::share(Value(&pattern)));
   try {
-    return *kept_.emplace(&pattern, std::move(expression)).first->second;
+    Kept kept{std::move(expression), meter().currentRun()};
+    return *kept_.emplace(&pattern, std::move(kept)).first->second.expression;
   } catch (...) {
     keys_.pop_back();
     throw;
   }
 }
 
+// The first time in a run: it stands behind those that the run has not used.
+void PatternCache::countAgain(StringObject& pattern, Kept& kept, Site site) {
+  meter().spend(kept.expression->stepsForCompiling(), site);
+  kept.countedInRun = meter().currentRun();
+  const auto key = std::find_if(keys_.begin(), keys_.end(), [&pattern](const OwnedValue& text) {
+    return stringsEqual(text.get().string, &pattern);
+  });
+  std::rotate(key, key + 1, keys_.end());
+}
+
 void PatternCache::forgetOldest() noexcept {
   kept_.erase(keys_.front().get().string);
   keys_.pop_front();
+}
+
+void PatternCache::forgetAll() noexcept {
+  kept_.clear();
+  keys_.clear();
 }
 
 // ---- Searching ----------------------------------------------------------------------------------
@@ -58,14 +93,6 @@ bool isPlainText(std::string_view pattern) noexcept {
                       [](char c) { return kIsMagic[static_cast<unsigned char>(c)]; });
 }
 
-bool findText(std::string_view subject, std::string_view text, std::size_t from,
-              PatternMatch& match) {
-  const std::size_t start = subject.find(text, from);
-  if (start == std::string_view::npos) return false;
-  match.set(subject, start, text.size());
-  return true;
-}
-
 }  // namespace
 
 void PatternMatch::set(std::string_view subject, std::size_t offset, std::size_t length) {
@@ -75,14 +102,18 @@ void PatternMatch::set(std::string_view subject, std::size_t offset, std::size_t
   text = subject.substr(offset, length);
 }
 
-PatternSearcher::PatternSearcher(PatternCache& cache, StringObject& pattern, bool plain)
-    : text_(pattern.view()) {
-  if (!plain && !isPlainText(text_)) expression_ = &cache.lookup(pattern);
+PatternSearcher::PatternSearcher(PatternCache& cache, StringObject& pattern, Site site, bool plain)
+    : meter_(cache.meter()), site_(site), text_(pattern.view()) {
+  meter_.spend(stepsForBytes(text_.size()), site);
+  if (!plain && !isPlainText(text_)) expression_ = &cache.lookup(pattern, site);
 }
 
 bool PatternSearcher::find(std::string_view subject, std::size_t from, PatternMatch& match) const {
-  return expression_ != nullptr ? expression_->search(subject, from, match)
-                                : findText(subject, text_, from, match);
+  if (expression_ != nullptr) return expression_->search(subject, from, match, site_);
+  const std::size_t start = findText(meter_, subject, text_, from, site_);
+  if (start == std::string_view::npos) return false;
+  match.set(subject, start, text_.size());
+  return true;
 }
 
 std::size_t PatternSearcher::captureCount() const noexcept {
@@ -90,9 +121,9 @@ std::size_t PatternSearcher::captureCount() const noexcept {
 }
 
 bool findPattern(PatternCache& cache, std::string_view subject, StringObject& pattern,
-                 std::size_t init, bool plain, PatternMatch& match) {
+                 std::size_t init, bool plain, PatternMatch& match, Site site) {
   if (init > subject.size()) return false;
-  return PatternSearcher(cache, pattern, plain).find(subject, init, match);
+  return PatternSearcher(cache, pattern, site, plain).find(subject, init, match);
 }
 
 }  // namespace tarvel::lua::internal

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <string>
@@ -8,7 +9,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "lua/value/errors.h"
+#include "lua/value/heap.h"
 #include "lua/value/string_object.h"
+#include "lua/value/work_meter.h"
 
 // Searching for patterns: the translated and compiled ones, and those that are plain text.
 
@@ -30,15 +34,21 @@ struct PatternMatch {
 
 // The compiled patterns of one interpreter, the latest few. A pattern that is rejected is not kept,
 // so it is rejected afresh each time.
+//
+// Compiling counts as work, and each run counts it as though it had begun with nothing compiled: so
+// what ran before does not matter.
 class PatternCache {
  public:
-  PatternCache();
+  explicit PatternCache(Heap& heap);
   ~PatternCache();
   PatternCache(const PatternCache&) = delete;
   PatternCache& operator=(const PatternCache&) = delete;
 
-  // Valid until the next call. Throws std::regex_error.
-  PatternExpression& lookup(StringObject& pattern);
+  // Valid until the next call. Throws std::regex_error; in a supervised interpreter raises "pattern
+  // is too complex" at `site` for one that would take too long to compile.
+  PatternExpression& lookup(StringObject& pattern, Site site);
+
+  WorkMeter& meter() noexcept { return heap_.meter(); }
 
  private:
   struct HashOfBytes {
@@ -47,11 +57,19 @@ class PatternCache {
   struct SameBytes {
     bool operator()(StringObject* a, StringObject* b) const noexcept { return stringsEqual(a, b); }
   };
-  using Expressions =
-      std::unordered_map<StringObject*, std::unique_ptr<PatternExpression>, HashOfBytes, SameBytes>;
+  struct Kept {
+    std::unique_ptr<PatternExpression> expression;
+    std::uint64_t countedInRun;
+  };
+  using Expressions = std::unordered_map<StringObject*, Kept, HashOfBytes, SameBytes>;
 
+  std::unique_ptr<PatternExpression> compile(StringObject& pattern, Site site);
+  PatternExpression& keep(StringObject& pattern, std::unique_ptr<PatternExpression> expression);
+  void countAgain(StringObject& pattern, Kept& kept, Site site);
   void forgetOldest() noexcept;
+  void forgetAll() noexcept;
 
+  Heap& heap_;
   std::deque<OwnedValue> keys_;  // what the keys of kept_ point to, oldest first
   Expressions kept_;
   std::unique_ptr<PatternExpression> tooLongToKeep_;  // the latest such one
@@ -62,8 +80,8 @@ class PatternCache {
 // it lives.
 class PatternSearcher {
  public:
-  // Throws std::regex_error.
-  PatternSearcher(PatternCache& cache, StringObject& pattern, bool plain = false);
+  // Throws as PatternCache::lookup does. What a search does counts as work.
+  PatternSearcher(PatternCache& cache, StringObject& pattern, Site site, bool plain = false);
 
   // Finds the leftmost match in what follows the offset `from` (at most the subject's length). The
   // bytes before it do not exist for the expression, so `^` matches there. Throws std::regex_error
@@ -73,6 +91,8 @@ class PatternSearcher {
   std::size_t captureCount() const noexcept;
 
  private:
+  WorkMeter& meter_;
+  Site site_;
   std::string_view text_;
   PatternExpression* expression_ = nullptr;  // null: plain text
 };
@@ -80,6 +100,6 @@ class PatternSearcher {
 // One search; `init` is an offset, past the subject's end nothing is found. Throws as
 // PatternSearcher does.
 bool findPattern(PatternCache& cache, std::string_view subject, StringObject& pattern,
-                 std::size_t init, bool plain, PatternMatch& match);
+                 std::size_t init, bool plain, PatternMatch& match, Site site);
 
 }  // namespace tarvel::lua::internal

@@ -84,13 +84,16 @@ void translateSetContents(std::string_view contents, std::string& out) {
   }
 }
 
-// Translates what starts with the `[` at `open`; returns the offset behind it.
-std::size_t translateSet(std::string_view pattern, std::size_t open, std::string& out) {
+// Translates what starts with the `[` at `open`; returns the offset behind it. `mayClose` becomes
+// false when no set of the rest is closed, so that many open ones do not all look for their end.
+std::size_t translateSet(std::string_view pattern, std::size_t open, std::string& out,
+                         bool& mayClose) {
   std::size_t start = open + 1;
   const bool negated = start < pattern.size() && pattern[start] == '^';
   if (negated) ++start;
-  const std::size_t end = findSetEnd(pattern, start);
+  const std::size_t end = mayClose ? findSetEnd(pattern, start) : std::string_view::npos;
   if (end == std::string_view::npos) {
+    mayClose = false;
     out.append("\\[");
     return open + 1;
   }
@@ -120,6 +123,7 @@ std::size_t translateEscape(std::string_view pattern, std::size_t percent, std::
 
 std::string translateLuaPatternToRegex(std::string_view pattern) {
   std::string out;
+  bool mayClose = true;
   std::size_t i = 0;
   while (i < pattern.size()) {
     const char c = pattern[i];
@@ -143,7 +147,7 @@ std::string translateLuaPatternToRegex(std::string_view pattern) {
         i = translateEscape(pattern, i, out);
         break;
       case '[':
-        i = translateSet(pattern, i, out);
+        i = translateSet(pattern, i, out, mayClose);
         break;
       default:
         out.append(escapeRegexLiteralChar(c));
