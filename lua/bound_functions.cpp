@@ -84,13 +84,16 @@ void* Arguments::receiver(const void* classKey) const {
   if (count_ > 0) {
     if (void* const object = at(0).address(classKey)) return object;
   }
-  const bool isObject = count_ > 0 && std::bit_cast<Value>(at(0).raw()).tag == internal::kUserData;
-  internal::failArgument(
-      name_->c_str(), isObject ? " received the wrong userdata type" : " expects userdata", site_);
+  fail(0, nullptr, false, Problem());
 }
 
 void Arguments::fail(std::size_t index, const char* expected, bool isOfKind,
                      const Problem& problem) const {
+  if (expected == nullptr) {
+    const bool isObject =
+        index < count_ && std::bit_cast<Value>(at(index).raw()).tag == internal::kUserData;
+    expected = isObject ? " received the wrong userdata type" : " expects userdata";
+  }
   if (!isOfKind) internal::failArgument(name_->c_str(), expected, site_);
   const std::string text = ": argument " + std::to_string(index + 1) + ": " + problem.message();
   internal::failArgument(name_->c_str(), text.c_str(), site_);

@@ -10,7 +10,7 @@
 #include "lua/bridge_access.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
-#include "lua/record_keys.h"
+#include "lua/value/record_keys.h"
 #include "lua/value/number_rules.h"
 #include "lua/value/table.h"
 

@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "lua/record_keys.h"
+#include "lua/value/record_keys.h"
 #include "lua/value/errors.h"
 #include "lua/value/function_handle.h"
 #include "lua/value/globals.h"

@@ -207,8 +207,8 @@ class TARVELLUA_API Arguments {
   std::vector<LuaValue> rest(std::size_t index) const;
   // The receiver of a method.
   void* receiver(const void* classKey) const;
-  // Raises the script error for an argument that is none of what `expected` says ("expects a
-  // table") or whose `problem` lies deeper.
+  // Raises the script error for an argument that is none of what `expected` says (" expects a
+  // table"; null for an object of a class), or for one of that kind with a problem.
   [[noreturn]] void fail(std::size_t index, const char* expected, bool isOfKind,
                          const Problem& problem) const;
 

@@ -234,7 +234,7 @@ struct Conversion<std::optional<T>> {
 // An object of the host's.
 template <class T>
 struct Conversion<std::shared_ptr<T>> {
-  static constexpr const char* kArgument = " received the wrong userdata type";
+  static constexpr const char* kArgument = nullptr;  // depends on what there is instead
   static constexpr const void* kKey = &ClassKey<std::remove_const_t<T>>::key;
   template <class Sink>
   static void give(Sink& sink, const std::shared_ptr<T>& value) {

@@ -1,4 +1,4 @@
-#include "lua/record_keys.h"
+#include "lua/value/record_keys.h"
 
 #include <stdexcept>
 #include <string>
