@@ -13,6 +13,7 @@
 #include "lua/failure_report.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
+#include "lua/run_scope.h"
 #include "lua/value/completion.h"
 #include "lua/value/host_stack.h"
 
@@ -38,38 +39,24 @@ class CallProblem : public std::runtime_error {
 
 struct Call::State {
   explicit State(LuaVM::Impl& impl) noexcept
-      : use(impl),
-        interpreter(impl),
-        mark(destruction.isNested() ? impl.stack.markBeyondFrames() : impl.stack.mark()),
-        frame(impl.stack.top()) {
-    impl.stack.enterThread(hostStack.floor());
-  }
+      : scope(impl), interpreter(impl), frame(impl.stack.top()) {}
   ~State() { release(); }
   State(const State&) = delete;
   State& operator=(const State&) = delete;
 
   // Gives up the results, or whatever stands on the stack after a failure.
   void release() noexcept {
-    if (!isClean) {
-      interpreter.stack.unwindTo(mark);
-      isClean = true;
-      return;
-    }
     drop(single);
     single = Value();
     clearSlots(several, several + severalCount);
     severalCount = 0;
-    interpreter.stack.leaveTo(mark);
+    scope.sweep();
   }
 
-  const internal::InterpreterInUse use;
-  const internal::HostStackScope hostStack;
-  const internal::DestructionScope destruction;
+  internal::RunScope scope;
   LuaVM::Impl& interpreter;
-  const ValueStack::Mark mark;
   Value* const frame;
   bool hasBegun = false;  // the arguments are complete
-  bool isClean = true;    // nothing of ours is on the stack but results
   const char* problem = nullptr;
   std::string_view name;  // of what is called, where it was named
   // What was returned: one value, or several that stand on the stack.
@@ -101,7 +88,7 @@ Call::Call(LuaVM& vm) noexcept {
     return;
   }
   end_ = reinterpret_cast<std::byte*>(end);
-  opened.isClean = false;
+  opened.scope.expectValues();
 }
 
 Call::Call(LuaVM& vm, const LuaFunction& function) noexcept : Call(vm) {
@@ -124,7 +111,8 @@ void Call::run() {
   State& opened = state();
   if (opened.problem != nullptr) throw CallProblem(opened.problem);
   LuaVM::Impl& interpreter = opened.interpreter;
-  interpreter.requireLife();
+  opened.hasBegun = true;
+  opened.scope.begin();
   if (!opened.name.empty()) *opened.frame = retain(interpreter.findByPath(opened.name));
   const Value callee = *opened.frame;
   if (!callee.isFunction()) {
@@ -135,9 +123,8 @@ void Call::run() {
     throw CallProblem(problem.message());
   }
   const auto count = static_cast<std::uint32_t>(reinterpret_cast<Value*>(next_) - opened.frame - 1);
-  opened.hasBegun = true;
   const Value completion = interpreter.callFrame(opened.frame, count, 0);
-  opened.isClean = true;
+  opened.scope.expectNoValues();
   if (isSingleValue(completion)) {
     opened.single = completion;
     opened.hasSingle = true;
@@ -150,7 +137,7 @@ void Call::run() {
 
 void Call::readGlobal(std::string_view name) {
   State& opened = state();
-  opened.isClean = true;
+  opened.scope.expectNoValues();
   opened.single = retain(opened.interpreter.findByPath(name));
   opened.hasSingle = true;
 }
@@ -159,14 +146,14 @@ void Call::storeGlobal(std::string_view name) {
   State& opened = state();
   Value& slot = opened.frame[1];
   const Value value = std::exchange(slot, Value());
-  opened.isClean = true;
+  opened.scope.expectNoValues();
   opened.interpreter.storeByPath(name, value);
 }
 
 void Call::load(std::string_view source, std::string_view chunkName,
                 std::span<const std::string_view> parameters) {
   State& opened = state();
-  opened.isClean = true;
+  opened.scope.expectNoValues();
   opened.hasBegun = true;
   opened.interpreter.requireLife();
   const internal::ChunkReference chunk =

@@ -10,8 +10,8 @@
 #include "lua/bridge_access.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
-#include "lua/value/record_keys.h"
 #include "lua/value/number_rules.h"
+#include "lua/value/record_keys.h"
 #include "lua/value/table.h"
 
 // Single values between host and scripts: reading them from scripts, and giving them to scripts.

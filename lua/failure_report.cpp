@@ -48,6 +48,7 @@ FailureReport::FailureReport(const LuaVM::Impl& interpreter) {
   } catch (const std::exception& error) {
     if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) kind_ = LuaError::Kind::Memory;
     message_ = exceptionText(error);
+    takeTrace(interpreter, 0);
   }
 }
 
@@ -58,6 +59,7 @@ void FailureReport::takeScriptError(const LuaVM::Impl& interpreter,
   message_ = error.message;
   isLocatedInText_ = error.hasLocation;
   takePlace(interpreter, error.site);
+  takeTrace(interpreter, error.site);
 }
 
 void FailureReport::takeUnparsed(const UnparsedError& error) noexcept {
@@ -85,6 +87,7 @@ void FailureReport::takeStop(const LuaVM::Impl& interpreter, const StopSignal& s
   }
   isLocatedInText_ = true;
   takePlace(interpreter, stop.site);
+  takeTrace(interpreter, stop.site);
 }
 
 void FailureReport::takePlace(const LuaVM::Impl& interpreter, Site site) noexcept {
@@ -93,6 +96,22 @@ void FailureReport::takePlace(const LuaVM::Impl& interpreter, Site site) noexcep
   chunkName_ = std::move(entry.chunkName);
   chunk_ = chunkName_.get().string->view();
   place_ = entry.place;
+}
+
+// A call was executing the call that is noted before it; the innermost one is where it failed.
+void FailureReport::takeTrace(const LuaVM::Impl& interpreter, Site failedAt) noexcept {
+  Site executed = failedAt;
+  for (std::size_t i = 0; i < interpreter.trace.size(); ++i) {
+    const Trace::Call& call = interpreter.trace[i];
+    Frame& frame = frames_[frameCount_++];
+    frame.function = OwnedValue::share(Value(call.function));
+    if (!call.isNative) {
+      SiteTable::Entry entry = interpreter.sites.find(executed);
+      frame.chunk = std::move(entry.chunkName);
+      frame.line = entry.place.line;
+    }
+    executed = call.site;
+  }
 }
 
 // ---- Afterwards ---------------------------------------------------------------------------------
@@ -115,6 +134,14 @@ LuaError FailureReport::error() const {
   error.line = place_.line;
   error.column = place_.column;
   error.exitCode = exitCode_;
+  error.trace.reserve(frameCount_);
+  for (std::size_t i = 0; i < frameCount_; ++i) {
+    const Frame& frame = frames_[i];
+    const auto text = [](const OwnedValue& value) {
+      return std::string(value.get().isString() ? value.get().string->view() : std::string_view());
+    };
+    error.trace.push_back({text(frame.function), text(frame.chunk), frame.line});
+  }
   return error;
 }
 

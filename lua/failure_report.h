@@ -2,12 +2,15 @@
 
 #include <tarvel/lua/lua_vm.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "lua/value/errors.h"
 #include "lua/value/site_table.h"
+#include "lua/value/trace.h"
 
 namespace tarvel::lua::internal {
 
@@ -42,6 +45,7 @@ class FailureReport {
   void takeScriptError(const LuaVM::Impl& interpreter, const ScriptError& error) noexcept;
   void takeUnparsed(const UnparsedError& error) noexcept;
   void takeStop(const LuaVM::Impl& interpreter, const StopSignal& stop) noexcept;
+  void takeTrace(const LuaVM::Impl& interpreter, Site failedAt) noexcept;
   void takePlace(const LuaVM::Impl& interpreter, Site site) noexcept;
 
   LuaError::Kind kind_ = LuaError::Kind::Script;
@@ -51,6 +55,15 @@ class FailureReport {
   Place place_;             // 0:0 where unknown
   bool isLocatedInText_ = false;
   std::int32_t exitCode_ = 0;
+
+  // The calls that the failure passed through, as LuaError::Frame has them.
+  struct Frame {
+    OwnedValue function;
+    OwnedValue chunk;  // nil where unknown
+    std::uint32_t line = 0;
+  };
+  std::array<Frame, Trace::kMostCalls> frames_;
+  std::size_t frameCount_ = 0;
 };
 
 }  // namespace tarvel::lua::internal

@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <new>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,13 +10,13 @@
 #include "lua/failure_report.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
+#include "lua/run_scope.h"
 #include "lua/stdlib/patterns/searcher.h"
 #include "lua/value/host_stack.h"
 
 namespace tarvel::lua {
 
 using internal::ChunkReference;
-using internal::ExitRequest;
 using internal::ExitSignal;
 using internal::FailureKind;
 using internal::FailureReport;
@@ -27,8 +26,6 @@ using internal::MultiValue;
 using internal::OwnedValue;
 using internal::Table;
 using internal::UnparsedError;
-using internal::ValueStack;
-using internal::WorkMeter;
 
 LuaVM::LuaVM() : LuaVM(LuaOptions()) {}
 
@@ -144,39 +141,6 @@ LuaVM::Impl::Value LuaVM::Impl::makeNative(std::string_view name,
 
 namespace {
 
-// What a run leaves the interpreter with, however it ends: the stack as it was, nothing on it, and
-// no exit that would be taken for one of a run around it.
-class RunScope {
- public:
-  RunScope(ValueStack& stack, ExitRequest& exit, WorkMeter& meter, std::size_t& activeRuns)
-      : stack_(stack),
-        mark_(destruction_.isNested() ? stack.markBeyondFrames() : stack.mark()),
-        exit_(exit),
-        meter_(meter),
-        activeRuns_(activeRuns) {
-    stack_.enterThread(hostStack_.floor());
-    ++activeRuns_;
-  }
-  ~RunScope() {
-    stack_.unwindTo(mark_);
-    exit_ = {};
-    if (--activeRuns_ == 0) meter_.endRun();
-  }
-  // Runs inside others share what those may do.
-  bool isOutermost() const noexcept { return activeRuns_ == 1; }
-  RunScope(const RunScope&) = delete;
-  RunScope& operator=(const RunScope&) = delete;
-
- private:
-  const HostStackScope hostStack_;
-  const internal::DestructionScope destruction_;
-  ValueStack& stack_;
-  ValueStack::Mark mark_;
-  ExitRequest& exit_;
-  WorkMeter& meter_;
-  std::size_t& activeRuns_;
-};
-
 LuaResult makeFailure(const FailureReport& failure, const std::string& chunkName) {
   LuaResult result;
   result.error = failure.textFor(chunkName);
@@ -207,10 +171,10 @@ LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkNa
 // Throws std::bad_alloc when there is no memory to say what failed. What the run held is released
 // before that is put into words.
 LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chunkName) {
-  std::optional<RunScope> scope(std::in_place, stack, exit_, heap.meter(), activeRuns_);
+  internal::RunScope scope(*this);
+  scope.expectValues();
   try {
-    if (scope->isOutermost()) heap.meter().beginRun();
-    requireLife();
+    scope.begin();
     if (internal::hostStackRoom() < internal::stack_cost::kLeastForARun)
       throw UnparsedError(FailureKind::Stack, chunkName, 1, 1, "stack overflow");
     MultiValue results;
@@ -218,13 +182,16 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
       const ChunkReference chunk = parseScript(source, chunkName);
       results = runChunk(*chunk);
     }
-    return makeSuccess(results);
+    return makeSuccess(results.span());
   } catch (const ExitSignal& exit) {
-    exit_ = {true, exit.code};
-    return makeSuccess(MultiValue(Value(static_cast<std::int64_t>(exit.code))));
+    const Value code(static_cast<std::int64_t>(exit.code));
+    LuaResult result = makeSuccess({&code, 1});
+    result.exitRequested = true;
+    result.exitCode = exit.code;
+    return result;
   } catch (...) {
     const FailureReport failure(*this);
-    scope.reset();
+    scope.sweep();
     return makeFailure(failure, chunkName);
   }
 }
@@ -238,12 +205,10 @@ LuaValue LuaVM::Impl::resultsToPublic(internal::ValueSpan results) const {
   return valueToPublic(list.get());
 }
 
-LuaResult LuaVM::Impl::makeSuccess(const MultiValue& results) const {
+LuaResult LuaVM::Impl::makeSuccess(internal::ValueSpan results) const {
   LuaResult result;
-  result.value = resultsToPublic(results.span());
+  result.value = resultsToPublic(results);
   result.ok = true;
-  result.exitRequested = exit_.isMade;
-  result.exitCode = exit_.code;
   return result;
 }
 

@@ -11,15 +11,16 @@
 #include <unordered_map>
 #include <vector>
 
-#include "lua/value/record_keys.h"
 #include "lua/value/errors.h"
 #include "lua/value/function_handle.h"
 #include "lua/value/globals.h"
 #include "lua/value/heap.h"
 #include "lua/value/multi_value.h"
+#include "lua/value/record_keys.h"
 #include "lua/value/site_table.h"
 #include "lua/value/string_pool.h"
 #include "lua/value/table.h"
+#include "lua/value/trace.h"
 #include "lua/value/value.h"
 #include "lua/value/value_stack.h"
 
@@ -46,11 +47,6 @@ struct StandardObjects {
   NativeClass* streamClass = nullptr;
 };
 
-// The os.exit that ended the current run.
-struct ExitRequest {
-  bool isMade = false;
-  std::int32_t code = 0;
-};
 // Keeps the interpreter while a function of the facade uses it: what runs there may destroy the
 // host's LuaVM.
 class InterpreterInUse {
@@ -164,18 +160,18 @@ class LuaVM::Impl {
   internal::RecordKeyCache records;
   // Of the host's types, by what tells these apart. They belong to the heap.
   std::unordered_map<const void*, internal::NativeClass*> hostClasses;
+  internal::Trace trace;       // of an exception on its way through supervised calls
+  std::size_t activeRuns = 0;  // of a supervised interpreter
 
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
-  LuaResult makeSuccess(const internal::MultiValue& results) const;
+  LuaResult makeSuccess(internal::ValueSpan results) const;
   // Binds names that are no locals to their global slots.
   void bindGlobalSlots(const std::vector<internal::VariableExpr*>& names);
   std::size_t resolveGlobalSlot(std::string_view name) { return globals.slotOf(name); }
 
   friend class internal::InterpreterInUse;
   std::size_t uses_ = 0;  // by functions of the facade that have not returned
-  std::size_t activeRuns_ = 0;
-  internal::ExitRequest exit_;
   bool ended_ = false;
 };
 

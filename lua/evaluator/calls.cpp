@@ -2,6 +2,7 @@
 
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/supervision.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
@@ -14,6 +15,9 @@
 // frame will start: frame[0] holds the callee, frame[1] is the base of its frame. What stands there
 // is owned by the slots; the call releases it when the callee is done, and an error leaves it to
 // the sweep.
+//
+// Everything that makes a call has two forms, with the policies of supervision.h. A call is a step,
+// counted where it is made: when callee and arguments are there.
 
 namespace tarvel::lua {
 
@@ -51,8 +55,12 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
 }
 
 // Runs a script function whose parameters stand in frame[1] on, all of them set.
-[[gnu::always_inline]] inline Value runBody(const FunctionExpr* body, Value* frame) {
+template <class Supervision>
+[[gnu::always_inline]] inline Value runBody(const FunctionExpr* body, Value* frame,
+                                            const Site& site) {
+  typename Supervision::ScriptCall call(body, frame, site);
   const Value completion = executeStatement(body->entry, frame + 1);
+  call.returned();
   if (!isSingleValue(completion)) [[unlikely]]
     return finishWithoutSingleValue(frame, body, completion);
   clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
@@ -74,6 +82,7 @@ Value settleResults(ValueStack& stack, Value* frame, MultiValue&& results, Site 
   return ReturnSignal::severalValues(frame, static_cast<std::uint32_t>(values.size()));
 }
 
+template <class Supervision>
 Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
   const auto* const code = static_cast<const NativeCode*>(frame[0].function->code);
   if (!code->function) failRuntime(site, "attempt to call an empty function");
@@ -85,41 +94,46 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Si
   }
   Value* const outerTop = stack.top();
   stack.setTop(end);
+  typename Supervision::NativeCall call(interpreter, frame, site);
   MultiValue results = code->function(interpreter.self, ValueSpan(frame + 1, count), site);
+  call.returned();
   stack.setTop(outerTop);
   clearSlots(frame, end);
   return settleResults(stack, frame, std::move(results), site);
 }
 
 // Any callee, any number of arguments.
+template <class Supervision>
 [[gnu::noinline]] Value callAny(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
                                 Site site) {
   const Value callee = frame[0];
   if (callee.tag != kFunction) failNotCallable(callee, site);
   const FunctionExpr* const body = callee.function->body;
-  if (body == nullptr) return callNative(interpreter, frame, count, site);
+  if (body == nullptr) return callNative<Supervision>(interpreter, frame, count, site);
   if (!interpreter.stack.makeRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
     failStackOverflow(site);
   for (std::uint32_t i = count; i < body->parameterCount; ++i) frame[1 + i] = Value();
   for (std::uint32_t i = body->parameterCount; i < count; ++i) clearSlot(frame[1 + i]);
-  return runBody(body, frame);
+  return runBody<Supervision>(body, frame, site);
 }
 
 // The common case: a script function that takes exactly the arguments it gets, with room on both
 // stacks.
-template <std::uint32_t Count>
-[[gnu::always_inline]] inline Value callFixed(LuaVM::Impl& interpreter, Value* frame, Site site) {
+template <class Supervision, std::uint32_t Count>
+[[gnu::always_inline]] inline Value callFixed(LuaVM::Impl& interpreter, Value* frame,
+                                              const Site& site) {
+  Supervision::step(interpreter.heap.meter(), site);
   const Value callee = frame[0];
   if (callee.tag == kFunction) [[likely]] {
     const FunctionExpr* const body = callee.function->body;
     if (body != nullptr && body->parameterCount == Count) [[likely]] {
       if (interpreter.stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
           [[likely]] {
-        return runBody(body, frame);
+        return runBody<Supervision>(body, frame, site);
       }
     }
   }
-  return callAny(interpreter, frame, Count, site);
+  return callAny<Supervision>(interpreter, frame, Count, site);
 }
 
 // ---- The callee ---------------------------------------------------------------------------------
@@ -160,7 +174,8 @@ struct OtherCallee {
 const CallExpr* asCall(const Node* node) noexcept { return static_cast<const CallExpr*>(node); }
 
 template <std::uint32_t Count>
-inline void evaluateArguments(const CallExpr* call, Value* first, Value* base) {
+[[gnu::always_inline]] inline void evaluateArguments(const CallExpr* call, Value* first,
+                                                     Value* base) {
   for (std::uint32_t i = 0; i < Count; ++i) {
     const Expr* const argument = call->arguments[i];
     first[i] = evaluateExpression(argument, base);
@@ -169,33 +184,34 @@ inline void evaluateArguments(const CallExpr* call, Value* first, Value* base) {
 
 template <class Callee>
 struct FunctionCall {
-  template <std::uint32_t Count>
+  template <class Supervision, std::uint32_t Count>
   struct Of {
-    static Value run(const Node* node, Value* base) {
+    [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
       const CallExpr* const call = asCall(node);
       Value* const frame = &slotAt(base, call->frameOffset);
       frame[0] = Callee::load(call, base);
       evaluateArguments<Count>(call, frame + 1, base);
-      return callFixed<Count>(*call->interpreter, frame, call->site);
+      return callFixed<Supervision, Count>(*call->interpreter, frame, call->site);
     }
   };
 };
 
 // A function that calls itself by its name, with exactly the arguments that it takes.
-template <std::uint32_t Count>
+template <class Supervision, std::uint32_t Count>
 struct RunningFunctionCall {
-  static Value run(const Node* node, Value* base) {
+  [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
     const CallExpr* const call = asCall(node);
     Value* const frame = &slotAt(base, call->frameOffset);
     frame[0] = base[-1];
     ++frame[0].function->count;
     evaluateArguments<Count>(call, frame + 1, base);
     const FunctionExpr* const body = base[-1].function->body;
+    Supervision::step(call->interpreter->heap.meter(), call->site);
     if (call->interpreter->stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
         [[likely]] {
-      return runBody(body, frame);
+      return runBody<Supervision>(body, frame, call->site);
     }
-    return callAny(*call->interpreter, frame, Count, call->site);
+    return callAny<Supervision>(*call->interpreter, frame, Count, call->site);
   }
 };
 
@@ -210,7 +226,7 @@ struct RunningFunctionCall {
 
 // The receiver is evaluated once, then the method is looked up, then the other arguments are
 // evaluated.
-inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
+[[gnu::always_inline]] inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
   const Value receiver = evaluateExpression(call->object, base);
   frame[1] = receiver;
   frame[0] = receiver.tag == kTable
@@ -218,18 +234,19 @@ inline void lookUpMethod(const CallExpr* call, Value* frame, Value* base) {
                  : lookUpMethodOfOther(call, receiver, base);
 }
 
-template <std::uint32_t Count>
+template <class Supervision, std::uint32_t Count>
 struct MethodCall {
-  static Value run(const Node* node, Value* base) {
+  [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
     const CallExpr* const call = asCall(node);
     Value* const frame = &slotAt(base, call->frameOffset);
     lookUpMethod(call, frame, base);
     evaluateArguments<Count>(call, frame + 2, base);
-    return callFixed<Count + 1>(*call->interpreter, frame, call->site);
+    return callFixed<Supervision, Count + 1>(*call->interpreter, frame, call->site);
   }
 };
 
 // Any number of arguments, the last of which may be a call that gives several.
+template <class Supervision>
 Value callWithMany(const Node* node, Value* base) {
   const CallExpr* const call = asCall(node);
   Value* const frame = &slotAt(base, call->frameOffset);
@@ -243,7 +260,8 @@ Value callWithMany(const Node* node, Value* base) {
   if (!call->arguments.empty()) {
     count += evaluateExpressionList(call->arguments, frame + 1 + count, base);
   }
-  return callAny(*call->interpreter, frame, count, call->site);
+  Supervision::step(call->interpreter->heap.meter(), call->site);
+  return callAny<Supervision>(*call->interpreter, frame, count, call->site);
 }
 
 // ---- One value of a call ------------------------------------------------------------------------
@@ -278,21 +296,21 @@ void choose(CallExpr& call) {
 }
 
 // Chooses `Form<Count>::run` for the call's number of arguments.
-template <template <std::uint32_t> class Form>
+template <class Supervision, template <class, std::uint32_t> class Form>
 void chooseByCount(CallExpr& call) {
   switch (call.arguments.size) {
     case 0:
-      return choose<Form<0>::run>(call);
+      return choose<Form<Supervision, 0>::run>(call);
     case 1:
-      return choose<Form<1>::run>(call);
+      return choose<Form<Supervision, 1>::run>(call);
     case 2:
-      return choose<Form<2>::run>(call);
+      return choose<Form<Supervision, 2>::run>(call);
     case 3:
-      return choose<Form<3>::run>(call);
+      return choose<Form<Supervision, 3>::run>(call);
     case 4:
-      return choose<Form<4>::run>(call);
+      return choose<Form<Supervision, 4>::run>(call);
     default:
-      return choose<callWithMany>(call);
+      return choose<callWithMany<Supervision>>(call);
   }
 }
 
@@ -300,23 +318,24 @@ bool takesItsArguments(const CallExpr& call, const FunctionExpr& function) noexc
   return function.parameterCount == call.arguments.size;
 }
 
+template <class Supervision>
 void chooseFunctionCall(CallExpr& call, const VariableExpr& callee) {
   switch (callee.home) {
     case VariableHome::Frame:
-      return chooseByCount<FunctionCall<FrameCallee>::Of>(call);
+      return chooseByCount<Supervision, FunctionCall<FrameCallee>::Of>(call);
     case VariableHome::OwnEnvironment:
-      return chooseByCount<FunctionCall<OtherCallee>::Of>(call);
+      return chooseByCount<Supervision, FunctionCall<OtherCallee>::Of>(call);
     case VariableHome::CapturedValue:
-      return chooseByCount<FunctionCall<CapturedCallee>::Of>(call);
+      return chooseByCount<Supervision, FunctionCall<CapturedCallee>::Of>(call);
     case VariableHome::CapturedEnvironment:
-      return chooseByCount<FunctionCall<SharedCallee>::Of>(call);
+      return chooseByCount<Supervision, FunctionCall<SharedCallee>::Of>(call);
     case VariableHome::RunningFunction:
       if (takesItsArguments(call, *callee.variable->function)) {
-        return chooseByCount<RunningFunctionCall>(call);
+        return chooseByCount<Supervision, RunningFunctionCall>(call);
       }
-      return chooseByCount<FunctionCall<OtherCallee>::Of>(call);
+      return chooseByCount<Supervision, FunctionCall<OtherCallee>::Of>(call);
     case VariableHome::Global:
-      return chooseByCount<FunctionCall<GlobalCallee>::Of>(call);
+      return chooseByCount<Supervision, FunctionCall<GlobalCallee>::Of>(call);
   }
 }
 
@@ -330,6 +349,16 @@ Value executeCallStatement(const Node* node, Value* base) {
 
 bool lastMayExpand(const CallExpr& call) noexcept {
   return !call.arguments.empty() && call.arguments[call.arguments.size - 1]->kind == ExprKind::Call;
+}
+
+template <class Supervision>
+void chooseForm(CallExpr& call) {
+  if (lastMayExpand(call)) return choose<callWithMany<Supervision>>(call);
+  if (call.object != nullptr) return chooseByCount<Supervision, MethodCall>(call);
+  if (call.callee->kind == ExprKind::Variable) {
+    return chooseFunctionCall<Supervision>(call, static_cast<const VariableExpr&>(*call.callee));
+  }
+  chooseByCount<Supervision, FunctionCall<OtherCallee>::Of>(call);
 }
 
 }  // namespace
@@ -361,17 +390,13 @@ Value callBehindFrame(const Node* node, Value* base, Value function,
   Value* next = frame;
   for (const Value& argument : arguments) *++next = retain(argument);
   const auto count = static_cast<std::uint32_t>(arguments.size());
-  const Value result = callAny(interpreter, frame, count, node->site);
+  const Value result = interpreter.callFrame(frame, count, node->site);
   return isSingleValue(result) ? result : firstOf(result);
 }
 
 void chooseCall(CallExpr& call) {
-  if (lastMayExpand(call)) return choose<callWithMany>(call);
-  if (call.object != nullptr) return chooseByCount<MethodCall>(call);
-  if (call.callee->kind == ExprKind::Variable) {
-    return chooseFunctionCall(call, static_cast<const VariableExpr&>(*call.callee));
-  }
-  chooseByCount<FunctionCall<OtherCallee>::Of>(call);
+  call.interpreter->options.supervised ? chooseForm<Supervised>(call)
+                                       : chooseForm<Unsupervised>(call);
 }
 
 void chooseCallStatement(ExpressionStmt& statement) { statement.execute = executeCallStatement; }
@@ -400,15 +425,32 @@ MultiValue takeResults(Value completion) {
   return results;
 }
 
+Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  internal::WorkMeter& meter = interpreter.heap.meter();
+  internal::Supervised::step(meter, site);
+  const Value completion = internal::callAny<internal::Supervised>(interpreter, frame, count, site);
+  internal::OwnedValue single(isSingleValue(completion) ? completion : Value());
+  meter.spend(0, site);  // throws when the last of it was too much and nothing was left to notice
+  single.take();
+  return completion;
+}
+
+MultiValue callFromNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  if (interpreter.options.supervised)
+    return takeResults(callSupervised(interpreter, frame, count, site));
+  return takeResults(internal::callAny<internal::Unsupervised>(interpreter, frame, count, site));
+}
+
 }  // namespace
 
 Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, Site site) {
+  if (options.supervised) return callSupervised(*this, frame, count, site);
   const internal::FunctionExpr* const body = frame->function->body;
   if (body != nullptr && body->parameterCount == count &&
       stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes)) [[likely]] {
-    return internal::runBody(body, frame);
+    return internal::runBody<internal::Unsupervised>(body, frame, site);
   }
-  return internal::callAny(*this, frame, count, site);
+  return internal::callAny<internal::Unsupervised>(*this, frame, count, site);
 }
 
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
@@ -423,7 +465,7 @@ MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan
   frame[0] = retain(Value(function));
   for (std::size_t i = 0; i < arguments.size(); ++i) frame[1 + i] = retain(arguments[i]);
   const auto count = static_cast<std::uint32_t>(arguments.size());
-  return takeResults(internal::callAny(*this, frame, count, site));
+  return callFromNative(*this, frame, count, site);
 }
 
 bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const Value& second,
@@ -434,7 +476,9 @@ bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const V
   frame[0] = retain(callee);
   frame[1] = retain(first);
   frame[2] = retain(second);
-  Value result = internal::callFixed<2>(*this, frame, site);
+  Value result = options.supervised
+                     ? internal::callFixed<internal::Supervised, 2>(*this, frame, site)
+                     : internal::callFixed<internal::Unsupervised, 2>(*this, frame, site);
   if (!isSingleValue(result)) result = internal::firstOf(result);
   drop(result);
   return result.isTruthy();
@@ -449,7 +493,7 @@ MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {
   Value* const frame = stack.top();
   if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->site);
   frame[0] = makeMain(chunk);
-  return takeResults(internal::callAny(*this, frame, 0, chunk.main->site));
+  return callFromNative(*this, frame, 0, chunk.main->site);
 }
 
 }  // namespace tarvel::lua

@@ -3,21 +3,26 @@
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/iteration.h"
 #include "lua/evaluator/node_functions.h"
+#include "lua/evaluator/supervision.h"
+#include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
 #include "lua/value/errors.h"
 
 // `while` and both kinds of `for`. The body's block releases the iteration's locals; the loop only
-// looks at how the body ended.
+// looks at how the body ended. Each loop has two forms, with the policies of supervision.h.
 
 namespace tarvel::lua::internal {
 
 namespace {
 
+template <class Supervision>
 Value executeWhile(const Node* node, Value* base) {
   const auto* const loop = static_cast<const WhileStmt*>(node);
   const Expr* const condition = loop->condition;
   const Node* const body = loop->bodyNode;
+  typename Supervision::Rounds rounds(loop->interpreter->heap.meter(), loop->site);
   while (evaluateCondition(condition, base)) {
+    rounds.next();
     const Value completion = executeStatement(body, base);
     if (isNormal(completion)) [[likely]]
       continue;
@@ -30,6 +35,7 @@ Value executeWhile(const Node* node, Value* base) {
 
 // The loop's control value is separate from its variable: assigning the variable does not change
 // the iteration.
+template <class Supervision>
 Value iterateIntegers(const NumericForStmt* loop, Value* base, std::int64_t start,
                       std::int64_t limit, std::int64_t step) {
   if (step > 0 ? start > limit : start < limit) return normalCompletion();
@@ -43,7 +49,9 @@ Value iterateIntegers(const NumericForStmt* loop, Value* base, std::int64_t star
   const Node* const body = loop->bodyNode;
   Value& variable = slotAt(base, loop->variableOffset);
   auto control = static_cast<std::uint64_t>(start);
+  typename Supervision::Rounds rounds(loop->interpreter->heap.meter(), loop->site);
   for (;; --remaining, control += static_cast<std::uint64_t>(step)) {
+    rounds.next();
     variable = Value(static_cast<std::int64_t>(control));
     const Value completion = executeStatement(body, base);
     if (!isNormal(completion)) [[unlikely]]
@@ -53,6 +61,7 @@ Value iterateIntegers(const NumericForStmt* loop, Value* base, std::int64_t star
 }
 
 // The step is added each time; multiplying would round differently.
+template <class Supervision>
 Value iterateFloats(const NumericForStmt* loop, Value* base, double start, double limit,
                     double step) {
   const Node* const body = loop->bodyNode;
@@ -60,7 +69,9 @@ Value iterateFloats(const NumericForStmt* loop, Value* base, double start, doubl
   const auto goesOn = [&](double control) {
     return (step > 0 && control <= limit) || (step <= 0 && control >= limit);  // NaN: neither
   };
+  typename Supervision::Rounds rounds(loop->interpreter->heap.meter(), loop->site);
   for (double control = start; goesOn(control); control += step) {
+    rounds.next();
     variable = Value(control);
     const Value completion = executeStatement(body, base);
     if (!isNormal(completion)) [[unlikely]]
@@ -87,15 +98,16 @@ struct Range {
   return {start.get(), limit.get(), step.get()};
 }
 
+template <class Supervision>
 Value executeNumericFor(const Node* node, Value* base) {
   const auto* const loop = static_cast<const NumericForStmt*>(node);
   const Range range = evaluateRange(loop, base);
   if (range.start.isInteger() && range.limit.isInteger() && range.step.isInteger()) {
-    return iterateIntegers(loop, base, range.start.integer, range.limit.integer,
-                           range.step.integer);
+    return iterateIntegers<Supervision>(loop, base, range.start.integer, range.limit.integer,
+                                        range.step.integer);
   }
-  return iterateFloats(loop, base, range.start.asFloat(), range.limit.asFloat(),
-                       range.step.asFloat());
+  return iterateFloats<Supervision>(loop, base, range.start.asFloat(), range.limit.asFloat(),
+                                    range.step.asFloat());
 }
 
 // ---- Generic for --------------------------------------------------------------------------------
@@ -110,6 +122,7 @@ Value executeNumericFor(const Node* node, Value* base) {
   if (slots[0].tag != kIterator) failRuntime(loop->site, "generic for loop expects an iterator");
 }
 
+template <class Supervision>
 Value executeGenericFor(const Node* node, Value* base) {
   const auto* const loop = static_cast<const GenericForStmt*>(node);
   Value& iterator = slotAt(base, loop->iteratorOffset);
@@ -117,28 +130,34 @@ Value executeGenericFor(const Node* node, Value* base) {
   Value* const names = &slotAt(base, loop->firstNameOffset);
   const Node* const body = loop->bodyNode;
   Value completion = normalCompletion();
+  typename Supervision::Rounds rounds(loop->interpreter->heap.meter(), loop->site);
   while (isNormal(completion) && nextIteratorItem(*iterator.iterator, names, loop->names.size)) {
+    rounds.next();
     completion = executeStatement(body, base);
   }
   clearSlot(iterator);
   return BreakSignal::is(completion) ? normalCompletion() : completion;
 }
 
+bool isSupervised(const Node& loop) noexcept { return loop.interpreter->options.supervised; }
+
 }  // namespace
 
 void chooseWhile(WhileStmt& loop) {
   loop.bodyNode = bodyNodeOf(*loop.body);
-  loop.execute = executeWhile;
+  loop.execute = isSupervised(loop) ? executeWhile<Supervised> : executeWhile<Unsupervised>;
 }
 
 void chooseNumericFor(NumericForStmt& loop) {
   loop.bodyNode = bodyNodeOf(*loop.body);
-  loop.execute = executeNumericFor;
+  loop.execute =
+      isSupervised(loop) ? executeNumericFor<Supervised> : executeNumericFor<Unsupervised>;
 }
 
 void chooseGenericFor(GenericForStmt& loop) {
   loop.bodyNode = bodyNodeOf(*loop.body);
-  loop.execute = executeGenericFor;
+  loop.execute =
+      isSupervised(loop) ? executeGenericFor<Supervised> : executeGenericFor<Unsupervised>;
 }
 
 }  // namespace tarvel::lua::internal

@@ -19,7 +19,7 @@ Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& 
       firstSite_(chunk.sites.first()) {}
 
 ArenaList<Stmt*> Parser::parseChunk(std::span<const std::string_view> parameters) {
-  chunk_.main = makeFunction(intern("main chunk"), currentSite());
+  chunk_.main = makeFunction(intern("<chunk>"), currentSite());
   std::vector<StringObject*> names;
   for (const std::string_view name : parameters) names.push_back(intern(name));
   chunk_.main->parameters = chunk_.arena.list(names);

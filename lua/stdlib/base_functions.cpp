@@ -142,15 +142,21 @@ MultiValue baseError(LuaVM& vm, ValueSpan args, Site site) {
 
 namespace {
 
+// The error goes no further.
+void sweep(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
+  interpreter.trace.clear();
+  interpreter.stack.unwindTo(mark);
+}
+
 MultiValue failedCall(LuaVM::Impl& interpreter, const ValueStack::Mark& mark,
                       std::string_view message, Site site) {
-  interpreter.stack.unwindTo(mark);
+  sweep(interpreter, mark);
   return MultiValue{Value(false), makeText(interpreter.strings, message, site)};
 }
 
 // There may be no memory for a message either.
 MultiValue outOfMemory(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
-  interpreter.stack.unwindTo(mark);
+  sweep(interpreter, mark);
   return MultiValue{Value(false), retain(interpreter.standard.outOfMemoryText.get())};
 }
 

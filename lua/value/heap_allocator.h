@@ -14,7 +14,7 @@ struct HeapAllocator {
 
   explicit HeapAllocator(Heap& owner) noexcept : heap(&owner) {}
   template <class U>
-  HeapAllocator(const HeapAllocator<U>& other) noexcept : heap(other.heap) {}
+  explicit HeapAllocator(const HeapAllocator<U>& other) noexcept : heap(other.heap) {}
 
   T* allocate(std::size_t count) { return static_cast<T*>(heap->allocate(count * sizeof(T))); }
   void deallocate(T* block, std::size_t count) noexcept { Heap::release(block, count * sizeof(T)); }

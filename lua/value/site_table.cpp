@@ -15,12 +15,12 @@ void SiteRange::clear() noexcept {
   table_ = nullptr;
 }
 
-SiteRange SiteTable::add(OwnedValue chunkName, Places places) {
+SiteRange SiteTable::add(const OwnedValue& chunkName, Places&& places) {
   Site first = roomFrom(next_, places.size());
   if (first == 0) first = roomFrom(1, places.size());
   if (first == 0) throw std::bad_alloc();
   const Site last = first + static_cast<Site>(places.size() - 1);
-  chunks_.try_emplace(last, std::move(chunkName), first, std::move(places));
+  chunks_.try_emplace(last, chunkName, first, std::move(places));
   next_ = last == last_ ? 1 : last + 1;
   return {*this, first, last};
 }

@@ -98,7 +98,7 @@ class SiteTable {
   SiteTable& operator=(const SiteTable&) = delete;
 
   // Numbers `places`, of which there is one at least. Throws std::bad_alloc.
-  SiteRange add(OwnedValue chunkName, Places places);
+  SiteRange add(const OwnedValue& chunkName, Places&& places);
 
   // Allocates nothing.
   Entry find(Site site) const noexcept;
@@ -107,8 +107,8 @@ class SiteTable {
   friend class SiteRange;
 
   struct Chunk {
-    Chunk(OwnedValue chunkName, Site firstSite, Places chunkPlaces) noexcept
-        : name(std::move(chunkName)), first(firstSite), places(std::move(chunkPlaces)) {}
+    Chunk(const OwnedValue& chunkName, Site firstSite, Places&& chunkPlaces) noexcept
+        : name(chunkName), first(firstSite), places(std::move(chunkPlaces)) {}
 
     OwnedValue name;
     Site first;

@@ -161,7 +161,7 @@ inline void drop(Value value) noexcept {
 
 // Empties a slot before it gives up what the slot held, so that nothing can see a dead object in
 // it.
-inline void clearSlot(Value& slot) noexcept {
+[[gnu::always_inline]] inline void clearSlot(Value& slot) noexcept {
   const Value old = slot;
   slot.tag = kNil;
   drop(old);

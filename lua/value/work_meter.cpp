@@ -37,7 +37,7 @@ std::optional<StopSignal::Reason> WorkMeter::findReasonToStop() const noexcept {
   return std::nullopt;
 }
 
-void WorkMeter::endSlice(Site site) {
+void WorkMeter::endSlice(const Site& site) {
   if (!tryStartSlice()) throw StopSignal{*findReasonToStop(), site};
 }
 

@@ -35,7 +35,7 @@ class WorkMeter {
   void beginRun();
 
   // One step, about to be done at `site`.
-  void step(Site site) {
+  void step(const Site& site) {
     if (--left_ < 0) [[unlikely]]
       endSlice(site);
   }
@@ -72,7 +72,7 @@ class WorkMeter {
   static constexpr std::uint64_t kMostAtOnce = std::uint64_t{1} << 40;
   static constexpr std::int64_t kUnlimited = std::int64_t{1} << 62;
 
-  void endSlice(Site site);
+  void endSlice(const Site& site);
   bool tryStartSlice() noexcept;
   void startSlice() noexcept;
   std::uint64_t countSteps() const noexcept;

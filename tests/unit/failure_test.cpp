@@ -103,7 +103,11 @@ TEST(Failure, NamesTheChunkThatFailed) {
       "function sorted(t)\n  table.sort(t, function(a, b) return a < b end) end";
   run(vm, library, "lib.lua");
   EXPECT_EQ("Script lib.lua:2:17 missing", failureOf(vm, "x = 1\n\n\ncheck()", "main.lua"));
-  EXPECT_EQ("error main.lua:2: missing", run(vm, "x = 1\n\n\ncheck()", "main.lua"));
+  const LuaResult result = vm.runScriptString("x = 1\n\n\ncheck()", "main.lua");
+  EXPECT_EQ("main.lua:2: missing", result.error);
+  EXPECT_EQ("lib.lua:2: missing", result.detail->toString());
+  EXPECT_EQ("lib.lua:2:1: expected expression",
+            vm.runScriptString("\n)", "lib.lua").detail->toString());
   EXPECT_EQ("Script lib.lua:6:41 ordered comparisons require matching numbers or strings",
             failureOf(vm, "sorted({1, {}})", "main.lua"));
   EXPECT_EQ("Script main.lua:1:8 missing", failureOf(vm, "return error('missing')", "main.lua"));

@@ -63,6 +63,7 @@ std::string nameOf(Function function) {
       {std::regex(R"(tarvel::lua::internal::|\(anonymous namespace\)::)"), ""},
       {std::regex(R"(\(Node const\*, Value\*\)|\bValue |\bbool |::Execute|::run|[&()])"), ""},
       {std::regex(R"((\d)u\b)"), "$1"},
+      {std::regex(R"(<Unsupervised>|Unsupervised, )"), ""},
       {std::regex("> >"), ">>"},
       {std::regex(R"((Left|Right)(Tried<try(\w+)>|(Frame|Other)))"), "$3$4"},
   };

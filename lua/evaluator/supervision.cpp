@@ -1,0 +1,16 @@
+#include "lua/evaluator/supervision.h"
+
+#include "lua/frontend/syntax_tree.h"
+#include "lua/lua_vm_impl.h"
+
+namespace tarvel::lua::internal {
+
+void noteScriptCall(const FunctionExpr& body, const Value* frame, Site site) noexcept {
+  noteNativeCall(*body.interpreter, frame, site);
+}
+
+void noteNativeCall(LuaVM::Impl& interpreter, const Value* frame, Site site) noexcept {
+  interpreter.trace.note(*frame[0].function, site);
+}
+
+}  // namespace tarvel::lua::internal

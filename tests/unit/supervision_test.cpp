@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+#include <tarvel/lua/lua_vm.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <stop_token>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "lua/value/heap.h"
+#include "tests/unit/script_outcome.h"
+#include "tests/unit/value_support.h"
+
+// Supervised interpreters: what counts as a step, how runs end that do too much, and what is known
+// of the calls that an error passed through.
+
+namespace tarvel::lua {
+namespace {
+
+using internal::Heap;
+
+LuaOptions supervised(const LuaLimits& limits = {}) {
+  LuaOptions options;
+  options.supervised = true;
+  options.limits = limits;
+  return options;
+}
+
+LuaLimits steps(std::uint64_t count) {
+  LuaLimits limits;
+  limits.steps = count;
+  return limits;
+}
+
+LuaValue evaluate(LuaVM& vm, const std::vector<LuaValue>& arguments) {
+  const LuaResult result = vm.runScriptString(arguments.at(0).toString(), "inner");
+  return result.ok ? result.value : LuaValue(result.detail->toString());
+}
+
+// What ended a run: the name of the kind, or nothing.
+std::string runWithin(LuaVM& vm, const std::string& source, const LuaLimits& limits) {
+  vm.setLimits(limits);
+  const LuaResult result = vm.runScriptString(source, "c");
+  if (result.ok) return "";
+  switch (result.detail->kind) {
+    case LuaError::Kind::Steps:
+      return "Steps";
+    case LuaError::Kind::Time:
+      return "Time";
+    case LuaError::Kind::Stopped:
+      return "Stopped";
+    default:
+      return result.error;
+  }
+}
+
+std::string traceOf(const LuaResult& result) {
+  if (result.detail == nullptr) return "no failure";
+  LuaError error;
+  error.trace = result.detail->trace;
+  return error.toString();
+}
+
+struct Counted {
+  const char* source;
+  std::uint64_t steps;
+};
+
+// The chunk itself is a call.
+constexpr Counted kCounted[] = {
+    {"", 1},
+    {"return (1 + 2) * 3, 'a' .. 1, {}, #'x'", 1},
+    // Rounds of loops; the test that ends a loop is none.
+    {"local n = 0 while n < 5 do n = n + 1 end", 6},
+    {"while true do break end", 2},
+    {"for i = 1, 10 do end for i = 10, 1, -3 do end for i = 1, 0 do end", 15},
+    {"for i = 1, 9223372036854775807, 9223372036854775806 do end", 3},
+    {"for i = 0.5, 3 do end for i = 3, 0.5, -1 do end for i = 1, 0.5 do end", 7},
+    {"for i = 1, 3 do for j = 1, 2 do end end", 10},
+    {"for k in pairs({1, x = 2}) do end for i in ipairs({5, 6, 7}) do end", 8},
+    {"for i = 1, 600 do end", 601},
+    // Every form of a call.
+    {"function f(a, b) end f() f(1) f(1, 2) f(1, 2, 3) f(1, 2, 3, 4) f(1, 2, 3, 4, 5)", 7},
+    {"function f() return 1, 2 end f(f()) local x, y = f(), f() return f(), {f(), f()}", 8},
+    {"local function f(a, b) end f() f(1) f(1, 2) local function g() f(1, 2) end g()", 6},
+    {"local f f = function(n) if n > 0 then f(n - 1) end end f(3)", 5},
+    {"local function f(n) if n > 0 then return f(n - 1) end end f(3) f(0)", 6},
+    {"local t = {f = function() end} t.f() t['f'](1) t:f() t:f(1, 2) t:f(1, 2, 3, 4, 5)", 6},
+    {"(function() end)() if type(nil) then end if not type(1) then end return -#type('')", 5},
+    {"return ('x'):rep(2), math.floor(1.5), tostring(nil)", 4},
+    // Calls from native functions.
+    {"pcall(error) pcall(pcall, error, 'x') pcall(type, 1)", 8},
+    {"return pcall(nil)", 2},
+};
+
+TEST(Supervision, EveryCallAndEveryRoundIsAStep) {
+  for (const Counted& counted : kCounted) {
+    LuaVM vm(supervised());
+    ASSERT_EQ("", vm.runScriptString(counted.source, "c").error);
+    EXPECT_EQ(counted.steps, vm.usage().steps) << counted.source;
+    // So many are enough, one less is not.
+    EXPECT_EQ("", runWithin(vm, counted.source, steps(counted.steps))) << counted.source;
+    if (counted.steps == 1) continue;
+    EXPECT_EQ("Steps", runWithin(vm, counted.source, steps(counted.steps - 1))) << counted.source;
+    EXPECT_EQ(counted.steps - 1, vm.usage().steps) << counted.source;
+  }
+  LuaVM unsupervised;
+  run(unsupervised, kBusyScript);
+  EXPECT_EQ(0U, unsupervised.usage().steps);
+}
+
+TEST(Supervision, ARunEndsExactlyWhereItsStepsAreUsedUp) {
+  LuaVM vm(supervised(steps(1000)));
+  std::int64_t rounds = 0;
+  vm.bindFunction("count", [&](LuaVM&, const Arguments&) { return LuaValue(++rounds); });
+  for (const char* loop : {"while true do count() end", "for i = 1, 1000000000 do count() end",
+                           "function f() count() f() end f()"}) {
+    rounds = 0;
+    EXPECT_EQ(LuaError::Kind::Steps, vm.runScriptString(loop, "c").detail->kind);
+    EXPECT_EQ(499, rounds) << loop;
+  }
+}
+
+// ---- Scripts without an end ---------------------------------------------------------------------
+
+constexpr const char* kEndless[] = {
+    "while true do end",
+    "for i = 1, 1000000000000000000 do end",
+    "for i = 1, 9223372036854775807 do local t = {i} end",
+    "for i = 1, 2, 0.00000000000000000001 do end",
+    "while true do pcall(error) end",
+    "while true do for k, v in pairs({1, 2}) do local s = 'a' .. k end end",
+    "local function f() pcall(f) pcall(f) return f() end f()",
+    "function f(t) pcall(f, {t}) pcall(f, {t}) end f()",
+    "o = {} function o:m(x) pcall(o.m, o, {x}) return self:m({x}) end while true do pcall(o.m, o) "
+    "end",
+    "while true do table.sort({3, 1, 2}, function(a, b) while a do local t = {b} end end) end",
+    "while true do pcall(table.sort, {3, 1, 2}, function(a, b) return pcall(error, {a, b}) end) "
+    "end",
+    "while true do local t = evaluate([[local u = {'a' .. 1} while u do end]]) end",
+    "while true do pcall(evaluate, [[while true do evaluate('while true do end') end]]) end",
+    "local function f() return evaluate('return 1'), pcall(f), f() end while true do pcall(f) end",
+};
+
+void expectEnd(const LuaLimits& limits, const char* kind) {
+  for (const char* source : kEndless) {
+    const std::size_t liveBefore = Heap::liveBlocks();
+    {
+      LuaVM vm(supervised());
+      vm.bindFunction("evaluate", evaluate);
+      EXPECT_EQ(kind, runWithin(vm, source, limits)) << source;
+      vm.setLimits({});
+      EXPECT_EQ(kBusyOutcome, run(vm, kBusyScript)) << source;
+    }
+    EXPECT_EQ(liveBefore, Heap::liveBlocks()) << source;
+  }
+}
+
+TEST(Supervision, StepsEndWhatHasNoEnd) { expectEnd(steps(20000), "Steps"); }
+
+TEST(Supervision, TimeEndsWhatHasNoEnd) {
+  LuaLimits limits;
+  limits.time = std::chrono::milliseconds(5);
+  expectEnd(limits, "Time");
+}
+
+TEST(Supervision, AnotherThreadEndsWhatHasNoEnd) {
+  for (const char* source : kEndless) {
+    LuaVM vm(supervised());
+    vm.bindFunction("evaluate", evaluate);
+    std::stop_source request;
+    bool isRunning = false;
+    vm.bindFunction("started",
+                    [&](LuaVM&, const Arguments&) { return LuaValue(isRunning = true); });
+    LuaLimits limits;
+    limits.stop = request.get_token();
+    const std::jthread stopper([&] { request.request_stop(); });
+    EXPECT_EQ("Stopped", runWithin(vm, source, limits)) << source;
+    EXPECT_EQ("Stopped", runWithin(vm, "started()", limits)) << "a run that begins too late";
+    EXPECT_FALSE(isRunning);
+  }
+}
+
+// ---- Nested runs --------------------------------------------------------------------------------
+
+TEST(Supervision, NestedRunsShareTheLimitsOfTheOutermost) {
+  LuaVM vm(supervised());
+  vm.bindFunction("evaluate", evaluate);
+  // What a nested run uses is gone, also where it was begun by a destructor.
+  const std::string nested = "for i = 1, 3 do evaluate('for i = 1, 10 do end') end";
+  EXPECT_EQ("", runWithin(vm, nested, steps(40)));
+  EXPECT_EQ("Steps", runWithin(vm, nested, steps(39)));
+  auto ended = std::shared_ptr<void>(nullptr, [&](void*) { vm.runScriptString("a() a()", "end"); });
+  vm.bindFunction("held",
+                  [ended = std::move(ended)](LuaVM&, const Arguments&) { return LuaValue(); });
+  EXPECT_EQ("", runWithin(vm, "function a() end held = nil", steps(4)));
+  EXPECT_EQ(4U, vm.usage().steps);
+}
+
+TEST(Supervision, NobodySwallowsTheEnd) {
+  LuaVM vm(supervised());
+  std::string after;
+  vm.bindFunction("evaluate", evaluate);
+  vm.bindFunction("note", [&](LuaVM&, const Arguments& arguments) {
+    after += arguments.at(0).toString();
+    return LuaValue();
+  });
+  const std::string endless = "evaluate('while true do end')";
+  for (const std::string before :
+       {"evaluate(endless)", "pcall(evaluate, endless)",
+        "table.sort({2, 1}, function() return evaluate(endless) end)",
+        "pcall(pcall, function() for k in pairs({evaluate(endless)}) do error(k) end end)"}) {
+    const std::string source = "local endless = 'while true do end' " + before + " note(1)";
+    EXPECT_EQ("Steps", runWithin(vm, source, steps(1000)));
+    EXPECT_EQ("", after);
+  }
+}
+
+// ---- Traces -------------------------------------------------------------------------------------
+
+struct Traced {
+  const char* source;
+  const char* trace;
+};
+
+constexpr Traced kTraced[] = {
+    {"error('x')", "\n  in error\n  in <chunk> (c:1)"},
+    {"local t = {}\nt.x.y = 1", "\n  in <chunk> (c:2)"},
+    {"Account = {}\nfunction Account:deposit(n)\n  self.sum = self.sum + n\nend\n"
+     "local function total(a)\n  return (a:deposit(1))\nend\nlocal t = {\n  total(Account)}",
+     "\n  in Account:deposit (c:3)\n  in total (c:6)\n  in <chunk> (c:9)"},
+    {"local function f(n)\n  if n == 0 then\n    error('x') end\n  return f(n - 1)\nend\nf(2)",
+     "\n  in error\n  in f (c:3)\n  in f (c:4)\n  in f (c:4)\n  in <chunk> (c:6)"},
+    {"local f = function() end\nfunction g(a, b, c, d, e)\n  return nil + e\nend\n"
+     "return g(1, 2, 3, 4,\n 5)",
+     "\n  in g (c:3)\n  in <chunk> (c:5)"},
+    {"table.sort({2, 1},\n  function(a, b)\n    return a.x\n  end)",
+     "\n  in <anonymous> (c:3)\n  in sort\n  in <chunk> (c:1)"},
+    // What was caught left no trace.
+    {"pcall(function() error('x') end)\npcall(pcall, nil)\nlocal x = {} + 1",
+     "\n  in <chunk> (c:3)"},
+    {"pcall(evaluate, 'error(1)') evaluate('error(2)')\nerror('x')",
+     "\n  in error\n  in <chunk> (c:2)"},
+    {"function f()\n  f()\n  return 1\nend\nlocal ok = pcall(f)\nfail(\nevaluate('return 1'))",
+     "\n  in fail\n  in <chunk> (c:6)"},
+};
+
+TEST(Supervision, TracesSayWhichCallsAnErrorPassedThrough) {
+  for (const Traced& traced : kTraced) {
+    LuaVM vm(supervised());
+    vm.bindFunction("evaluate", evaluate);
+    vm.bindFunction("fail", [](LuaVM&, const Arguments&) -> LuaValue { throw std::bad_alloc(); });
+    EXPECT_EQ(traced.trace, traceOf(vm.runScriptString(traced.source, "c"))) << traced.source;
+  }
+  // At most 32 calls, the innermost; of a nested run its own.
+  LuaVM vm(supervised(steps(1000)));
+  EXPECT_EQ(32U, vm.runScriptString("function f() f() end f()", "c").detail->trace.size());
+  vm.setLimits({});
+  vm.bindFunction("evaluate", evaluate);
+  EXPECT_EQ("'inner:1: x\n  in error\n  in <chunk> (inner:1)'",
+            run(vm, "function f() return evaluate([[error('x')]]) end return f()"));
+  LuaVM unsupervised;
+  EXPECT_EQ("", traceOf(unsupervised.runScriptString("error('x')", "c")));
+}
+
+}  // namespace
+}  // namespace tarvel::lua
