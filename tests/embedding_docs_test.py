@@ -74,6 +74,7 @@ def check_output(program):
     if run.returncode != 0 or len(printed) != len(functions):
         failures += 1
         print(f"status {run.returncode} after {len(printed)} of {len(functions)} blocks")
+    print(f"{len(functions)} blocks that run, {failures} failed")
     return 1 if failures or not functions else 0
 
 

@@ -29,7 +29,11 @@ void run(const Plugin& plugin, const lua::LuaLimits& limits) {
                  }});
   const lua::LuaResult result = vm.runScriptString(plugin.source, plugin.name);
   std::cout << "== " << plugin.name << '\n' << page;
-  if (!result.ok) std::cout << "-- " << result.detail->toString() << '\n';
+  if (result.ok) return;
+  const lua::LuaError& error = *result.detail;
+  std::cout << "-- " << result.error;
+  if (!error.trace.empty()) std::cout << ", in " << error.trace.front().function;
+  std::cout << '\n';
 }
 
 int main() {
