@@ -8,14 +8,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 #include <memory>
-#include <new>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <utility>
 
+#include "cli/interactive_loop.h"
+#include "cli/reporting.h"
 #include "cli/script_container.h"
 #include "cli/script_files.h"
 #include "lua/program_support.h"
@@ -49,41 +47,6 @@ struct Arguments {
   }
 };
 
-// A line on standard error, in one piece where there is memory for that, so that the lines of
-// programs that share it do not mix.
-void report(std::string_view prefix, std::string_view message) {
-  const auto write = [](std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
-  };
-  try {
-    std::string line;
-    line.reserve(prefix.size() + message.size() + 1);
-    write(line.append(prefix).append(message).append("\n"));
-  } catch (const std::bad_alloc&) {
-    for (const std::string_view part : {prefix, message, std::string_view("\n")}) write(part);
-  }
-}
-
-int fail(std::string_view message) {
-  report("tarvellua: ", message);
-  return 1;
-}
-
-class FailedRun : public std::runtime_error {
- public:
-  explicit FailedRun(const std::string& text)
-      : std::runtime_error("TarvelLua execution failed"), message(text) {}
-
-  std::string message;  // the run's; may be empty, or contain zero bytes
-};
-
-std::string_view messageOf(const std::exception& error) {
-  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return "not enough memory";
-  const auto* const failedRun = dynamic_cast<const FailedRun*>(&error);
-  if (failedRun != nullptr && !failedRun->message.empty()) return failedRun->message;
-  return error.what();
-}
-
 // ---- The run modes; each returns the exit status or throws --------------------------------------
 
 int printUsage(const char* program) {
@@ -107,9 +70,11 @@ LuaValue buildArgTable(const std::string& scriptName, Arguments arguments, int f
   return LuaValue(std::move(table));
 }
 
-// The exit status of a finished run. Throws with the message of a failed one.
-int requireOk(const LuaResult& result) {
-  if (!result.ok) throw FailedRun(result.error);
+// The exit status of a finished run of `source`. Throws FailedRun for a failed one.
+int requireOk(const LuaResult& result, const std::string& source) {
+  if (!result.ok) {
+    throw FailedRun(result.error, result.detail ? helpFor(*result.detail, source) : std::string());
+  }
   return result.exitRequested ? result.exitCode & kStatusMask : 0;
 }
 
@@ -117,14 +82,18 @@ int runScript(LuaVM& vm, Arguments arguments) {
   const std::string path = arguments.at(1);
   vm.setGlobal("arg", buildArgTable(path, arguments, 2));
   const std::string source = readScriptFile(path, "unable to open script file: ");
-  return requireOk(vm.runScriptString(source, path));
+  return requireOk(vm.runScriptString(source, path), source);
 }
 
 // Nothing is written unless the script is a valid chunk.
-int compileScript(Arguments arguments) {
+int compileScript(LuaVM& vm, Arguments arguments) {
   const std::string path = arguments.at(2);
   const ScriptContainer container{path, readScriptFile(path, "failed to open file: ")};
-  checkScript(container.source, container.chunkName);
+  try {
+    vm.load(container.source, container.chunkName).value();
+  } catch (const LuaException& rejection) {
+    throw FailedRun(rejection.what(), helpFor(rejection.error(), container.source));
+  }
   writeContainerFile(arguments.at(3), buildContainer(container));
   return 0;
 }
@@ -133,22 +102,7 @@ int runContainer(LuaVM& vm, Arguments arguments) {
   const std::string path = arguments.at(2);
   vm.setGlobal("arg", buildArgTable(path, arguments, 3));
   const ScriptContainer container = parseContainer(readContainerFile(path));
-  return requireOk(vm.runScriptString(container.source, container.chunkName));
-}
-
-// Deliberate: os.exit ends only the line that calls it; `exit` and `quit` end the loop.
-int runInteractively(LuaVM& vm) {
-  for (std::string line;;) {
-    std::fputs("lua> ", stdout);
-    std::fflush(stdout);
-    if (!readScriptLine(std::cin, line) || line == "exit" || line == "quit") return 0;
-    if (line.empty()) continue;
-    try {
-      requireOk(vm.runScriptString(line, "<repl>"));
-    } catch (const std::exception& error) {
-      report("", messageOf(error));
-    }
-  }
+  return requireOk(vm.runScriptString(container.source, container.chunkName), container.source);
 }
 
 int dispatch(LuaVM& vm, Arguments arguments) {
@@ -156,7 +110,7 @@ int dispatch(LuaVM& vm, Arguments arguments) {
   const std::string mode = arguments.at(1);
   if (mode == "--repl") return runInteractively(vm);
   if (mode == "--compile") {
-    return arguments.count == 4 ? compileScript(arguments) : printUsage(arguments.values[0]);
+    return arguments.count == 4 ? compileScript(vm, arguments) : printUsage(arguments.values[0]);
   }
   if (mode == "--run-bytecode") {
     return arguments.count > 2 ? runContainer(vm, arguments) : printUsage(arguments.values[0]);
@@ -166,10 +120,10 @@ int dispatch(LuaVM& vm, Arguments arguments) {
 
 int run(Arguments arguments) {
   try {
-    LuaVM vm;
+    LuaVM vm(LuaOptions{.supervised = traceIsWanted()});
     return dispatch(vm, arguments);
   } catch (const std::exception& error) {
-    return fail(messageOf(error));
+    return fail(error);
   }
 }
 

@@ -15,6 +15,7 @@
 #include "lua/bridge_access.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
+#include "lua/value/completion.h"
 #include "lua/value/errors.h"
 
 // Functions of the host with parameters of their own types, as scripts call them.
@@ -23,7 +24,6 @@ namespace tarvel::lua {
 
 namespace bridge {
 
-using internal::MultiValue;
 using internal::Site;
 using internal::Value;
 using internal::ValueSpan;
@@ -40,12 +40,12 @@ class ResultSink final : public ScriptSink {
       end_ = reinterpret_cast<std::byte*>(first_ + kUsualResults);
   }
 
-  MultiValue take() {
+  // What was put into it, as the completion of a call.
+  Value take() noexcept {
     Value* const end = reinterpret_cast<Value*>(next_);
-    if (end - first_ == 1) return MultiValue(std::exchange(*first_, Value()));
-    MultiValue results;
-    for (Value* value = first_; value != end; ++value) results.push(std::exchange(*value, Value()));
-    return results;
+    if (end - first_ == 1) return std::exchange(*first_, Value());
+    if (end == first_) return internal::ReturnSignal::noValues();
+    return internal::ReturnSignal::severalValues(first_, static_cast<std::uint32_t>(end - first_));
   }
 
  private:
@@ -127,25 +127,48 @@ void callHost(Callable& function, bridge::Arguments& arguments, internal::Site s
 
 }  // namespace
 
-internal::NativeFunction LuaVM::Impl::nativeOf(std::string name,
-                                               std::shared_ptr<Callable> function) {
-  return [name = std::move(name), function = std::move(function)](
-             LuaVM& vm, internal::ValueSpan values, Site site) {
-    Impl& interpreter = Impl::of(vm);
+namespace {
+
+struct BoundCode final : internal::NativeCode {
+  BoundCode(internal::Heap& heap, std::string fullName, std::shared_ptr<Callable> hostFunction)
+      : NativeCode(heap, {}), name(std::move(fullName)), callable(std::move(hostFunction)) {
+    direct = callBound;
+  }
+
+  static internal::Value callBound(LuaVM::Impl& interpreter, internal::Value* frame,
+                                   std::uint32_t count, internal::Site site) {
+    const auto& code = *static_cast<const BoundCode*>(frame[0].function->code);
     bridge::ResultSink results(interpreter);
-    bridge::Arguments arguments =
-        bridge::ArgumentsAccess::make(interpreter, values, results, name, site);
-    callHost(*function, arguments, site);
+    bridge::Arguments arguments = bridge::ArgumentsAccess::make(
+        interpreter, internal::ValueSpan(frame + 1, count), results, code.name, site);
+    callHost(*code.callable, arguments, site);
     return results.take();
-  };
+  }
+
+  const std::string name;  // as messages show it
+  std::shared_ptr<Callable> callable;
+
+ private:
+  void close() noexcept override {
+    const std::shared_ptr<Callable> closed = std::exchange(callable, nullptr);
+  }
+};
+
+}  // namespace
+
+internal::Value LuaVM::Impl::makeBound(std::string_view name, std::string fullName,
+                                       std::shared_ptr<Callable> function) {
+  internal::OwnedValue interned{Value(strings.intern(name))};
+  auto code = std::make_unique<BoundCode>(heap, std::move(fullName), std::move(function));
+  return Value(
+      internal::FunctionObject::createNative(heap, interned.take().string, std::move(code)));
 }
 
 void LuaVM::bindCallable(std::string_view name, std::shared_ptr<Callable> function) {
   const internal::InterpreterInUse use(*impl_);
   const internal::HostStackScope hostStack;
   const std::string_view lastName = name.substr(name.rfind('.') + 1);
-  impl_->storeByPath(
-      name, impl_->makeNative(lastName, impl_->nativeOf(std::string(name), std::move(function))));
+  impl_->storeByPath(name, impl_->makeBound(lastName, std::string(name), std::move(function)));
 }
 
 // ---- Names with points --------------------------------------------------------------------------

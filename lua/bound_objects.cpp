@@ -53,22 +53,34 @@ void ScriptSink::object(const void* classKey, std::shared_ptr<void> value) {
                                                : internal::wrapObject(interpreter, *type, value)));
 }
 
+namespace {
+
+// A function of a class, owned; messages and traces show "World:spawn".
+internal::OwnedValue makeMember(LuaVM::Impl& interpreter, const std::string& name,
+                                std::shared_ptr<Callable> function) {
+  if (function == nullptr) return internal::OwnedValue();
+  return internal::OwnedValue(interpreter.makeBound(name, name, std::move(function)));
+}
+
+}  // namespace
+
 void addMethod(LuaVM& vm, ClassInInterpreter* type, std::string_view name,
                std::shared_ptr<Callable> function) {
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   NativeClass& owner = classOf(type);
-  internal::addMethod(
-      LuaVM::Impl::of(vm), owner, name,
-      LuaVM::Impl::nativeOf((owner.name() + ":").append(name), std::move(function)));
+  const internal::OwnedValue key(Value(interpreter.strings.intern(name)));
+  const std::string fullName = (owner.name() + ":").append(name);
+  owner.setMethod(key.get().string, makeMember(interpreter, fullName, std::move(function)));
 }
 
 void addProperty(LuaVM& vm, ClassInInterpreter* type, std::string_view name,
                  std::shared_ptr<Callable> getter, std::shared_ptr<Callable> setter) {
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   NativeClass& owner = classOf(type);
+  const internal::OwnedValue key(Value(interpreter.strings.intern(name)));
   const std::string fullName = (owner.name() + ".").append(name);
-  internal::addProperty(LuaVM::Impl::of(vm), owner, name,
-                        LuaVM::Impl::nativeOf(fullName, std::move(getter)),
-                        setter == nullptr ? internal::NativeFunction()
-                                          : LuaVM::Impl::nativeOf(fullName, std::move(setter)));
+  owner.setProperty(key.get().string, {makeMember(interpreter, fullName, std::move(getter)),
+                                       makeMember(interpreter, fullName, std::move(setter))});
 }
 
 }  // namespace bridge

@@ -110,9 +110,9 @@ class LuaVM::Impl {
   // Stores an owned value there, making the tables that are missing. Throws std::runtime_error
   // where a part of the path but the last is no table.
   void storeByPath(std::string_view path, Value owned);
-  // A function of the host's under the name that messages show.
-  static internal::NativeFunction nativeOf(std::string name,
-                                           std::shared_ptr<bridge::Callable> function);
+  // A function of the host's, owned; messages show its full name.
+  Value makeBound(std::string_view name, std::string fullName,
+                  std::shared_ptr<bridge::Callable> function);
   // What a run or a call returned, as LuaResult::value has it.
   LuaValue resultsToPublic(internal::ValueSpan results) const;
   // Throws std::runtime_error when the interpreter has ended.

@@ -1,15 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 
 // What our own program needs of the library beyond the public header.
 
 namespace tarvel::lua {
-
-// Parses `source` as a chunk without running any of it; `chunkName` only labels messages. Throws
-// std::runtime_error "chunkName:line:column: message" when it is no valid chunk.
-void checkScript(const std::string& source, const std::string& chunkName);
 
 // Whether a script left a file open whose text could not be stored in the end.
 bool fileTextWasLost() noexcept;

@@ -12,6 +12,7 @@
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
 #include "lua/value/memory_charge.h"
+#include "lua/value/metered_work.h"
 
 // How public values print.
 
@@ -203,8 +204,8 @@ void LuaVM::Impl::printValues(ValueSpan values, Site site,
   if (!isPlain) copies = valuesToPublic(values, memory, site);
   const ScriptOutput script{heap.meter(), site, write};
   PublicPrinter printer(&script);
+  heap.meter().spend(values.size() / internal::kElementsPerStep, site);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    heap.meter().step(site);
     if (i > 0) printer.append("\t");
     if (printer.printDirectly(values[i])) continue;
     printer.flush();

@@ -111,7 +111,8 @@ class ToPublic {
     memory_.add(values.size() * sizeof(LuaValue));
     std::vector<LuaValue> copies;
     copies.reserve(values.size());
-    writeInPieces(values.size(), [&](std::size_t i) { copies.push_back(write(values[i])); });
+    heap_.meter().spend(values.size() / internal::kElementsPerStep, site_);
+    for (const Value& value : values) copies.push_back(write(value));
     return copies;
   }
 

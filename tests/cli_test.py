@@ -202,6 +202,70 @@ class StandardOutputTest(ProgramTest):
         self.assertEqual(os.read(controller, 100), b"done\r\n")
 
 
+class HelpTest(ProgramTest):
+    """What follows the message of a failed script: a trace where it is asked for, a hint on a terminal."""
+
+    SCRIPT = "function total(list)\n  return list.sum + 1\nend\nprint(total({sum = math.pi}))\n"
+    MESSAGE = "operator '+' expects numbers"
+    HINT = "hint: 'list.sum' is no number here; a string needs tonumber(s)\n"
+
+    def on_terminal(self, *arguments, stdin=b""):
+        """What the program writes to standard error where that is a terminal."""
+        try:
+            controller, terminal = pty.openpty()
+        except OSError as error:
+            self.skipTest(f"no terminal to be had: {error}")
+        self.addCleanup(os.close, controller)
+        subprocess.run(
+            [options.program, *arguments], input=stdin, stdout=subprocess.DEVNULL, stderr=terminal, timeout=SECONDS
+        )
+        os.write(terminal, b"end")
+        os.close(terminal)
+        written = b""
+        while not written.endswith(b"end"):
+            written += os.read(controller, 1000)
+        return run_scripts.decode(written).removesuffix("end").replace("\r\n", "\n")
+
+    def test_hints_on_a_terminal_only(self):
+        script, out = self.write("script.lua", self.SCRIPT), self.path("out")
+        message = self.failure(2, self.MESSAGE)
+        self.check(script, status=1, stderr=message)
+        self.assertEqual(self.on_terminal(script), message + self.HINT)
+        self.check("--compile", script, out)
+        self.check("--run-bytecode", out, status=1, stderr=message)
+        self.assertEqual(self.on_terminal("--run-bytecode", out), message + self.HINT)
+        self.assertEqual(self.on_terminal(self.write("script.lua", "error('x')")), self.failure(1, "x"))
+        script, message = self.write("script.lua", "print 'x'"), self.failure("1:7", "expected function call")
+        self.check("--compile", script, out, status=1, stderr=message)
+        hint = 'hint: a call needs parentheses: print("x")\n'
+        self.assertEqual(self.on_terminal("--compile", script, out), message + hint)
+        # What is no failure of a script has no hint.
+        missing = self.path("missing")
+        self.assertEqual(self.on_terminal(missing), f"tarvellua: unable to open script file: {missing}\n")
+
+    def test_hints_on_lines(self):
+        lines = (
+            b"x = = 1\nfunction f(t) return t.list[1] end\n  t = {}\nf(t)\nt.list.n = 2\nlocal u = {}\nu.n = 1\n"
+            b"x = 2 ^ 3\nprint(io.stdout)\n"
+        )
+        stderr = (
+            "<repl>:1:5: expected expression\n"
+            "<repl>:1: attempt to index a nil value\n"
+            "hint: 't' or 't.list' is nil here\n"
+            "<repl>:1: attempt to assign into a nil value\n"
+            "hint: 't.list' is nil here\n"
+            "<repl>:1: attempt to assign into a nil value\n"
+            "hint: 'u' is nil here\n"
+            "<repl>:1:7: unexpected character '^'\n"
+            "hint: there is no operator ^: write x * x\n"
+            "value cannot be bridged out of TarvelLua\n"
+            "hint: print and return take no files, no iterators and no tables that contain themselves\n"
+        )
+        self.assertEqual(self.on_terminal("--repl", stdin=lines), stderr)
+        plain = "".join(line + "\n" for line in stderr.splitlines() if not line.startswith("hint: "))
+        self.check("--repl", stdin=lines, stdout="lua> " * 10, stderr=plain)
+
+
 class FilesTest(ProgramTest):
     def test_what_a_run_leaves_in_its_files(self):
         keep = 'f = io.open(arg[1], "w") f:write("text") '

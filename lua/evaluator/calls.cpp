@@ -85,7 +85,8 @@ Value settleResults(ValueStack& stack, Value* frame, MultiValue&& results, Site 
 template <class Supervision>
 Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
   const auto* const code = static_cast<const NativeCode*>(frame[0].function->code);
-  if (!code->function) failRuntime(site, "attempt to call an empty function");
+  if (code->direct == nullptr && !code->function)
+    failRuntime(site, "attempt to call an empty function");
   ValueStack& stack = interpreter.stack;
   Value* const end = frame + 1 + count;
   if (!stack.hasRoom(end, stack_cost::kNativeCall) && !stack.makeRoom(end, stack_cost::kNativeCall))
@@ -95,6 +96,13 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Si
   Value* const outerTop = stack.top();
   stack.setTop(end);
   typename Supervision::NativeCall call(interpreter, frame, site);
+  if (code->direct != nullptr) {
+    const Value completion = code->direct(interpreter, frame, count, site);
+    call.returned();
+    stack.setTop(outerTop);
+    clearSlots(frame, end);
+    return ReturnSignal::isSeveral(completion) ? settleSeveral(frame, completion) : completion;
+  }
   MultiValue results = code->function(interpreter.self, ValueSpan(frame + 1, count), site);
   call.returned();
   stack.setTop(outerTop);

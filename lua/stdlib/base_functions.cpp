@@ -36,7 +36,7 @@ namespace {
 
 // In bytes. The C library's conversions cannot be interrupted, so a supervised interpreter gives
 // them no more than they read in some milliseconds.
-constexpr std::size_t kLongestNumber = std::size_t{1} << 20;
+constexpr std::size_t kLongestNumber = std::size_t{256} << 10;
 // A byte of a number takes as long as so many bytes that are copied.
 constexpr std::size_t kConversionsOfNumber = 16;
 

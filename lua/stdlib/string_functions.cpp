@@ -111,7 +111,7 @@ MultiValue stringFormat(LuaVM& vm, ValueSpan args, Site site) {
   TextBuilder out(heap, rest.size() + args.size() * kUsualArgumentLength, site);
   for (std::size_t next = 1;; heap.meter().step(site)) {
     const char* const end = rest.data() + rest.size();
-    const char* const percent = findByteInPieces(heap.meter(), rest.data(), end, '%', site);
+    const char* const percent = findByte(heap.meter(), rest.data(), end, '%', site);
     const auto before = static_cast<std::size_t>(percent - rest.data());
     out.append(rest.substr(0, before));
     if (percent == end) return MultiValue(out.take());

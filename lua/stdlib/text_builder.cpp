@@ -33,17 +33,22 @@ TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, Site site)
 }
 
 void TextBuilder::append(std::string_view bytes) {
+  makeRoom(bytes.size());
+  if (bytes.size() >= kBytesPerStep) return appendLong(bytes);
+  text_.string->append(bytes);
+}
+
+void TextBuilder::makeRoom(std::size_t bytes) {
   try {
-    text_.string = StringObject::reserveInPlace(heap_, text_.string, bytes.size());
+    text_.string = StringObject::reserveInPlace(heap_, text_.string, bytes);
   } catch (const std::bad_alloc&) {
     failNotEnoughMemory(site_);
   }
-  if (bytes.size() < kBytesPerStep) {
-    text_.string->append(bytes);
-  } else {
-    inPieces(heap_.meter(), bytes, site_,
-             [this](std::string_view piece) { text_.string->append(piece); });
-  }
+}
+
+void TextBuilder::appendLong(std::string_view bytes) {
+  inPieces(heap_.meter(), bytes, site_,
+           [this](std::string_view piece) { text_.string->append(piece); });
 }
 
 void TextBuilder::append(const Value& value) {

@@ -49,6 +49,9 @@ class TextBuilder {
   Value take() noexcept;
 
  private:
+  void makeRoom(std::size_t bytes);
+  [[gnu::noinline]] void appendLong(std::string_view bytes);
+
   Heap& heap_;
   Site site_;
   Value text_;

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <utility>
 
 #include "lua/value/errors.h"
 #include "lua/value/heap_resource.h"
@@ -33,11 +35,17 @@ struct FunctionCode : HeapResource {
   }
 };
 
-struct NativeCode final : FunctionCode {
+struct NativeCode : FunctionCode {
+  // Calls the function in frame[0] with the `count` values behind it, which stay where they are.
+  // Returns a completion (completion.h); several results stand behind the arguments.
+  using DirectCall = Value (*)(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
+                               Site site);
+
   NativeCode(Heap& heap, NativeFunction nativeFunction) noexcept
       : FunctionCode(heap), function(std::move(nativeFunction)) {}
 
-  NativeFunction function;  // may be empty; calling it is then a script error
+  NativeFunction function;      // may be empty; calling it is then a script error
+  DirectCall direct = nullptr;  // instead of `function`
 
  private:
   void close() noexcept override { const NativeFunction closed = std::exchange(function, nullptr); }
@@ -63,6 +71,8 @@ struct FunctionObject : Object {
                                        std::uint64_t captureCount);
   static FunctionObject* createNative(Heap& heap, StringObject* nativeName,
                                       NativeFunction function);
+  static FunctionObject* createNative(Heap& heap, StringObject* nativeName,
+                                      std::unique_ptr<NativeCode> code);
 
   bool isNative() const noexcept { return body == nullptr; }
   static std::size_t blockBytes(std::uint64_t captureCount) noexcept {

@@ -124,6 +124,7 @@ Heap& Heap::of(const void* block) noexcept { return ofLarge(block); }
 #endif
 
 void* Heap::allocateLarge(std::size_t bytes) {
+  noteLarge(bytes);
   charge(LargeBlock::cost(bytes));
   LargeBlock* const block = resizeLarge(nullptr, bytes);
   if (block == nullptr) {
@@ -135,6 +136,12 @@ void* Heap::allocateLarge(std::size_t bytes) {
   large_ = block;
   countAllocation();
   return block + 1;
+}
+
+// Whoever asks for so much room fills it, which takes longer than a step. Small blocks are left to
+// those who ask for them, as checked builds do not tell them from large ones.
+void Heap::noteLarge(std::size_t bytes) noexcept {
+  if (bytes > kSmallLimit) meter_.note(stepsForBytes(bytes));
 }
 
 // Null when the system refuses, also once it has got free slabs back. A null block makes a new one.
@@ -163,6 +170,7 @@ void* Heap::reallocate(void* block, std::size_t oldBytes, std::size_t newBytes) 
     release(block, oldBytes);
     return moved;
   }
+  noteLarge(newBytes);
   charge(newBytes - oldBytes);
   LargeBlock* const header = resizeLarge(static_cast<LargeBlock*>(block) - 1, newBytes);
   if (header == nullptr) {

@@ -129,6 +129,7 @@ class Heap {
   bool addRegion() noexcept;
   static Heap& ofLarge(const void* block) noexcept;
   void* allocateLarge(std::size_t bytes);
+  void noteLarge(std::size_t bytes) noexcept;
   LargeBlock* resizeLarge(LargeBlock* block, std::size_t bytes) noexcept;
   static void releaseLarge(void* block, std::size_t bytes) noexcept;
   bool tryCharge(std::size_t bytes) noexcept;

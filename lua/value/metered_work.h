@@ -39,12 +39,11 @@ void inPieces(WorkMeter& meter, std::string_view text, Site site, const Work& wo
            [&](std::size_t offset, std::size_t count) { work(text.substr(offset, count)); });
 }
 
-// The address of the first byte in [next, end) for which find(from, to) gives another address than
-// `to`, or `end`. Counts the bytes that were looked at.
+// As find(next, end), which gives the address of the first byte that it looks for, or `end`. Counts
+// the bytes that were looked at; for supervised interpreters only.
 template <class Find>
 const char* findInPieces(WorkMeter& meter, const char* next, const char* end, Site site,
                          const Find& find) {
-  if (!meter.isSupervised()) return find(next, end);
   constexpr auto kMost = static_cast<std::ptrdiff_t>(kBytesPerStep * kStepsPerPiece);
   while (next != end) {
     const char* const pieceEnd = next + std::min(kMost, end - next);
@@ -57,11 +56,16 @@ const char* findInPieces(WorkMeter& meter, const char* next, const char* end, Si
 }
 
 // Where `byte` stands first in [next, end), or `end`.
-inline const char* findByteInPieces(WorkMeter& meter, const char* next, const char* end, char byte,
-                                    Site site) {
+inline const char* findByte(const char* next, const char* end, char byte) {
+  const void* const found = std::memchr(next, byte, static_cast<std::size_t>(end - next));
+  return found != nullptr ? static_cast<const char*>(found) : end;
+}
+// The same, counted as work.
+inline const char* findByte(WorkMeter& meter, const char* next, const char* end, char byte,
+                            Site site) {
+  if (!meter.isSupervised()) return findByte(next, end, byte);
   return findInPieces(meter, next, end, site, [byte](const char* from, const char* to) {
-    const void* const found = std::memchr(from, byte, static_cast<std::size_t>(to - from));
-    return found != nullptr ? static_cast<const char*>(found) : to;
+    return findByte(from, to, byte);
   });
 }
 

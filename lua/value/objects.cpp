@@ -35,6 +35,12 @@ FunctionObject* FunctionObject::createNative(Heap& heap, StringObject* nativeNam
                                              NativeFunction callable) {
   OwnedValue name{Value(nativeName)};
   auto code = std::make_unique<NativeCode>(heap, std::move(callable));
+  return createNative(heap, name.take().string, std::move(code));
+}
+
+FunctionObject* FunctionObject::createNative(Heap& heap, StringObject* nativeName,
+                                             std::unique_ptr<NativeCode> code) {
+  OwnedValue name{Value(nativeName)};
   auto* const function = new (heap.allocate(sizeof(FunctionObject))) FunctionObject;
   function->body = nullptr;
   function->code = code.release();

@@ -28,6 +28,7 @@ constexpr std::size_t kSlabBlockBytes = Heap::kSlabBytes - Heap::kGranularity;
 constexpr std::size_t kFirstRegionBytes = std::size_t{1} << 20;
 constexpr std::size_t kSmallestRegionBytes = std::size_t{256} << 10;
 constexpr std::size_t kLargestRegionBytes = std::size_t{64} << 20;
+constexpr std::size_t kReclaimedBytesPerStep = 1024;
 
 std::byte* roundUp(std::byte* address, std::size_t alignment) {
   const auto value = reinterpret_cast<std::uintptr_t>(address);
@@ -60,6 +61,8 @@ struct Heap::Region {
     const std::byte* const end = reinterpret_cast<std::byte*>(this) + bytes;
     return static_cast<std::size_t>(end - unstarted) >= kSlabBytes;
   }
+  // What counts as memory of the interpreter: the system lends pages only when they are used.
+  std::size_t startedBytes() noexcept { return static_cast<std::size_t>(unstarted - firstSlab()); }
   template <class Visit>
   void forEachSlab(Visit visit) {
     for (std::byte* slab = firstSlab(); slab != unstarted; slab += kSlabBytes) {
@@ -112,7 +115,8 @@ bool Heap::startSlab() noexcept {
   if (freeSlabs_ != nullptr) {
     bump_ = reinterpret_cast<std::byte*>(freeSlabs_);
     freeSlabs_ = freeSlabs_->next;
-  } else if ((regions_ != nullptr && regions_->hasRoom()) || addRegion()) {
+  } else if (((regions_ != nullptr && regions_->hasRoom()) || addRegion()) &&
+             tryCharge(kSlabBytes)) {
     new (regions_->unstarted) SlabHeader{this, 0};
     bump_ = regions_->unstarted + kGranularity;
     regions_->unstarted += kSlabBytes;
@@ -141,10 +145,8 @@ bool Heap::addRegion() noexcept {
   void* memory = MAP_FAILED;
   for (;; bytes /= 2) {
     if (bytes < kSmallestRegionBytes) return false;
-    if (!tryCharge(bytes)) continue;
     memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory != MAP_FAILED) break;
-    discharge(bytes);
   }
   regions_ = new (memory) Region{regions_, bytes, nullptr};
   regions_->unstarted = regions_->firstSlab();
@@ -157,6 +159,7 @@ bool Heap::addRegion() noexcept {
 // is proportional to the number of free blocks; so this is done only where an allocation would fail
 // otherwise.
 void Heap::reclaimSlabs() noexcept {
+  meter_.note(chargedBytes_ / kReclaimedBytesPerStep);
   leaveSlab();
   countFreeBytes();
   forgetBlocksOfFreeSlabs();
@@ -197,7 +200,7 @@ void Heap::releaseFreeRegions() noexcept {
     region->forEachSlab([&](SlabHeader& slab) { inUse |= slab.freeBytes != kSlabBlockBytes; });
     if (!inUse) {
       *link = region->next;
-      discharge(region->bytes);
+      discharge(region->startedBytes());
       munmap(region, region->bytes);
       continue;
     }

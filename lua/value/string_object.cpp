@@ -19,6 +19,14 @@ std::uint32_t unitsFor(std::size_t length) {
   return static_cast<std::uint32_t>(units);
 }
 
+// Looking at all of a text is more than a step where it is long. Not for what is in the small blocks
+// of a heap, which short strings are.
+void noteLook(const StringObject* text, std::size_t bytes) noexcept {
+  if (bytes > Heap::kSmallLimit) {
+    Heap::of(text, text->blockBytes()).meter().note(stepsForBytes(bytes));
+  }
+}
+
 }  // namespace
 
 StringObject* StringObject::createUninitialized(Heap& heap, std::size_t length) {
@@ -59,17 +67,22 @@ std::uint32_t StringObject::hashOf(std::string_view bytes) noexcept {
   return hash != 0 ? hash : 1;
 }
 
-std::uint32_t StringObject::computeHash() noexcept { return cachedHash = hashOf(view()); }
+std::uint32_t StringObject::computeHash() noexcept {
+  noteLook(this, length);
+  return cachedHash = hashOf(view());
+}
 
 bool stringsEqual(StringObject* a, StringObject* b) noexcept {
   if (a == b) return true;
   if (a->length != b->length) return false;
   if (a->cachedHash != 0 && b->cachedHash != 0 && a->cachedHash != b->cachedHash) return false;
+  noteLook(a, a->length);
   return std::memcmp(a->data(), b->data(), a->length) == 0;
 }
 
 int compareStrings(const StringObject* a, const StringObject* b) noexcept {
   const std::size_t common = std::min(a->length, b->length);
+  noteLook(a, common);
   if (const int order = std::memcmp(a->data(), b->data(), common); order != 0) return order;
   return a->length < b->length ? -1 : a->length > b->length ? 1 : 0;
 }

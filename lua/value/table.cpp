@@ -185,7 +185,11 @@ void Table::setStringWithHint(StringObject* key, Value owned, std::uint32_t& hin
 // The value under `key` is about to become nil.
 void Table::retreatBorder(std::int64_t key) noexcept {
   if (key >= 1 && key <= static_cast<std::int64_t>(border_))
-    border_ = static_cast<std::uint32_t>(key - 1);
+    retreatBorderTo(static_cast<std::uint32_t>(key - 1));
+}
+
+void Table::noteWalk(std::uint32_t elements) noexcept {
+  heap().meter().note(elements / kWalkedPerStep);
 }
 
 // Returns the number of the entry that holds the value, kNoEntry when a nil needed none.

@@ -122,7 +122,7 @@ class Table : public Object {
   Value findWithHint(StringObject* key, std::uint32_t& hint) const noexcept;
   std::uint32_t findEntry(TableKey key) const noexcept;
   void setElement(std::uint32_t index, Value owned) noexcept {
-    if (owned.isNil() && index < border_) border_ = index;
+    if (owned.isNil() && index < border_) retreatBorderTo(index);
     replaceSlot(array_[index], owned);
   }
   void setBeyondArray(std::int64_t key, Value owned);
@@ -136,11 +136,19 @@ class Table : public Object {
   void migrateEntries(std::uint32_t oldSize) noexcept;
   void extendBorderIntoEntries() noexcept;
   void retreatBorder(std::int64_t key) noexcept;
+  // Counts the way back, which length() goes when the hole is filled again.
+  void retreatBorderTo(std::uint32_t index) noexcept {
+    if (border_ - index > kWalkedPerStep) noteWalk(border_ - index);
+    border_ = index;
+  }
+  [[gnu::noinline]] void noteWalk(std::uint32_t elements) noexcept;
   void rebuildEntries(std::uint32_t capacity);
   void indexEntry(std::uint32_t number) noexcept;
   std::uint32_t* index() const noexcept;
   static std::size_t entryBytes(std::uint32_t capacity) noexcept;
   Heap& heap() const noexcept { return Heap::of(this); }
+
+  static constexpr std::uint32_t kWalkedPerStep = 64;
 
   Value* array_ = nullptr;
   std::uint32_t arraySize_ = 0;  // keys 1 to arraySize_ live here; elements may be nil

@@ -45,11 +45,8 @@ MultiValue withOpenFile(const char* name, ValueSpan args, Site site, const Actio
 // Passes the printable form of each argument from `first` on to `write`, in order.
 template <class Writer>
 void writeArguments(LuaVM& vm, ValueSpan args, std::size_t first, Site site, const Writer& write) {
-  WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
-  for (std::size_t i = first; i < args.size(); ++i) {
-    meter.step(site);
-    write(PrintableText(args[i]).view());
-  }
+  LuaVM::Impl::of(vm).heap.meter().spend(args.size() / kElementsPerStep, site);
+  for (std::size_t i = first; i < args.size(); ++i) write(PrintableText(args[i]).view());
 }
 
 void writeToStream(StandardStream stream, LuaVM& vm, ValueSpan args, std::size_t first, Site site) {

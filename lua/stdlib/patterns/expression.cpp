@@ -112,7 +112,7 @@ bool PatternExpression::search(std::string_view subject, std::size_t from, Patte
   if (hints_.anchored) return searchFrom(begin, subject, match_continuous, match, site);
   const char* const end = subject.data() + subject.size();
   if (hints_.required &&
-      findByteInPieces(meter_, begin, end, *hints_.required, site) == end) {
+      findByte(meter_, begin, end, *hints_.required, site) == end) {
     return false;
   }
   const bool oneByOne = !hints_.prefix.empty() || hints_.run;
@@ -140,10 +140,19 @@ bool PatternExpression::search(std::string_view subject, std::size_t from, Patte
 
 namespace {
 
-template <class Condition>
-const char* findByte(const char* next, const char* end, Condition condition) noexcept {
+// The first byte that is in the set, or with `wanted` false, that is not.
+template <bool wanted>
+const char* findInSet(const char* next, const char* end, const ByteSet& set) noexcept {
   return std::find_if(
-      next, end, [condition](char byte) { return condition(static_cast<unsigned char>(byte)); });
+      next, end, [&set](char byte) { return set[static_cast<unsigned char>(byte)] == wanted; });
+}
+
+template <bool wanted>
+[[gnu::noinline]] const char* findInSetCounted(WorkMeter& meter, const char* next, const char* end,
+                                               const ByteSet& set, Site site) {
+  return findInPieces(meter, next, end, site, [&set](const char* from, const char* to) {
+    return findInSet<wanted>(from, to, set);
+  });
 }
 
 }  // namespace
@@ -157,19 +166,16 @@ const char* PatternExpression::findCandidate(std::string_view subject, const cha
   }
   if (!hints_.first) return next;
   const char* const end = subject.data() + subject.size();
-  next = findInPieces(
-      meter_, next, end, site, [&first = *hints_.first](const char* from, const char* to) {
-        return findByte(from, to, [&first](unsigned char byte) { return first[byte]; });
-      });
+  next = meter_.isSupervised() ? findInSetCounted<true>(meter_, next, end, *hints_.first, site)
+                               : findInSet<true>(next, end, *hints_.first);
   return next == end ? nullptr : next;
 }
 
 const char* PatternExpression::endOfRun(std::string_view subject, const char* start,
                                         const ByteSet& set, Site site) const {
-  return findInPieces(meter_, start, subject.data() + subject.size(), site,
-                      [&set](const char* from, const char* to) {
-                        return findByte(from, to, [&set](unsigned char byte) { return !set[byte]; });
-                      });
+  const char* const end = subject.data() + subject.size();
+  return meter_.isSupervised() ? findInSetCounted<false>(meter_, start, end, set, site)
+                               : findInSet<false>(start, end, set);
 }
 
 const char* PatternExpression::skipFailed(std::string_view subject, const char* candidate,

@@ -22,7 +22,7 @@ class SupervisedSearch {
   // `last` is behind the last place where the text can start. Returns it if the text is nowhere.
   const char* find(const char* next, const char* last) {
     for (; next != last; ++next) {
-      next = findByteInPieces(meter_, next, last, text_[0], site_);
+      next = findByte(meter_, next, last, text_[0], site_);
       if (next == last || startsHere(next)) break;
       if (++candidates_ % kCandidatesPerStep == 0) meter_.step(site_);
     }

@@ -1,0 +1,226 @@
+#include <gtest/gtest.h>
+#include <tarvel/lua/lua_vm.h>
+
+#include <chrono>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "tests/unit/script_outcome.h"
+
+// What the library gives scripts, where their output goes, and what its work counts.
+
+namespace tarvel::lua {
+namespace {
+
+TEST(LibraryReach, WhatIsNotGrantedDoesNotExist) {
+  const char* const script =
+      "local s = '' for i, v in ipairs({print or 0, io.write or 0, io.stdout or 0, io.stderr or 0, "
+      "io.open or 0, os.execute or 0, os.exit or 0}) do s = s .. (v == 0 and '-' or i) end "
+      "return s, type(io), type(os), type(string.rep)";
+  const std::pair<LuaReach, const char*> cases[] = {
+      {LuaReach::None, "-------"},     {LuaReach::Output, "1234---"},
+      {LuaReach::Files, "----5--"},    {LuaReach::Commands, "-----6-"},
+      {LuaReach::Exit, "------7"},     {LuaReach::Output | LuaReach::Exit, "1234--7"},
+      {LuaReach::All, "1234567"},
+  };
+  for (const auto& [reach, names] : cases) {
+    LuaVM vm({.reach = reach});
+    EXPECT_EQ("['" + std::string(names) + "' 'table' 'table' 'function']", run(vm, script));
+  }
+}
+
+// ---- Output -------------------------------------------------------------------------------------
+
+struct Outputs {
+  std::string output;
+  std::string errors;
+
+  LuaOptions options(bool supervised = false) {
+    LuaOptions options;
+    options.supervised = supervised;
+    options.output = [this](std::string_view text) { output += text; };
+    options.errorOutput = [this](std::string_view text) { errors += text; };
+    return options;
+  }
+};
+
+TEST(LibraryOutput, GoesToTheHost) {
+  Outputs to;
+  LuaVM vm(to.options());
+  EXPECT_EQ("nil", run(vm, "print(1, nil, 'a\\0b', {1, {x = 2}}, 2.5, true) print() print('') "
+                           "io.write('a', 1):write('b') io.stderr:write('c', 2) "
+                           "io.write(('z'):rep(100000)) print(print, type)"));
+  EXPECT_EQ(std::string("1\tnil\ta\0b\t{1, {x: 2}}\t2.5\ttrue\n\n\na1b", 38) +
+                std::string(100000, 'z') + "[function print]\t[function type]\n",
+            to.output);
+  EXPECT_EQ("c2", to.errors);
+  EXPECT_EQ("error value cannot be bridged out of TarvelLua", run(vm, "print('lost', io.stdout)"));
+  EXPECT_FALSE(to.output.ends_with("lost"));
+}
+
+struct ForeignException {};
+
+TEST(LibraryOutput, WhatTheHostThrowsIsAnErrorWhereTheScriptWrites) {
+  LuaOptions options;
+  bool isForeign = false;
+  options.output = [&](std::string_view text) {
+    if (isForeign) throw ForeignException();
+    if (text != "ok") throw std::runtime_error("full");
+  };
+  LuaVM vm(options);
+  for (const char* call : {"print('x')", "io.write('ok', 'x')", "io.stdout:write('x')"}) {
+    const LuaResult result = vm.runScriptString("io.write('ok')\n" + std::string(call), "c");
+    EXPECT_EQ("c:2: full", result.error) << call;
+    ASSERT_NE(nullptr, result.detail);
+    EXPECT_EQ(LuaError::Kind::Host, result.detail->kind);
+    EXPECT_EQ("[false 'full']", run(vm, "return pcall(function() " + std::string(call) + " end)"));
+  }
+  isForeign = true;
+  EXPECT_THROW(vm.runScriptString("pcall(print, 1)", "c"), ForeignException);
+}
+
+// ---- Work ---------------------------------------------------------------------------------------
+
+struct Case {
+  const char* setup;
+  const char* work;  // would take long
+};
+
+const Case kWork[] = {
+    {"s = ('a'):rep(2000000)", "return s:sub(2), s:sub(3)"},
+    {"s = ('a'):rep(2000000)", "return s:rep(100)"},
+    {"", "return ('a'):rep(4000000)"},
+    {"s = ('a'):rep(2000000)", "return string.format('%s%s', s, s)"},
+    {"s = ('%%'):rep(20000)", "return string.format(s)"},
+    {"s = (' '):rep(20000)", "return string.unpack(s, '')"},
+    {"s = 'I' .. ('0'):rep(20000) .. '4'", "return string.unpack(s, '1234')"},
+    {"s = ('1'):rep(100000)", "return tonumber(s)"},
+    {"s = ('e'):rep(900000)", "return pcall(error, s)"},
+    // Searching.
+    {"s = ('a'):rep(2000000)", "return s:find('b', 1, true)"},
+    {"s = ('a'):rep(2000000)", "return s:find('b()')"},
+    {"s = ('a'):rep(2000000)", "return s:find('%d%a')"},
+    {"s = ('a'):rep(2000000)", "return s:find('%a+')"},
+    {"s = ('a'):rep(2000000)", "return s:find('[%a]+%d')"},
+    {"s = ('a'):rep(400000) n = ('a'):rep(200000) .. 'b'", "return s:find(n, 1, true)"},
+    {"s = ('a'):rep(400000) n = ('a'):rep(2000) .. 'b()'", "return s:find(n)"},
+    {"s = ('ab'):rep(20000)", "return s:find('[ab]%d')"},
+    {"s = 'b' .. ('a'):rep(40)", "return s:find('(a*)*[bc]$')"},
+    {"s = 'b' .. ('a'):rep(40)", "return s:find('(a+)+[bc]')"},
+    {"s = ('a'):rep(40)", "return s:find(('a?'):rep(40) .. ('a'):rep(39) .. '[bc]')"},
+    {"s = ('a'):rep(2000)", "return s:find('a*a*a*[bc]')"},
+    {"s = ('a'):rep(2000)", "return s:find('a-a-a-[bc]')"},
+    {"s = 'b'", "return s:find(('()?'):rep(40) .. 'a')"},
+    {"s = 'b'", "return s:find(('('):rep(9) .. 'a*' .. (')*'):rep(9) .. '[cd]')"},
+    {"s = 'a'", "return s:find('[a%]' .. ('(|)'):rep(40) .. ']c')"},
+    {"s = ('a'):rep(2000)", "return s:find('^(a-' .. ('()?'):rep(40) .. ')[bc]')"},
+    {"s = ('a'):rep(2000)", "return s:find('(?=(a*)b|)' .. ('()'):rep(1000) .. '[bc]')"},
+    {"s = ('a'):rep(20000)", "for m in s:gmatch('a()') do end"},
+    {"s = ('a'):rep(20000)", "return s:gsub('', '-')"},
+    {"s = ('a'):rep(1000) r = ('b'):rep(10000)", "return s:gsub('a', r)"},
+    {"", "for i = 1, 300 do ('x'):find('[a-z]' .. i) end"},
+    {"", "for i = 1, 300 do ('x'):find(('a'):rep(15000) .. '.') end"},
+    // Tables.
+    {"t = {} for i = 1, 100000 do t[i] = i end", "table.remove(t, 1)"},
+    {"t = {} for i = 1, 100000 do t[i] = i end", "return table.concat(t)"},
+    {"t = {} for i = 1, 100000 do t[i] = i end", "table.sort(t)"},
+    {"t = {} for i = 1, 20000 do t[i] = 'k' .. i end", "table.sort(t)"},
+    {"t = {} for i = 1, 20000 do t[i] = i % 2 == 0 and i or 'k' .. i end", "table.sort(t)"},
+    {"t = {} s = ('a'):rep(100000) for i = 1, 20 do t[i] = s .. i end", "table.sort(t)"},
+    {"t = {} for i = 1, 100000 do t[i] = i end", "return pairs(t)"},
+    {"t = {} for i = 1, 100000 do t['k' .. i] = i end", "return pairs(t)"},
+    // Values that cross and are printed.
+    {"t = {} for i = 1, 20000 do t[i] = i end", "return t"},
+    {"t = {} for i = 1, 20000 do t['k' .. i] = i end", "return t"},
+    {"t = {} for i = 1, 40 do t = {t, t} end", "same(t)"},
+    {"t = {} for i = 1, 40 do t = {t, t} end", "print(t)"},
+    {"s = ('a'):rep(2000000)", "same(s)"},
+    {"s = ('a'):rep(2000000)", "print(s)"},
+    {"s = ('a'):rep(2000000)", "io.stderr:write(s)"},
+    // Files.
+    {"f = io.open('/dev/zero')", "f:read('a')"},
+    {"f = io.open('/dev/zero')", "f:read()"},
+    {"f = io.open('/dev/zero')", "f:read(2000000)"},
+    {"f = io.open('/dev/null', 'w') s = ('a'):rep(2000000)", "f:write(s)"},
+    {"s = ('a'):rep(2000000)", "io.open(s)"},
+    // What the evaluator asks for.
+    {"s = ('a'):rep(2000000)", "return s .. s, s .. s"},
+    {"s = ('a'):rep(2000000) u = s .. 'b' s = s .. 'b'", "return s == u, s < u, ({})[s]"},
+    {"t = {} for i = 1, 1000000 do t[i] = i end", "t[1] = nil t[1] = 1 return #t, #t"},
+};
+
+std::string runWithin(LuaVM& vm, const char* work, std::uint64_t steps,
+                      std::chrono::nanoseconds time) {
+  LuaLimits limits;
+  limits.steps = steps;
+  limits.time = time;
+  vm.setLimits(limits);
+  const LuaResult result = vm.runScriptString(work, "c");
+  vm.setLimits({});
+  return result.error.substr(std::min(result.error.find(": "), result.error.size()));
+}
+
+TEST(LibraryWork, EndsWithTheRunsStepsAndTime) {
+  for (const Case& c : kWork) {
+    Outputs to;
+    LuaVM vm(to.options(true));
+    vm.bindFunction("same", [](LuaVM&, const Arguments& arguments) { return arguments[0]; });
+    ASSERT_EQ("", vm.runScriptString(c.setup, "setup").error) << c.setup;
+    EXPECT_EQ(": used up its steps", runWithin(vm, c.work, 1000, {})) << c.work;
+    EXPECT_EQ(1000U, vm.usage().steps);
+    EXPECT_EQ(": used up its time", runWithin(vm, c.work, 0, std::chrono::nanoseconds(1)))
+        << c.work;
+    EXPECT_EQ(kBusyOutcome, run(vm, kBusyScript)) << c.work;
+  }
+}
+
+// Neither on what the interpreter did before, nor on hashes.
+TEST(LibraryWork, CountsTheSameEveryTime) {
+  const char* const script =
+      "local n = 0 for i = 1, 600 do n = n + (('a1b2'):find('[a-z]' .. i % 300) or 0) end "
+      "for k, v in pairs({a = 1, b = 2}) do n = n + v end print({c = n, d = {e = n}}) "
+      "return ('x-y z'):gsub('%W', ''), ('k=v'):match('(%w+)=(%w+)')";
+  Outputs to;
+  LuaVM vm(to.options(true));
+  LuaVM other(to.options(true));
+  run(other, "for i = 1, 100 do ('x'):find('[a-z]' .. i * 2) end ('k=v'):match('(%w+)=(%w+)')");
+  std::uint64_t steps = 0;
+  for (LuaVM* next : {&vm, &other, &vm, &other}) {
+    EXPECT_EQ("['xyz' i2 'k' 'v']", run(*next, script).substr(0, 18));
+    if (steps == 0) steps = next->usage().steps;
+    EXPECT_EQ(steps, next->usage().steps);
+  }
+}
+
+TEST(LibraryWork, WhatCannotBeInterruptedIsRefused) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"return ('x'):find(('%a'):rep(200))", "pattern is too complex"},
+      {"return ('x'):find(('a'):rep(30000) .. '.')", "pattern is too complex"},
+      {"return ('x'):find('[%](a{100}){900}]')", "pattern is too complex"},
+      {"return tonumber(('1'):rep(300000))", "text is too long for a number"},
+      {"error(('e'):rep(2000000))", "error message is too long"},
+  };
+  for (const auto& [script, text] : cases) {
+    LuaVM vm({.supervised = true});
+    EXPECT_EQ("error c:1: " + std::string(text), run(vm, script)) << script;
+    LuaVM free;
+    EXPECT_EQ(std::string::npos, run(free, script).find(text)) << script;
+  }
+}
+
+TEST(LibraryWork, CountsMemoryThatStandsElsewhere) {
+  LuaOptions options;
+  options.limits.memory = std::size_t{4} << 20;
+  LuaVM vm(options);
+  // 200 files with their buffers; 300 patterns, which make room for each other.
+  EXPECT_EQ("error not enough memory",
+            run(vm, "t = {} for i = 1, 200 do t[i] = io.open('/dev/null') end"));
+  EXPECT_EQ("i300", run(vm, "t = nil local n = 0 for i = 1, 300 do "
+                            "n = n + (('x'):find(('[x]?'):rep(200) .. i .. '?')) end return n"));
+  EXPECT_LT(std::size_t{1} << 20, vm.usage().memory);
+}
+
+}  // namespace
+}  // namespace tarvel::lua
