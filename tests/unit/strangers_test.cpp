@@ -185,7 +185,9 @@ TEST(Strangers, EndWithTheirStepsExactly) {
       first->runScriptString(script, "stranger");
       second->runScriptString(script, "stranger");
       EXPECT_EQ(first->usage().steps, second->usage().steps) << script;
-      if (error.kind == Kind::Steps) EXPECT_EQ(kSteps, first->usage().steps) << script;
+      if (error.kind == Kind::Steps) {
+        EXPECT_EQ(kSteps, first->usage().steps) << script;
+      }
     }
   }
 }
