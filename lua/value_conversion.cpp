@@ -97,7 +97,7 @@ class ToPublic {
       case ValueKind::Table:
         if (isTooDeep(depth)) failBridgeOut();
         memory_.add(kTableBytes);
-        heap_.meter().spend(1 + value.table->arraySize() / internal::kElementsPerStep, site_);
+        count(kMembersPerStep + value.table->arraySize() / internal::kElementsPerStep);
         return internal::isSequence(*value.table) ? writeSequence(*value.table, depth + 1)
                                                   : writeObject(*value.table, depth + 1);
       case ValueKind::UserData:
@@ -111,8 +111,10 @@ class ToPublic {
     memory_.add(values.size() * sizeof(LuaValue));
     std::vector<LuaValue> copies;
     copies.reserve(values.size());
-    heap_.meter().spend(values.size() / internal::kElementsPerStep, site_);
-    for (const Value& value : values) copies.push_back(write(value));
+    for (const Value& value : values) {
+      count(1);
+      copies.push_back(write(value));
+    }
     return copies;
   }
 
@@ -122,16 +124,17 @@ class ToPublic {
   static constexpr std::size_t kMemberBytes = sizeof(LuaValue::Object::value_type) + 96;
   static constexpr std::size_t kHandleBytes = 160;
   static constexpr std::size_t kMembersPerStep = 2;
+  static constexpr std::size_t kFewMembers = 16;
   // How often a bucket is looked at, in members, and how long it usually is at most.
   static constexpr std::size_t kSampleDistance = 64;
   static constexpr std::size_t kUsualBucket = 8;
 
-  template <class Write>
-  void writeInPieces(std::size_t count, const Write& writeElement) {
-    internal::inPieces(heap_.meter(), count, kMembersPerStep, site_,
-                       [&](std::size_t first, std::size_t some) {
-                         for (std::size_t i = first; i < first + some; ++i) writeElement(i);
-                       });
+  // A few belong to the call that asks for them.
+  void count(std::size_t members) {
+    uncounted_ += members;
+    if (uncounted_ < kFewMembers) return;
+    heap_.meter().spend(uncounted_ / kMembersPerStep, site_);
+    uncounted_ = 0;
   }
 
   std::string writeText(const StringObject& text) {
@@ -149,26 +152,27 @@ class ToPublic {
     const auto length = static_cast<std::uint32_t>(table.length());
     memory_.add(length * sizeof(LuaValue));
     sequence->reserve(length);
-    writeInPieces(length, [&](std::size_t i) {
-      sequence->push_back(write(table.element(static_cast<std::uint32_t>(i)), depth));
-    });
+    for (std::uint32_t i = 0; i < length; ++i) {
+      count(1);
+      sequence->push_back(write(table.element(i), depth));
+    }
     return LuaValue(std::move(sequence));
   }
 
   LuaValue writeObject(const Table& table, int depth) {
     auto object = std::make_shared<LuaValue::Object>();
-    writeInPieces(table.arraySize(), [&](std::size_t i) {
+    for (std::uint32_t i = 0; i < table.arraySize(); ++i) {
       const Value key(static_cast<std::int64_t>(i) + 1);
-      writeMember(*object, key, table.element(static_cast<std::uint32_t>(i)), depth);
-    });
-    writeInPieces(table.entryCount(), [&](std::size_t i) {
-      const auto number = static_cast<std::uint32_t>(i);
-      writeMember(*object, table.entryKey(number).toValue(), table.entryValue(number), depth);
-    });
+      writeMember(*object, key, table.element(i), depth);
+    }
+    for (std::uint32_t i = 0; i < table.entryCount(); ++i) {
+      writeMember(*object, table.entryKey(i).toValue(), table.entryValue(i), depth);
+    }
     return LuaValue(std::move(object));
   }
 
   void writeMember(LuaValue::Object& object, const Value& key, const Value& value, int depth) {
+    count(1);
     if (value.isNil()) return;
     memory_.add(kMemberBytes);
     std::string name = key.isString() ? writeText(*key.string) : key.toString();
@@ -186,6 +190,7 @@ class ToPublic {
   Heap& heap_;
   MemoryCharge& memory_;
   Site site_;
+  std::size_t uncounted_ = 0;  // members
 };
 
 // ---- Into the interpreter -----------------------------------------------------------------------

@@ -93,6 +93,7 @@ class Heap {
   // Bounds what this heap alone may take, in bytes; 0 for no bound but the process's. What it has
   // already stays.
   void limitMemory(std::size_t bytes) noexcept { memoryLimit_ = bytes == 0 ? SIZE_MAX : bytes; }
+  std::size_t memoryLimit() const noexcept { return memoryLimit_; }
   std::size_t heldMemory() const noexcept { return chargedBytes_; }
   std::size_t peakMemory() const noexcept { return peakBytes_; }
 

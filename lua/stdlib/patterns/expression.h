@@ -24,6 +24,7 @@ class PatternExpression {
   PatternExpression(Heap& heap, std::string_view pattern, Site site);
 
   std::uint64_t stepsForCompiling() const noexcept;
+  std::size_t memory() const noexcept { return cost_.memory; }  // bytes
 
   // As PatternSearcher::find.
   bool search(std::string_view subject, std::size_t from, PatternMatch& match, Site site);

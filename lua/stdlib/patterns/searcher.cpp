@@ -15,6 +15,9 @@ namespace tarvel::lua::internal {
 namespace {
 
 constexpr std::size_t kKeptPatterns = 256;
+// Bytes of all kept expressions, and their part of the memory that the interpreter may take.
+constexpr std::size_t kKeptMemory = std::size_t{1} << 20;
+constexpr std::size_t kPartOfMemory = 8;
 // Longer ones are rare, and their expressions take a hundred times their own memory.
 constexpr std::size_t kLongestKeptPattern = 1024;  // bytes
 
@@ -47,13 +50,15 @@ std::unique_ptr<PatternExpression> PatternCache::compile(StringObject& pattern, 
 
 PatternExpression& PatternCache::keep(StringObject& pattern,
                                       std::unique_ptr<PatternExpression> expression) {
-  if (keys_.size() == kKeptPatterns) forgetOldest();
-  keys_.push_back(OwnedValue::share(Value(&pattern)));
+  const std::size_t room = std::min(kKeptMemory, heap_.memoryLimit() / kPartOfMemory);
+  keptMemory_ += expression->memory();
+  while (!keys_.empty() && (keys_.size() == kKeptPatterns || keptMemory_ > room)) forgetOldest();
   try {
+    keys_.push_back(OwnedValue::share(Value(&pattern)));
     Kept kept{std::move(expression), meter().currentRun()};
     return *kept_.emplace(&pattern, std::move(kept)).first->second.expression;
   } catch (...) {
-    keys_.pop_back();
+    forgetAll();
     throw;
   }
 }
@@ -69,13 +74,16 @@ void PatternCache::countAgain(StringObject& pattern, Kept& kept, Site site) {
 }
 
 void PatternCache::forgetOldest() noexcept {
-  kept_.erase(keys_.front().get().string);
+  const auto oldest = kept_.find(keys_.front().get().string);
+  keptMemory_ -= oldest->second.expression->memory();
+  kept_.erase(oldest);
   keys_.pop_front();
 }
 
 void PatternCache::forgetAll() noexcept {
   kept_.clear();
   keys_.clear();
+  keptMemory_ = 0;
 }
 
 // ---- Searching ----------------------------------------------------------------------------------

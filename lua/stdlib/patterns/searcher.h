@@ -72,6 +72,7 @@ class PatternCache {
   Heap& heap_;
   std::deque<OwnedValue> keys_;  // what the keys of kept_ point to, oldest first
   Expressions kept_;
+  std::size_t keptMemory_ = 0;                        // bytes
   std::unique_ptr<PatternExpression> tooLongToKeep_;  // the latest such one
 };
 

@@ -37,6 +37,9 @@ struct LuaLimits {
   // A step is a call or a round of a loop; library functions count what they do in proportion to
   // size or effort (bytes made, comparisons of a sort, moves of a pattern search). The count does
   // not depend on the machine: the same script with the same input always ends at the same point.
+  // What cannot be interrupted is refused in supervised interpreters when it would take more than
+  // some milliseconds: patterns of more than about 100 sets or 20,000 bytes, numbers in texts of
+  // more than 256 KB, error messages of more than 1 MB.
   std::uint64_t steps = 0;
   // By the steady clock, looked at every few hundred steps. A function of the host that does not
   // return is not interrupted.
