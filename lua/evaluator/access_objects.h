@@ -26,9 +26,11 @@ namespace tarvel::lua::internal {
 inline Value notPeeked() noexcept { return Value::ofTag(kNotPeeked); }
 inline bool isPeeked(Value value) noexcept { return value.tag != kNotPeeked; }
 
-// In indexing.cpp. The value of any expression, owned; of an access path from its start, without
-// peeking.
+// In indexing.cpp. The value of any expression, owned; what can be peeked at is evaluated from its
+// start, without peeking.
 Value evaluatePath(const Expr* path, Value* base);
+// In expressions.cpp. The same for `#`.
+Value evaluateLengthOfPath(const UnaryExpr* length, Value* base);
 
 // Policies: how a field or index access, `Access`, gets at its object, for reading and for storing.
 // Only an owned one needs release. A borrowed one is sure to stay while no script or host function

@@ -62,7 +62,8 @@ template <class Supervision>
   const Value completion = executeStatement(body->entry, frame + 1);
   call.returned();
   if (!isSingleValue(completion)) [[unlikely]]
-    return finishWithoutSingleValue(frame, body, completion);
+    return Supervision::moved(finishWithoutSingleValue(frame, body, completion),
+                              body->interpreter->heap.meter(), site);
   clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
   clearSlot(frame[0]);
   return completion;
@@ -107,7 +108,8 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Si
   call.returned();
   stack.setTop(outerTop);
   clearSlots(frame, end);
-  return settleResults(stack, frame, std::move(results), site);
+  return Supervision::moved(settleResults(stack, frame, std::move(results), site),
+                            interpreter.heap.meter(), site);
 }
 
 // Any callee, any number of arguments.
@@ -223,13 +225,18 @@ struct RunningFunctionCall {
   }
 };
 
+[[gnu::noinline]] Value lookUpAnyMethod(const CallExpr* call, Value receiver, Value* base) {
+  return indexField(call, receiver, call->methodName, call->hint, base);
+}
+
+// Of no table. The method of a native object where the hint finds it takes no frame.
 [[gnu::noinline]] Value lookUpMethodOfOther(const CallExpr* call, Value receiver, Value* base) {
-  if (receiver.tag == kUserData) {
-    const Value method = receiver.native->type.member(call->methodName, call->hint);
+  if (receiver.tag == kUserData) [[likely]] {
+    const Value method = receiver.native->type.hintedMember(call->methodName, call->hint);
     if (method.tag == kFunction) [[likely]]
       return retain(method);
   }
-  return indexField(call, receiver, call->methodName, call->hint, base);
+  return lookUpAnyMethod(call, receiver, base);
 }
 
 // The receiver is evaluated once, then the method is looked up, then the other arguments are
@@ -438,7 +445,10 @@ Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count
   internal::Supervised::step(meter, site);
   const Value completion = internal::callAny<internal::Supervised>(interpreter, frame, count, site);
   internal::OwnedValue single(isSingleValue(completion) ? completion : Value());
-  meter.spend(0, site);  // throws when the last of it was too much and nothing was left to notice
+  const std::uint64_t bytes =
+      ReturnSignal::isSeveral(completion) ? ReturnSignal::count(completion) * sizeof(Value) : 0;
+  // Throws also for what has been counted since the last step, when no other step follows.
+  meter.spend(internal::stepsForBytes(bytes), site);
   single.take();
   return completion;
 }

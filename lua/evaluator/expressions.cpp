@@ -69,12 +69,11 @@ Value peekLength(const Node* node, Value* base) {
 }
 
 Value evaluatePeekedLength(const Node* node, Value* base) {
-  const Expr* const operand = static_cast<const UnaryExpr*>(node)->operand;
-  const Value value = operand->peek(operand, base);
+  const auto* const length = static_cast<const UnaryExpr*>(node);
+  const Value value = length->operand->peek(length->operand, base);
   if (isPeeked(value)) [[likely]]
     return lengthOf(value, node->site);
-  const OwnedValue owned(evaluatePath(operand, base));
-  return lengthOf(owned.get(), node->site);
+  return evaluateLengthOfPath(length, base);
 }
 
 // ---- Logical operators --------------------------------------------------------------------------
@@ -176,6 +175,11 @@ Value makeScriptFunction(const Node* node, Value* base) {
 }
 
 }  // namespace
+
+[[gnu::noinline]] Value evaluateLengthOfPath(const UnaryExpr* length, Value* base) {
+  const OwnedValue operand(evaluatePath(length->operand, base));
+  return lengthOf(operand.get(), length->site);
+}
 
 bool testValue(const Node* node, Value* base) {
   const Value value = node->execute(node, base);

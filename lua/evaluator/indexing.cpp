@@ -1,4 +1,5 @@
 #include <string>
+#include <type_traits>
 
 #include "lua/evaluator/access_objects.h"
 #include "lua/evaluator/execute.h"
@@ -65,7 +66,7 @@ namespace {
 
 // ---- Fields -------------------------------------------------------------------------------------
 
-// An owned object is one that may be no table.
+// Of any object: borrowed, not peeked, or owned and taken over.
 template <bool ObjectOwned>
 [[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object, Value* base) {
   OwnedValue guard(ObjectOwned ? object : Value());
@@ -131,34 +132,35 @@ struct OtherKey {
   }
 };
 
-bool isArrayElement(const Table& table, Value key) noexcept {
-  return key.tag == kInteger && static_cast<std::uint64_t>(key.integer) - 1 < table.arraySize();
+bool isArrayElement(Value object, Value key) noexcept {
+  return object.tag == kTable && key.tag == kInteger &&
+         static_cast<std::uint64_t>(key.integer) - 1 < object.table->arraySize();
 }
 
-Value arrayElement(const Table& table, Value key) noexcept {
-  return table.element(static_cast<std::uint32_t>(key.integer - 1));
+Value arrayElement(Value object, Value key) noexcept {
+  return object.table->element(static_cast<std::uint32_t>(key.integer - 1));
 }
 
-// The key is evaluated behind the object, which its slot owns. Takes over both.
-Value readIndexOwningObject(const IndexExpr* node, Value& objectSlot, Value key, Value* base) {
+// Takes over both operands.
+Value readIndexOfKept(const IndexExpr* node, Value& objectSlot, Value key, Value* base) {
   const OwnedValue guard(key);
-  Value result = indexValue(node, objectSlot, key, base);
+  const Value result = indexValue(node, objectSlot, key, base);
   clearSlot(objectSlot);
   return result;
 }
 
-// Any object, any key.
+// The object must be kept while the key runs: in a slot, where an error finds it.
 Value readIndexKeepingObject(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
   Value& objectSlot = slotAt(base, index->temporariesOffset);
   objectSlot = evaluateExpression(index->object, base);
   const Value key = evaluateExpression(index->key, base);
-  if (objectSlot.tag == kTable && isArrayElement(*objectSlot.table, key)) [[likely]] {
-    const Value result = retain(arrayElement(*objectSlot.table, key));
+  if (isArrayElement(objectSlot, key)) [[likely]] {
+    const Value result = retain(arrayElement(objectSlot, key));
     clearSlot(objectSlot);
     return result;
   }
-  return readIndexOwningObject(index, objectSlot, key, base);
+  return readIndexOfKept(index, objectSlot, key, base);
 }
 
 // As that one, for what could not be peeked at.
@@ -166,56 +168,76 @@ Value readIndexKeepingObject(const Node* node, Value* base) {
   Value& objectSlot = slotAt(base, index->temporariesOffset);
   objectSlot = evaluatePath(index->object, base);
   const Value key = evaluatePath(index->key, base);
-  return readIndexOwningObject(index, objectSlot, key, base);
+  return readIndexOfKept(index, objectSlot, key, base);
 }
 
-// For a table that is borrowed. Starts over where the key could not be peeked at.
+// For an object that is borrowed. Starts over where not both operands could be peeked at.
 template <class Key>
 [[gnu::noinline]] Value readIndexOfOther(const IndexExpr* node, Value object, Value key,
                                          Value* base) {
   if (!isPeeked(key)) return readIndexOfPath(node, base);
   const OwnedValue guard(Key::kOwned ? key : Value());
   TableKey tableKey;
-  if (tryMakeKeyFromValue(key, tableKey)) [[likely]]
+  if (object.tag == kTable && tryMakeKeyFromValue(key, tableKey)) [[likely]]
     return retain(object.table->get(tableKey));
   return indexValue(node, object, key, base);
 }
 
-// The object is not owned, and cannot change or go while the key is evaluated.
+// An object in a frame variable stays whatever the key runs, and need not be kept at hand
+// meanwhile.
+template <class Object, class Key>
+constexpr bool kKeyFirst = std::is_same_v<Object, FrameObject>&& Key::kOwned;
+
+template <class Object, class Key>
+inline Value loadObjectBefore(const IndexExpr* index, Value* base) {
+  return kKeyFirst<Object, Key> ? Value() : Object::load(index, base);
+}
+
+// Not peeked where an object that is no table has to be left to the general way before the key runs
+// anything.
+template <class Object, class Key>
+inline Value loadKeyBehind(const IndexExpr* index, Value* base, Value object) {
+  if constexpr (!std::is_same_v<Object, FrameObject>) {
+    if (object.tag != kTable) [[unlikely]]
+      return notPeeked();
+  }
+  return Key::load(index, base);
+}
+
+template <class Object, class Key>
+inline Value loadObjectAfter(const IndexExpr* index, Value* base, Value object) {
+  return kKeyFirst<Object, Key> ? Object::load(index, base) : object;
+}
+
 template <class Object, class Key>
 Value readIndex(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
-  const Value object = Object::load(index, base);
-  if (object.tag != kTable) [[unlikely]]
-    return readIndexOfPath(index, base);
-  const Value key = Key::load(index, base);
-  if (isArrayElement(*object.table, key)) [[likely]]
-    return retain(arrayElement(*object.table, key));
+  const Value before = loadObjectBefore<Object, Key>(index, base);
+  const Value key = loadKeyBehind<Object, Key>(index, base, before);
+  const Value object = loadObjectAfter<Object, Key>(index, base, before);
+  if (isArrayElement(object, key)) [[likely]]
+    return retain(arrayElement(object, key));
   return readIndexOfOther<Key>(index, object, key, base);
 }
 
 template <bool KeyOwned>
-[[gnu::noinline]] Value peekAnyKey(Value object, Value key) {
+[[gnu::noinline]] Value peekIndexOfOther(Value object, Value key) {
+  if (!isPeeked(key)) return notPeeked();
   const OwnedValue guard(KeyOwned ? key : Value());
   TableKey tableKey;
-  return tryMakeKeyFromValue(key, tableKey) ? object.table->get(tableKey) : notPeeked();
+  return object.tag == kTable && tryMakeKeyFromValue(key, tableKey) ? object.table->get(tableKey)
+                                                                    : notPeeked();
 }
 
 template <class Object, class Key>
 Value peekIndex(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
-  const Value object = Object::load(index, base);
-  if (object.tag != kTable) [[unlikely]]
-    return notPeeked();
-  const Value key = Key::load(index, base);
-  if (isArrayElement(*object.table, key)) [[likely]]
-    return arrayElement(*object.table, key);
-  return peekAnyKey<Key::kOwned>(object, key);
-}
-
-[[gnu::noinline]] bool testIndexOfPath(const IndexExpr* node, Value* base) {
-  const OwnedValue value(readIndexOfPath(node, base));
-  return value.get().isTruthy();
+  const Value before = loadObjectBefore<Object, Key>(index, base);
+  const Value key = loadKeyBehind<Object, Key>(index, base, before);
+  const Value object = loadObjectAfter<Object, Key>(index, base, before);
+  if (isArrayElement(object, key)) [[likely]]
+    return arrayElement(object, key);
+  return peekIndexOfOther<Key::kOwned>(object, key);
 }
 
 template <class Key>
@@ -228,12 +250,11 @@ template <class Key>
 template <class Object, class Key>
 bool testIndex(const Node* node, Value* base) {
   const auto* const index = static_cast<const IndexExpr*>(node);
-  const Value object = Object::load(index, base);
-  if (object.tag != kTable) [[unlikely]]
-    return testIndexOfPath(index, base);
-  const Value key = Key::load(index, base);
-  if (isArrayElement(*object.table, key)) [[likely]]
-    return arrayElement(*object.table, key).isTruthy();
+  const Value before = loadObjectBefore<Object, Key>(index, base);
+  const Value key = loadKeyBehind<Object, Key>(index, base, before);
+  const Value object = loadObjectAfter<Object, Key>(index, base, before);
+  if (isArrayElement(object, key)) [[likely]]
+    return arrayElement(object, key).isTruthy();
   return testIndexOfOther<Key>(index, object, key, base);
 }
 
@@ -272,10 +293,16 @@ bool isGlobalVariable(const Expr& expression) noexcept {
 
 Value evaluatePath(const Expr* path, Value* base) {
   if (!path->peekable) return evaluateExpression(path, base);
-  if (path->kind == ExprKind::Index)
-    return readIndexOfPath(static_cast<const IndexExpr*>(path), base);
-  if (path->kind != ExprKind::Field) return evaluateExpression(path, base);
-  return readFieldOfOther<false>(static_cast<const FieldExpr*>(path), notPeeked(), base);
+  switch (path->kind) {
+    case ExprKind::Field:
+      return readFieldOfOther<false>(static_cast<const FieldExpr*>(path), notPeeked(), base);
+    case ExprKind::Index:
+      return readIndexOfPath(static_cast<const IndexExpr*>(path), base);
+    case ExprKind::Unary:
+      return evaluateLengthOfPath(static_cast<const UnaryExpr*>(path), base);
+    default:
+      return evaluateExpression(path, base);
+  }
 }
 
 void chooseField(FieldExpr& field) {

@@ -2,6 +2,7 @@
 
 #include <tarvel/lua/lua_vm.h>
 
+#include "lua/value/completion.h"
 #include "lua/value/errors.h"
 #include "lua/value/value.h"
 #include "lua/value/work_meter.h"
@@ -20,6 +21,7 @@ struct FunctionExpr;
 
 struct Unsupervised {
   static void step(WorkMeter&, const Site&) noexcept {}
+  static Value moved(Value completion, WorkMeter&, Site) noexcept { return completion; }
 
   struct Rounds {
     Rounds(WorkMeter&, const Site&) noexcept {}
@@ -38,6 +40,13 @@ struct Unsupervised {
 struct Supervised {
   // A call is about to be made.
   static void step(WorkMeter& meter, const Site& site) { meter.step(site); }
+
+  // A call has moved its results: any number of them, at each of the calls that return them.
+  static Value moved(Value completion, WorkMeter& meter, Site site) {
+    if (ReturnSignal::isSeveral(completion))
+      meter.spend(stepsForBytes(ReturnSignal::count(completion) * sizeof(Value)), site);
+    return completion;
+  }
 
   // The rounds of a loop at `site`.
   class Rounds {

@@ -42,8 +42,13 @@ NativeObject* NativeClass::find(const void* address) const noexcept {
   return entry == objects_.end() ? nullptr : entry->second;
 }
 
+void NativeClass::forget(const void* address, const NativeObject& object) noexcept {
+  const auto entry = objects_.find(address);
+  if (entry != objects_.end() && entry->second == &object) objects_.erase(entry);
+}
+
 void NativeObject::leaveClass() const noexcept {
-  if (kind == Kind::Host) type.forget(static_cast<const HostObjectHandle&>(*handle).address);
+  if (kind == Kind::Host) type.forget(static_cast<const HostObjectHandle&>(*handle).address, *this);
 }
 
 void NativeClass::close() noexcept {

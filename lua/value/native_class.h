@@ -38,6 +38,10 @@ class NativeClass final : public HeapResource {
   Value member(StringObject* memberName, std::uint32_t& hint) const noexcept {
     return members_.get().table->getString(memberName, hint);
   }
+  // The same where the hint is right, otherwise nil.
+  Value hintedMember(StringObject* memberName, std::uint32_t hint) const noexcept {
+    return members_.get().table->getHinted(memberName, hint);
+  }
   const Property& property(Value number) const noexcept {
     return properties_[static_cast<std::size_t>(number.integer)];
   }
@@ -48,7 +52,8 @@ class NativeClass final : public HeapResource {
   // The userdata that stands for the object at this address, borrowed; null where there is none.
   NativeObject* find(const void* address) const noexcept;
   void remember(const void* address, NativeObject& object) { objects_[address] = &object; }
-  void forget(const void* address) noexcept { objects_.erase(address); }
+  // Where that is what stands for it.
+  void forget(const void* address, const NativeObject& object) noexcept;
 
  private:
   NativeClass(Heap& heap, std::string_view className, const void* key);

@@ -1,7 +1,9 @@
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "lua/value/heap.h"
 
@@ -52,7 +54,12 @@ SlabHeader& slabOf(const void* block) noexcept {
 struct Heap::Region {
   Region* next;
   std::size_t bytes;
-  std::byte* unstarted;  // where the next slab would start
+  std::byte* unstarted;     // where the next slab would start
+  std::size_t parkedSlabs;  // of those started, free ones whose memory was given back
+
+  bool contains(const void* block) const noexcept {
+    return block > this && block < reinterpret_cast<const std::byte*>(this) + bytes;
+  }
 
   std::byte* firstSlab() noexcept {
     return roundUp(reinterpret_cast<std::byte*>(this + 1), kSlabBytes);
@@ -62,7 +69,9 @@ struct Heap::Region {
     return static_cast<std::size_t>(end - unstarted) >= kSlabBytes;
   }
   // What counts as memory of the interpreter: the system lends pages only when they are used.
-  std::size_t startedBytes() noexcept { return static_cast<std::size_t>(unstarted - firstSlab()); }
+  std::size_t chargedBytes() noexcept {
+    return static_cast<std::size_t>(unstarted - firstSlab()) - parkedSlabs * kSlabBytes;
+  }
   template <class Visit>
   void forEachSlab(Visit visit) {
     for (std::byte* slab = firstSlab(); slab != unstarted; slab += kSlabBytes) {
@@ -113,8 +122,12 @@ void* Heap::splitLargerBlock(std::size_t sizeClass) noexcept {
 bool Heap::startSlab() noexcept {
   leaveSlab();
   if (freeSlabs_ != nullptr) {
+    if (!tryCharge(kSlabBytes)) return false;
     bump_ = reinterpret_cast<std::byte*>(freeSlabs_);
     freeSlabs_ = freeSlabs_->next;
+    Region* region = regions_;
+    while (!region->contains(bump_)) region = region->next;
+    --region->parkedSlabs;
   } else if (((regions_ != nullptr && regions_->hasRoom()) || addRegion()) &&
              tryCharge(kSlabBytes)) {
     new (regions_->unstarted) SlabHeader{this, 0};
@@ -148,16 +161,16 @@ bool Heap::addRegion() noexcept {
     memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory != MAP_FAILED) break;
   }
-  regions_ = new (memory) Region{regions_, bytes, nullptr};
+  regions_ = new (memory) Region{regions_, bytes, nullptr, 0};
   regions_->unstarted = regions_->firstSlab();
   return true;
 }
 
 // ---- Slabs in which nothing is in use any more --------------------------------------------------
 
-// Returns whole regions to the system and keeps other free slabs for blocks of any size. The time
-// is proportional to the number of free blocks; so this is done only where an allocation would fail
-// otherwise.
+// Returns whole regions to the system, and the pages of other free slabs, which are kept for blocks
+// of any size. The time is proportional to the number of free blocks; so this is done only where an
+// allocation would fail otherwise.
 void Heap::reclaimSlabs() noexcept {
   meter_.note(chargedBytes_ / kReclaimedBytesPerStep);
   leaveSlab();
@@ -192,6 +205,17 @@ void Heap::forgetBlocksOfFreeSlabs() noexcept {
   }
 }
 
+namespace {
+
+// Of a free slab, all pages but the one with its header.
+void giveBackPages(void* slab) noexcept {
+  static const auto pageBytes = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  if (pageBytes >= Heap::kSlabBytes) return;
+  madvise(static_cast<std::byte*>(slab) + pageBytes, Heap::kSlabBytes - pageBytes, MADV_DONTNEED);
+}
+
+}  // namespace
+
 void Heap::releaseFreeRegions() noexcept {
   freeSlabs_ = nullptr;
   Region** link = &regions_;
@@ -200,13 +224,18 @@ void Heap::releaseFreeRegions() noexcept {
     region->forEachSlab([&](SlabHeader& slab) { inUse |= slab.freeBytes != kSlabBlockBytes; });
     if (!inUse) {
       *link = region->next;
-      discharge(region->startedBytes());
+      discharge(region->chargedBytes());
       munmap(region, region->bytes);
       continue;
     }
+    const std::size_t parkedBefore = std::exchange(region->parkedSlabs, 0);
     region->forEachSlab([&](SlabHeader& slab) {
-      if (slab.freeBytes == kSlabBlockBytes) freeSlabs_ = new (&slab + 1) FreeBlock{freeSlabs_};
+      if (slab.freeBytes != kSlabBlockBytes) return;
+      freeSlabs_ = new (&slab + 1) FreeBlock{freeSlabs_};
+      ++region->parkedSlabs;
+      giveBackPages(&slab);
     });
+    discharge((region->parkedSlabs - parkedBefore) * kSlabBytes);
     link = &region->next;
   }
 }

@@ -34,6 +34,13 @@ void destroyIn(T* object) noexcept {
   Heap::release(object, sizeof(T));
 }
 
+// The handle goes last: an object of the host's may hold the last share in the heap.
+[[gnu::noinline]] void dismantleNative(NativeObject* object) noexcept {
+  object->leaveClass();
+  const std::unique_ptr<NativeHandle> handle = std::move(object->handle);
+  destroyIn(object);
+}
+
 // Gives up what an object holds, then its memory. What it held may go as well, through
 // destroyObject.
 void dismantle(Value value) noexcept {
@@ -51,12 +58,9 @@ void dismantle(Value value) noexcept {
       code->removeReference();
       return;
     }
-    case kUserData: {
-      // The handle goes last: an object of the host's may hold the last share in the heap.
-      const std::unique_ptr<NativeHandle> handle = std::move(value.native->handle);
-      destroyIn(value.native);
+    case kUserData:
+      dismantleNative(value.native);
       return;
-    }
     case kIterator:
       destroyIn(value.iterator);
       return;
@@ -94,9 +98,9 @@ void dismantleWaiting() noexcept {
 
 // Whatever may hold other objects. Out of line, so that releasing a string needs no frame.
 [[gnu::noinline]] void destroyContainer(Value value) noexcept {
-  if (value.tag == kUserData) [[unlikely]]
-    value.native->leaveClass();
   if (destruction.isUnderWay) {
+    if (value.tag == kUserData) [[unlikely]]
+      value.native->leaveClass();
     heapOf(value).addOwner();
     value.object->count = destruction.waiting;
     destruction.waiting = reinterpret_cast<std::uintptr_t>(value.object) | value.tag;

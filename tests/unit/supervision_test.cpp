@@ -94,6 +94,9 @@ constexpr Counted kCounted[] = {
     // Calls from native functions.
     {"pcall(error) pcall(pcall, error, 'x') pcall(type, 1)", 8},
     {"return pcall(nil)", 2},
+    // Passing on many values: eight are a step, at every level that moves them.
+    {"local function f(n) if n == 1 then return 1 end return 1, f(n - 1) end return f(64)", 313},
+    {"local function f(n) if n > 1 then return pcall(f, n - 1) end end return f(64)", 807},
 };
 
 TEST(Supervision, EveryCallAndEveryRoundIsAStep) {
@@ -132,6 +135,8 @@ constexpr const char* kEndless[] = {
     "for i = 1, 9223372036854775807 do local t = {i} end",
     "for i = 1, 2, 0.00000000000000000001 do end",
     "while true do pcall(error) end",
+    "function f() return pcall(f) end while true do f() end",
+    "function f(n) if n > 0 then return n, f(n - 1) end end while true do f(10000) end",
     "while true do for k, v in pairs({1, 2}) do local s = 'a' .. k end end",
     "local function f() pcall(f) pcall(f) return f() end f()",
     "function f(t) pcall(f, {t}) pcall(f, {t}) end f()",

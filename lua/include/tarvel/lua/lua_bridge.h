@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-// What the templates of the other headers are made of: functions of the library that take and give
-// single values. Not for hosts; it may change with every version.
+// Not for hosts; it may change with every version. What the templates of the other headers are made
+// of: functions of the library that take and give single values.
 
 namespace tarvel::lua {
 

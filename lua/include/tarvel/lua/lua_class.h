@@ -17,6 +17,7 @@
 
 namespace tarvel::lua {
 
+// Not for hosts until the end of the namespace; it may change with every version.
 namespace bridge {
 
 // ---- What a function takes and gives ------------------------------------------------------------
@@ -223,10 +224,20 @@ TARVELLUA_API void addProperty(LuaVM& vm, ClassInInterpreter* type, std::string_
 
 }  // namespace bridge
 
-// What scripts may do with a T. They get at objects only through std::shared_ptr<T>, so neither
-// side can outlive the other's use; an object that crosses twice is the same userdata. Another
-// field is nil, assigning one is an error, and so is a method on the wrong receiver. Used while its
-// LuaVM lives.
+// What scripts may do with a T, for one LuaVM, which makes it (LuaVM::defineClass) and which it
+// must not outlive:
+//
+//   vm.defineClass<Boat>("Boat").method("push", &Boat::push).property("name", &Boat::name);
+//   vm.setGlobal("flagship", std::make_shared<Boat>("Alva"));  // flagship:push(2)
+//
+// Scripts get at objects only through std::shared_ptr<T>, so neither side can outlive the other's
+// use: an object that a script can reach is released by the script's last use, at the latest by the
+// end of the interpreter, on the thread that uses it. An object that crosses twice is the same
+// userdata. Fields that are not described are nil for scripts, and assigning them is an error of
+// the script, as is a method on a receiver of another class.
+//
+// What parameters and results may be is as for LuaVM::bind, and so is what becomes of exceptions. A
+// name that is described again stands for what was said last, also in objects that scripts have.
 template <class T>
 class LuaClass {
  public:
@@ -237,7 +248,9 @@ class LuaClass {
     return *this;
   }
 
-  // object.name: a data member (read and assigned), a getter, or a getter and a setter.
+  // object.name: a data member (read and, unless it is const, assigned), or a getter, and perhaps a
+  // setter. A getter is a member function without parameters, or a function of T&; a setter has one
+  // parameter more.
   template <class Getter>
   LuaClass& property(std::string_view name, Getter getter) {
     if constexpr (std::is_member_object_pointer_v<Getter>) {

@@ -27,7 +27,7 @@
 //   integral types                      an integer, or a whole float; out of range is an error
 //   float, double                       a number
 //   std::string, std::string_view       a string; a view is valid during the call that gets it
-//   const char*                         a string; only from the host to scripts
+//   const char*                         a string, null for nil; only from the host to scripts
 //   std::vector<T>                      the sequence 1 to n
 //   std::map, std::unordered_map        a table whose keys are strings
 //     <std::string, T>
@@ -39,12 +39,14 @@
 //   LuaFunction                         a function
 //   LuaValue                            anything that it can hold
 //
-// Conversions never guess: no strings from numbers, no numbers from strings. What does not fit is a
-// LuaError of kind Value that says where: "listeners[2].port: a whole number expected, got a
-// string".
+// Tables are copied; objects and functions are shared. Conversions never guess: no strings from
+// numbers, no numbers from strings. What does not fit is a LuaError of kind Value that says where:
+// "listeners[2].port: a whole number expected, got a string"; in the arguments of a bound function
+// it is an error of the script.
 
 namespace tarvel::lua {
 
+// Not for hosts until the end of the namespace; it may change with every version.
 namespace bridge {
 
 template <class T>
@@ -361,6 +363,11 @@ requires(isRecord<T>) struct Conversion<T> {
     if (!source.isTable()) return problem.expected("a table", source.description());
     if (!problem.enter()) return false;
     RecordKeys* const keys = source.record(names());
+    // First, because where a name is misspelt the field that it should have been is missing.
+    if (luaRecord<T>.isExact) {
+      std::string other;
+      if (source.findOther(keys, other)) return problem.say("unknown field '" + other + "'");
+    }
     const bool isTaken = forEachField([&](std::size_t number, const auto& field) {
       const Source value = source.field(keys, number);
       if (!field.required && value.isNil()) return true;
@@ -368,10 +375,6 @@ requires(isRecord<T>) struct Conversion<T> {
              problem.inField(field.name);
     });
     if (!isTaken) return false;
-    if (luaRecord<T>.isExact) {
-      std::string other;
-      if (source.findOther(keys, other)) return problem.say("unknown field '" + other + "'");
-    }
     problem.leave();
     return true;
   }
@@ -458,8 +461,9 @@ class TARVELLUA_API PublicSink {
 
 }  // namespace bridge
 
-// The same conversions without an interpreter, for values that a host already has. Objects of the
-// host's classes cannot stand in a LuaValue.
+// The same conversions without an interpreter, for values that a host already has, on any thread.
+// Not for std::shared_ptr: objects of the host cannot stand in a LuaValue. toLua throws
+// std::out_of_range for an unsigned integer beyond those of scripts.
 template <class T>
 LuaOutcome<T> fromLua(const LuaValue& value) {
   bridge::Problem problem;

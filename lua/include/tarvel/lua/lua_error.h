@@ -11,7 +11,9 @@
 #include <utility>
 #include <vector>
 
-// What a run, a call or a conversion came to.
+// What a run, a call or a conversion came to. These are plain values of the host: they own what
+// they hold, outlive the LuaVM, and may be used on any thread, except for functions in a LuaValue,
+// see LuaFunctionHandle.
 
 namespace tarvel::lua {
 
@@ -19,11 +21,11 @@ namespace tarvel::lua {
 struct TARVELLUA_API LuaError {
   enum class Kind : std::uint32_t {
     Syntax,   // the text is not well-formed; nothing of it ran
-    Script,   // an error of the script or of a library function
-    Host,     // a std::exception that a function of the host threw
-    Value,    // a value is not of the C++ type that the host asked for
-    Stack,    // calls nested too deeply
-    Memory,   // not enough memory, or more than LuaLimits::memory
+    Script,   // an error of the script, of a library function, or in a bound function's arguments
+    Host,     // a std::exception that a function or an output callback of the host threw
+    Value,    // a value is not of the C++ type that the host asked for, or cannot cross
+    Stack,    // calls nested too deeply for the thread's stack, or for LuaLimits::stack
+    Memory,   // the process has no more memory to give, or LuaLimits::memory is reached
     Steps,    // LuaLimits::steps used up
     Time,     // LuaLimits::time used up
     Stopped,  // LuaLimits::stop was requested
@@ -49,7 +51,7 @@ struct TARVELLUA_API LuaError {
   std::string toString() const;
 };
 
-// Thrown only by LuaOutcome::value. Its text is LuaError::toString without the trace.
+// Thrown only by LuaOutcome::value. what() is LuaError::toString without the trace.
 class TARVELLUA_API LuaException : public std::runtime_error {
  public:
   explicit LuaException(LuaError error);
@@ -60,24 +62,27 @@ class TARVELLUA_API LuaException : public std::runtime_error {
   std::shared_ptr<const LuaError> error_;  // shared, because copying an exception must not fail
 };
 
-// A value or an error. T may be void.
+// A value or an error; T may be void. Can be moved, not copied.
 template <class T>
 class [[nodiscard]] LuaOutcome {
  public:
   LuaOutcome(T value) : value_(std::move(value)) {}
   LuaOutcome(LuaError error) : error_(std::make_unique<LuaError>(std::move(error))) {}
+  // Whether there is a value. For a LuaOutcome<bool>, too: `if (vm.call<bool>(rule))` does not ask
+  // what the rule said.
   explicit operator bool() const noexcept { return value_.has_value(); }
 
-  // Only where there is a value.
+  // Only where there is a value; a reference into this outcome.
   T& operator*() noexcept { return *value_; }
   const T& operator*() const noexcept { return *value_; }
   T* operator->() noexcept { return &*value_; }
   const T* operator->() const noexcept { return &*value_; }
 
-  // Only where there is none.
+  // Only where there is no value.
   const LuaError& error() const noexcept { return *error_; }
 
-  // For hosts that prefer exceptions: the value, or throws LuaException. The value is moved out.
+  // For hosts that prefer exceptions: the value, or throws LuaException. The value is moved out, so
+  // this is for one use; `*outcome` is for several.
   T value() {
     if (!value_) throw LuaException(*error_);
     return std::move(*value_);
@@ -116,7 +121,8 @@ struct LuaResult {
   std::string error;
   bool exitRequested = false;  // the script called os.exit; `value` is then the code
   std::int32_t exitCode = 0;   // the code that it passed
-  // The same failure as data; null on success, and where there was no memory for it.
+  // The same failure as data, with the chunk that the failing code really stands in; null on
+  // success, and where there was no memory for it.
   std::shared_ptr<const LuaError> detail;
 };
 

@@ -10,13 +10,15 @@
 #include <variant>
 #include <vector>
 
-// Values as a host sees them.
+// Values as a host sees them when it does not know their types beforehand. Where it does, see
+// lua_conversion.h: most hosts need no LuaValue at all.
 
 namespace tarvel::lua {
 
-// A function of a script or of the library that crossed to the host. The host can name it, keep it,
-// and hand it back to the interpreter it came from; the interpreter then sees the very same
-// function. It may outlive its LuaVM; then it only has its name.
+// A function of a script or of the library that crossed to the host. The host can name it, call it
+// (LuaVM::call), keep it, and hand it back to the interpreter it came from, which then sees the
+// very same function. It keeps the function alive. It may outlive its LuaVM; then it only has its
+// name. Used, and destroyed, by the thread that uses its LuaVM, also when that is gone.
 class TARVELLUA_API LuaFunctionHandle : public std::enable_shared_from_this<LuaFunctionHandle> {
  public:
   ~LuaFunctionHandle();
@@ -36,7 +38,7 @@ class TARVELLUA_API LuaFunctionHandle : public std::enable_shared_from_this<LuaF
   std::unique_ptr<Target> target_;
 };
 
-// A function as a host holds it.
+// A function as a host holds it; an empty one stands for none and cannot be called.
 using LuaFunction = std::shared_ptr<LuaFunctionHandle>;
 
 // A value that crosses between host and interpreter: plain data, and functions by handle. Copies

@@ -24,20 +24,25 @@
 // TarvelLua: an interpreter for a small dialect of Lua, to be embedded in a C++ program.
 //
 //   tarvel::lua::LuaVM vm;
-//   vm.setGlobal("limit", tarvel::lua::LuaValue(std::int64_t{10}));
-//   tarvel::lua::LuaResult result = vm.runScriptString("return limit * 2", "doubling");
-//   if (!result.ok) std::cerr << result.error << '\n';       // "doubling:1: ..."
-//   else std::cout << result.value.toString() << '\n';       // 20
+//   vm.bind("log", [](std::string_view text) { std::clog << text << '\n'; });
+//   vm.setGlobal("limit", 10);
+//   auto script = vm.load("log('doubling') return limit * factor", "doubling", {"factor"});
+//   if (!script) return fail(script.error().toString());    // "doubling:1:9: ..."
+//   auto product = vm.call<double>(*script, 2.5);
+//   if (!product) return fail(product.error().toString());  // "doubling:1: ..."
+//   std::cout << *product << '\n';                          // 25
 //
 // Threads: a LuaVM, and every LuaFunctionHandle that came out of it, is used by one thread at a
 // time; destroying a handle is a use, also after its LuaVM is gone. A run ends on the thread that
-// began it. Two LuaVM objects share nothing and may run on two threads at once. The depth of calls
-// that a script may reach follows from the stack of the thread that runs it; exceeding it is a
-// script error ("stack overflow"), never a crash.
+// began it; only its LuaLimits::stop may be requested from elsewhere. Two LuaVM objects share
+// nothing and may run on two threads at once. The depth of calls that a script may reach follows
+// from the stack of the thread that runs it; exceeding it is a script error ("stack overflow"),
+// never a crash.
 
 namespace tarvel::lua {
 
-// One interpreter with its globals and its standard library.
+// One interpreter with its globals and its standard library. Neither copied nor moved: a
+// std::unique_ptr holds one that has to travel.
 class TARVELLUA_API LuaVM {
  public:
   // A function of the host that scripts can call. It gets copies of the arguments and returns one
@@ -51,8 +56,8 @@ class TARVELLUA_API LuaVM {
   // their runs fail with "the interpreter has ended".
   using HostFunction = std::function<LuaValue(LuaVM&, const std::vector<LuaValue>&)>;
 
-  // Throws std::bad_alloc when there is no memory for an interpreter, and std::logic_error as
-  // setLimits does.
+  // An interpreter that may do all that the process may (LuaOptions()), or what `options` say.
+  // Throws std::bad_alloc when there is no memory for it, and std::logic_error as setLimits does.
   LuaVM();
   explicit LuaVM(const LuaOptions& options);
   // Ends the interpreter: writes out and closes every file that is still open, and releases
@@ -63,42 +68,46 @@ class TARVELLUA_API LuaVM {
   LuaVM(const LuaVM&) = delete;
   LuaVM& operator=(const LuaVM&) = delete;
 
-  // Sets a global variable, replacing its value. The interpreter takes a copy. Throws
-  // std::runtime_error "unsupported TarvelLua value" for a function of another interpreter, for a
-  // value that is nested too deeply or contains itself, or where a `type` is not the index of its
-  // `data`.
+  // Sets a global variable, replacing its value; a point in the name is part of it. The interpreter
+  // takes a copy. Throws std::runtime_error "unsupported TarvelLua value" for a function of another
+  // interpreter, for a value that is nested too deeply or contains itself, or where a `type` is not
+  // the index of its `data`.
   void setGlobal(const std::string& name, const LuaValue& value);
 
-  // Makes `function` the value of the global `name`. The interpreter keeps a copy for as long as a
-  // script can reach it. Calling an empty one is a script error.
+  // Makes `function` the value of the global `name`; a point in the name is part of it. The
+  // interpreter keeps a copy for as long as a script can reach it. Calling an empty one is a script
+  // error. `bind` below does the same for functions with parameters of their own types, and faster.
   void bindFunction(const std::string& name, HostFunction function);
 
   // Runs `source` as one chunk; `chunkName` only labels messages. A script's failure comes back in
   // the result (ok == false), never as an exception. Globals stay for the next run, top-level
   // locals end with this one. May be called again from a host function that the script is calling.
-  // Throws only what a host's function throws that is no std::exception.
+  // Reads the text each time; `load` is for what runs more than once. Throws only what a host's
+  // function throws that is no std::exception.
   LuaResult runScriptString(const std::string& source, const std::string& chunkName);
 
-  // In the names below a point leads through tables: "game.spawn" is the field `spawn` of the
-  // global table `game`, which bind and setGlobal make where it is missing.
+  // In the names of all functions below a point leads through tables: "game.spawn" is the field
+  // `spawn` of the global table `game`, which bind and setGlobal make where it is missing. Types
+  // that cross are listed in lua_conversion.h.
 
   // Gives scripts a function, with any parameters and result that cross:
   //
   //   vm.bind("distance", [](double x, double y) { return std::hypot(x, y); });
   //
-  // Parameters that are std::optional may be missing at the end; a first parameter LuaVM& is the
-  // interpreter; a last one const std::vector<LuaValue>& takes all further arguments. A std::tuple
-  // is returned as several values. Wrong arguments are errors as those of the library ("distance
-  // expects a numeric argument"); those and what is thrown carry the line of the call. The function
-  // is kept as that of bindFunction. Throws std::runtime_error where a part of the name but the
-  // last is no table.
+  // Anything with one call operator, or a function pointer. Parameters are taken by value or by
+  // const reference. Those that are std::optional may be missing at the end; a first parameter
+  // LuaVM& is the interpreter; a last one const std::vector<LuaValue>& takes all further arguments.
+  // A std::tuple is returned as several values. Wrong arguments are errors as those of the library
+  // ("distance expects a numeric argument"); what is thrown is treated as for a HostFunction; both
+  // carry the line of the call. The function is kept as that of bindFunction, but not copied.
+  // Throws std::runtime_error where a part of the name but the last is no table.
   template <class F>
   void bind(std::string_view name, F function) {
     bindCallable(name, bridge::makeFunction(std::move(function)));
   }
 
-  // Sets a global or a field, from any type that crosses. Throws as the other setGlobal and as
-  // bind.
+  // Sets a global or a field, from any type that crosses but LuaValue, for which the setGlobal
+  // above takes names without tables. Throws as that and as bind.
   template <class T>
   requires(!std::same_as<T, LuaValue>) void setGlobal(std::string_view name, const T& value) {
     bridge::Call global(*this);
@@ -106,18 +115,20 @@ class TARVELLUA_API LuaVM {
     global.storeGlobal(name);
   }
 
-  // Its value; nil is an error only for types that cannot be nil.
+  // The value of a global or a field, copied; nil where there is none, which is an error only for
+  // types that cannot be nil.
   template <class T = LuaValue>
   LuaOutcome<T> getGlobal(std::string_view name);
 
-  // Describes T to this interpreter; `name` stands in messages. To be called again for more.
+  // Describes T to this interpreter; `name` stands in messages. May be called again, to say more.
   template <class T>
   LuaClass<T> defineClass(std::string_view name) {
     return LuaClass<T>(*this, findOrMakeClass(&bridge::ClassKey<T>::key, name));
   }
 
-  // Reads a script without running it. The result is a function, to be called any number of times;
-  // `parameters` are locals of the script:
+  // Reads a script without running it. The result is a function of this interpreter, to be called
+  // any number of times; `parameters` are locals of the script, nil where there are fewer
+  // arguments. `chunkName` only labels messages.
   //
   //   auto rule = vm.load("return order.total > 100", "rule 7", {"order"});
   //   bool applies = vm.call<bool>(*rule, order).value();
@@ -127,8 +138,9 @@ class TARVELLUA_API LuaVM {
   // Calls a function of a script or of the library, by handle or by name, with arguments that
   // cross. R is what it returns: void ignores all values, std::tuple takes several, LuaValue takes
   // them as LuaResult::value does; a std::string_view would dangle and does not compile. An error,
-  // or a result that is no R, comes back in the outcome, never as an exception. May be called again
-  // from a function that the script is calling.
+  // os.exit, or a result that is no R comes back in the outcome; throws only what a host's function
+  // throws that is no std::exception. May be called again from a function that the script is
+  // calling.
   template <class R = LuaValue, class... Arguments>
   LuaOutcome<R> call(const LuaFunction& function, const Arguments&... arguments) {
     return callTarget<R>(function, arguments...);
@@ -138,13 +150,13 @@ class TARVELLUA_API LuaVM {
     return callTarget<R>(name, arguments...);
   }
 
-  // For the runs that begin from now on. Throws std::logic_error for steps, time or stop in an
-  // interpreter that is not supervised.
+  // Steps, time and stop for the runs that begin from now on, memory and stack from now on. Throws
+  // std::logic_error for steps, time or stop in an interpreter that is not supervised.
   void setLimits(const LuaLimits& limits);
   LuaUsage usage() const noexcept;
 
-  // The version of the library that is linked. Differs from TARVELLUA_VERSION, for which the host
-  // was compiled, where a shared library was replaced since.
+  // The version of the library that is linked, "major.minor.patch". Differs from TARVELLUA_VERSION,
+  // for which the host was compiled, where a shared library was replaced since.
   static const char* version() noexcept;
 
   class TARVELLUA_INTERNAL Impl;
@@ -163,7 +175,7 @@ class TARVELLUA_API LuaVM {
   Impl* impl_;  // lives as long as this, and as the runs that are active
 };
 
-// ---- Templates ----------------------------------------------------------------------------------
+// ---- Templates; nothing for hosts from here on --------------------------------------------------
 
 namespace bridge {
 
