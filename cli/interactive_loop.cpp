@@ -33,7 +33,7 @@ class Session {
 
   LuaVM& vm_;
   const bool keepsLines_ = hintsAreWanted();
-  std::string lines_;  // one after the other; those that are no scripts are empty
+  std::string lines_;  // each followed by a semicolon; those that are no scripts are empty
   std::uint32_t count_ = 0;
 };
 
@@ -42,14 +42,15 @@ void Session::run(const std::string& line) {
   const std::size_t start = lines_.size();
   if (keepsLines_) {
     name += "#" + std::to_string(++count_);
-    lines_.append(line).append("\n");
+    lines_.append(line).append(";\n");
   }
   const LuaResult result = vm_.runScriptString(line, name);
   if (result.ok) return;
   std::string message = result.error;
   if (message.starts_with(name + ":")) message.replace(0, name.size(), kChunkName);
   if (result.detail == nullptr) throw FailedRun(message);
-  const FailedRun failure(message, helpFor(inAllLines(*result.detail), lines_));
+  const bool hasPlace = keepsLines_ && result.detail->line > 0;
+  const FailedRun failure(message, helpFor(inAllLines(*result.detail), hasPlace ? lines_ : line));
   if (keepsLines_ && result.detail->kind == LuaError::Kind::Syntax) {
     lines_.resize(start);
     lines_ += '\n';

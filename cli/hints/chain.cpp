@@ -142,6 +142,11 @@ std::string textOf(const ScriptTokens& tokens, const Chain& chain, std::size_t c
   return text;
 }
 
+std::string quotedText(const ScriptTokens& tokens, const Chain& chain, std::size_t count) {
+  const std::string text = textOf(tokens, chain, count);
+  return text.starts_with('"') ? text : "'" + text + "'";
+}
+
 std::string pathOf(const ScriptTokens& tokens, const Chain& chain, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     const Chain::StepKind kind = chain.steps[i].kind;

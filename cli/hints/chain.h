@@ -42,6 +42,9 @@ std::vector<Argument> readArguments(const ScriptTokens& tokens, std::size_t open
 // The first `count` steps for readers: arguments and longer keys are shortened to "...".
 std::string textOf(const ScriptTokens& tokens, const Chain& chain, std::size_t count);
 
+// The same in single quotes, unless it begins with a quote of its own.
+std::string quotedText(const ScriptTokens& tokens, const Chain& chain, std::size_t count);
+
 // The same for a name and fields only, "table.insert"; empty for all else.
 std::string pathOf(const ScriptTokens& tokens, const Chain& chain, std::size_t count);
 

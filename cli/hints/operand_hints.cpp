@@ -66,8 +66,7 @@ Operand operandAt(const ScriptTokens& tokens, std::size_t first, int rank) {
 }
 
 std::string quoted(const ScriptCode& code, const Operand& operand) {
-  const std::string text = textOf(code.tokens, operand.chain, operand.chain.steps.size());
-  return operand.type == Operand::Type::String ? text : "'" + text + "'";
+  return quotedText(code.tokens, operand.chain, operand.chain.steps.size());
 }
 
 std::string firstAbsence(const ScriptCode& code, const std::vector<Operand>& operands) {

@@ -48,10 +48,8 @@ Presence presenceOf(const ScriptCode& code, const std::string& path) {
 std::string absenceHint(const ScriptCode& code, const std::string& path) {
   const std::string meaning = code.names.meaningOf(path);
   if (presenceOf(code, meaning) != Presence::Absent) {
-    const std::uint32_t line = code.names.laterLocal(path, code.failed);
-    if (line == 0) return {};
-    return "'" + path + "' is nil here: the local of this name begins only in line " +
-           std::to_string(line);
+    if (!code.names.isLocalOnlyBehind(path, code.failed)) return {};
+    return "'" + path + "' is nil here: the local of this name begins only further down";
   }
   const std::string_view remedy = remedyFor(meaning);
   if (!remedy.empty()) return meaning + " does not exist here: " + std::string(remedy);

@@ -116,12 +116,10 @@ std::string ScriptNames::meaningOf(const std::string& name) const {
   return isWhole && isOfLibrary && !setsVariable(library) ? path : name;
 }
 
-std::uint32_t ScriptNames::laterLocal(std::string_view name, std::size_t token) const {
+bool ScriptNames::isLocalOnlyBehind(std::string_view name, std::size_t token) const {
   const auto found = variables_.find(name);
-  if (found == variables_.end()) return 0;
-  const auto isLaterLocal = [token](const Setting& s) { return s.isLocal && s.token > token; };
-  if (!std::ranges::all_of(found->second, isLaterLocal)) return 0;
-  return tokens_[found->second.front().token].line;
+  const auto isBehind = [token](const Setting& s) { return s.isLocal && s.token > token; };
+  return found != variables_.end() && std::ranges::all_of(found->second, isBehind);
 }
 
 std::string ScriptNames::variableLike(std::string_view name) const {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
@@ -33,9 +32,9 @@ class ScriptNames {
   // `local insert = table.insert` does; else the name.
   std::string meaningOf(const std::string& name) const;
 
-  // The line of the first local of this name where all of them stand behind the token, so that it
-  // means a global there; 0 otherwise.
-  std::uint32_t laterLocal(std::string_view name, std::size_t token) const;
+  // Whether there are locals of this name, but all of them stand behind the token, where it
+  // therefore means a global.
+  bool isLocalOnlyBehind(std::string_view name, std::size_t token) const;
 
   // The one variable, or the one field of whatever table, that differs from the name by a slip of
   // the hand; empty where there is none, or more than one.

@@ -44,8 +44,8 @@ std::vector<Suspect> indexedValues(const Chain& chain, std::size_t count) {
 
 // What a suspect is called in a hint.
 std::string quoted(const ScriptCode& code, const Chain& chain, const Suspect& suspect) {
-  const std::string object = textOf(code.tokens, chain, suspect.count);
-  return "'" + (suspect.method.empty() ? object : object + ":" + suspect.method) + "'";
+  if (suspect.method.empty()) return quotedText(code.tokens, chain, suspect.count);
+  return "'" + textOf(code.tokens, chain, suspect.count) + ":" + suspect.method + "'";
 }
 
 std::string typed(std::string_view type) {
@@ -55,7 +55,7 @@ std::string typed(std::string_view type) {
 
 std::string missingMethod(const ScriptCode& code, const Chain& chain, const Suspect& suspect) {
   std::string text =
-      "'" + textOf(code.tokens, chain, suspect.count) + "' has no method '" + suspect.method + "'";
+      quotedText(code.tokens, chain, suspect.count) + " has no method '" + suspect.method + "'";
   for (const char* const library : {"file.", "table."}) {
     const std::string_view remedy = remedyFor(library + suspect.method);
     if (!remedy.empty()) return text.append(": ").append(remedy);
@@ -158,7 +158,7 @@ std::string assignmentHint(const ScriptCode& code, std::string_view type) {
   const bool isDeclaration = code.tokens.is(code.failed, TokenKind::Function);
   const Chain chain = readChain(code.tokens, code.failed + (isDeclaration ? 1 : 0));
   const std::size_t set = stepThatIsSet(code.tokens, chain, isDeclaration);
-  if (set == chain.steps.size()) return {};  // one of several targets
+  if (set == 0 || set == chain.steps.size()) return {};  // or one of several targets
   if (type == "string") return "a string cannot be changed: make a new one with sub and ..";
   return suspectsHint(code, chain, {{set, {}}}, type);
 }
@@ -177,12 +177,12 @@ std::string stringFieldHint(const ScriptCode& code) {
   }
   if (steps.size() != 1) return {};
   const Chain::Step& step = chain.steps[steps.front()];
-  const std::string object = textOf(code.tokens, chain, steps.front());
+  const std::string object = quotedText(code.tokens, chain, steps.front());
   if (step.kind == StepKind::Key) {
-    return "'" + object + "' is a string, which has no elements: s:sub(i, i) is one letter";
+    return object + " is a string, which has no elements: s:sub(i, i) is one letter";
   }
   const std::string name = nameOf(code.tokens, step);
-  std::string text = "'" + object + "' is a string, and string has only ";
+  std::string text = object + " is a string, and string has only ";
   std::string separator;
   for (const std::string_view member : libraryMembers("string")) {
     if (isLike(member, name)) {

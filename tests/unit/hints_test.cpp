@@ -102,7 +102,7 @@ TEST(HintsTest, ValuesThatWereNil) {
       {"t = {}\nfunction t.deposit() end\nt:depositt()",
        "'t' has no method 'depositt'; did you mean 'deposit'?"},
       {"later()\nlocal function later() end",
-       "'later' is nil here: the local of this name begins only in line 2"},
+       "'later' is nil here: the local of this name begins only further down"},
       {"local f = io.open('missing/file')\nf:read()",
        "'f' is nil here: the second result of io.open tells why"},
       {"local t = {} function t:f() return self.x end t.f()",
@@ -245,7 +245,8 @@ TEST(HintsTest, NothingWhereItIsNotSure) {
 
 // Places that no failure of this text has: the text and the error do not belong together.
 TEST(HintsTest, EveryPlaceIsSafe) {
-  const std::string source = "local t = {f(1), [2] = 'x'} t.a:b(function() end)(#t - -1)\n)]}([{'";
+  const std::string source =
+      "local t = {f(1), [2] = 'x'} function f(n) t.a:b(function() end)(#t - -1)\n)]}([{'";
   const char* const messages[] = {
       "attempt to call a nil value",
       "attempt to index a number value",
