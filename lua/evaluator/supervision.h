@@ -1,7 +1,8 @@
 #pragma once
 
+#include <cstddef>
+
 #include "lua/evaluator/trace.h"
-#include "lua/value/completion.h"
 #include "lua/value/work_meter.h"
 
 // What calls and loops do besides their work, as a policy that their node functions are made with.
@@ -12,7 +13,7 @@ namespace tarvel::lua::internal {
 
 struct Unsupervised {
   static void step(WorkMeter&, const Site&) noexcept {}
-  static Value moved(Value completion, WorkMeter&, Site) noexcept { return completion; }
+  static void moved(std::size_t, WorkMeter&, Site) noexcept {}
 
   struct Rounds {
     Rounds(WorkMeter&, const Site&) noexcept {}
@@ -32,11 +33,9 @@ struct Supervised {
   // A call is about to be made.
   static void step(WorkMeter& meter, const Site& site) { meter.step(site); }
 
-  // A call has moved its results: any number of them, at each of the calls that return them.
-  static Value moved(Value completion, WorkMeter& meter, Site site) {
-    if (ReturnSignal::isSeveral(completion))
-      meter.spend(stepsForBytes(ReturnSignal::count(completion) * sizeof(Value)), site);
-    return completion;
+  // A call passes on so many values, as every call does that returns them further.
+  static void moved(std::size_t values, WorkMeter& meter, Site site) {
+    meter.spend(stepsForBytes(values * sizeof(Value)), site);
   }
 
   // The rounds of a loop at `site`.
