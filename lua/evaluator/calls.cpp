@@ -42,8 +42,9 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
 }
 
 // Several values must not be released with the locals whose slots they have overwritten.
+template <class Supervision>
 [[gnu::noinline]] Value finishWithoutSingleValue(Value* frame, const FunctionExpr* body,
-                                                 Value completion) noexcept {
+                                                 Value completion) {
   Value* end = &slotAt(frame + 1, body->releaseEnd);
   if (!ReturnSignal::isSeveral(completion)) {
     clearSlots(frame, end);
@@ -51,7 +52,9 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
   }
   if (completion.values < end) end = completion.values;
   clearSlots(frame, end);
-  return settleSeveral(frame, completion);
+  const Value settled = settleSeveral(frame, completion);
+  Supervision::moved(ReturnSignal::count(settled), body->interpreter->heap.meter(), body->site);
+  return settled;
 }
 
 // Runs a script function whose parameters stand in frame[1] on, all of them set.
@@ -62,8 +65,7 @@ template <class Supervision>
   const Value completion = executeStatement(body->entry, frame + 1);
   call.returned();
   if (!isSingleValue(completion)) [[unlikely]]
-    return Supervision::moved(finishWithoutSingleValue(frame, body, completion),
-                              body->interpreter->heap.meter(), site);
+    return finishWithoutSingleValue<Supervision>(frame, body, completion);
   clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
   clearSlot(frame[0]);
   return completion;
@@ -74,10 +76,12 @@ template <class Supervision>
 }
 
 // Stores what a native function returned from frame[0] on, after the arguments are gone.
-Value settleResults(ValueStack& stack, Value* frame, MultiValue&& results, Site site) {
+template <class Supervision>
+Value settleResults(LuaVM::Impl& interpreter, Value* frame, MultiValue&& results, Site site) {
   if (results.size() == 1) return results.release()[0];
   if (results.empty()) return ReturnSignal::noValues();
-  if (!stack.makeRoom(frame + results.size(), 0)) failStackOverflow(site);
+  if (!interpreter.stack.makeRoom(frame + results.size(), 0)) failStackOverflow(site);
+  Supervision::moved(results.size(), interpreter.heap.meter(), site);
   const ValueSpan values = results.release();
   for (std::size_t i = 0; i < values.size(); ++i) frame[i] = values[i];
   return ReturnSignal::severalValues(frame, static_cast<std::uint32_t>(values.size()));
@@ -108,8 +112,7 @@ Value callNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Si
   call.returned();
   stack.setTop(outerTop);
   clearSlots(frame, end);
-  return Supervision::moved(settleResults(stack, frame, std::move(results), site),
-                            interpreter.heap.meter(), site);
+  return settleResults<Supervision>(interpreter, frame, std::move(results), site);
 }
 
 // Any callee, any number of arguments.
@@ -445,10 +448,10 @@ Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count
   internal::Supervised::step(meter, site);
   const Value completion = internal::callAny<internal::Supervised>(interpreter, frame, count, site);
   internal::OwnedValue single(isSingleValue(completion) ? completion : Value());
-  const std::uint64_t bytes =
-      ReturnSignal::isSeveral(completion) ? ReturnSignal::count(completion) * sizeof(Value) : 0;
+  const std::size_t moved =
+      ReturnSignal::isSeveral(completion) ? ReturnSignal::count(completion) : 1;
   // Throws also for what has been counted since the last step, when no other step follows.
-  meter.spend(internal::stepsForBytes(bytes), site);
+  internal::Supervised::moved(moved, meter, site);
   single.take();
   return completion;
 }

@@ -2,7 +2,8 @@
 
 #include <tarvel/lua/lua_vm.h>
 
-#include "lua/value/completion.h"
+#include <cstddef>
+
 #include "lua/value/errors.h"
 #include "lua/value/value.h"
 #include "lua/value/work_meter.h"
@@ -21,7 +22,7 @@ struct FunctionExpr;
 
 struct Unsupervised {
   static void step(WorkMeter&, const Site&) noexcept {}
-  static Value moved(Value completion, WorkMeter&, Site) noexcept { return completion; }
+  static void moved(std::size_t, WorkMeter&, Site) noexcept {}
 
   struct Rounds {
     Rounds(WorkMeter&, const Site&) noexcept {}
@@ -41,11 +42,9 @@ struct Supervised {
   // A call is about to be made.
   static void step(WorkMeter& meter, const Site& site) { meter.step(site); }
 
-  // A call has moved its results: any number of them, at each of the calls that return them.
-  static Value moved(Value completion, WorkMeter& meter, Site site) {
-    if (ReturnSignal::isSeveral(completion))
-      meter.spend(stepsForBytes(ReturnSignal::count(completion) * sizeof(Value)), site);
-    return completion;
+  // A call passes on so many values, as every call does that returns them further.
+  static void moved(std::size_t values, WorkMeter& meter, Site site) {
+    meter.spend(stepsForBytes(values * sizeof(Value)), site);
   }
 
   // The rounds of a loop at `site`.
