@@ -223,7 +223,7 @@ TEST_F(NativeObjects, MayPullTheRugFromUnderTheReader) {
   };
   const char* const hooks[] = {
       "return 1",
-      "g, u, up = nil return 1",
+      "g, u, up, keep = nil return 1",
       "g.o, g.list, u.items, up.items, g.w, g.n = nil return 1",
       R"(g, u, up = {n = 10}, {n = 11, items = {{12}, {13}}}, {n = 1, items = {{15}, {16}}}
          return 1)",
@@ -328,6 +328,11 @@ TEST_F(NativeObjects, AreTheSameUserdataAsLongAsScriptsHaveThem) {
   host.run("collect = nil");
   EXPECT_EQ(1, first.use_count());
   EXPECT_EQ(3, first->wind);
+  host.set("a", first);
+  host.run("a = nil");
+  EXPECT_EQ(1, first.use_count());
+  host.set("a", first);
+  EXPECT_EQ("i3", host.run("return a.wind"));
   // An object crosses again when its userdata is dead and waits to be dismantled.
   auto ending = std::make_shared<World>();
   ending->atEnd = [&] { host.set("again", first); };
@@ -379,24 +384,30 @@ TEST_F(NativeObjects, AreGivenBackWhenTheInterpreterEnds) {
   EXPECT_EQ(1, world.use_count());
   handle = LuaValue();
 
-  // The object has the last share in its interpreter, and goes in the middle of a run.
-  auto* const host = new Host;
-  bool ended = false;
-  auto owner = std::make_shared<World>();
-  owner->atEnd = [host, &ended] {
-    delete host;
-    ended = true;
-  };
-  host->set("w", owner);
-  owner.reset();
-  host->run("local t = {w, {w}} w = nil t = nil return 1");
-  EXPECT_TRUE(ended);
+  // The object ends its interpreter: in the middle of a run, which goes on; and where nothing runs.
+  for (const bool isRunning : {true, false}) {
+    auto* const host = new Host;
+    bool ended = false;
+    auto owner = std::make_shared<World>();
+    owner->atEnd = [host, &ended] {
+      delete host;
+      ended = true;
+    };
+    host->set("w", owner);
+    owner.reset();
+    const char* const script = isRunning ? "local t = {w, {w}} w = nil t = nil return 1"
+                                         : "local o = w w = nil return function() return o end";
+    handle = host->vm.runScriptString(script, "c").value;
+    EXPECT_EQ(isRunning, ended);
+    handle = LuaValue();
+    EXPECT_TRUE(ended);
+  }
 }
 
 TEST_F(NativeObjects, CountAsMemory) {
   Host host;
   LuaLimits limits;
-  limits.memory = std::size_t{1} << 20;
+  limits.memory = std::size_t{4} << 20;
   host.vm.setLimits(limits);
   host.vm.bindFunction("make", [&](LuaVM&, const std::vector<LuaValue>&) {
     host.set("w", std::make_shared<World>());
