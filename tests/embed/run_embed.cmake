@@ -81,8 +81,9 @@ if(MODE STREQUAL "pkg-config")
   file(MAKE_DIRECTORY ${WORK_DIR}/build)
   run(${COMPILER} -std=c++20 ${hosts} -o ${WORK_DIR}/build/quick_start ${options})
 else()
+  list(JOIN hosts "," sources)
   set(configureOptions -G ${GENERATOR} -D CMAKE_MAKE_PROGRAM=${MAKE_PROGRAM} -D CMAKE_CXX_COMPILER=${COMPILER}
-                       "-DHOSTS=${hosts}")
+                       -D HOSTS=${sources})
   if(MODE STREQUAL "subproject")
     # Unoptimised, because what matters here is that it builds at all; the folder is kept for the next run.
     list(APPEND configureOptions -D TARVELLUA_DIR=${SOURCE_DIR} -D CMAKE_BUILD_TYPE=Debug

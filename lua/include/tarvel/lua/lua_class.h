@@ -66,8 +66,10 @@ inline constexpr bool isRest = std::is_same_v<std::remove_cvref_t<T>, std::vecto
 template <class P>
 struct Parameter {
   static_assert(!std::is_lvalue_reference_v<P> || std::is_const_v<std::remove_reference_t<P>>,
-                "parameters are copies: take them by value or by const reference");
+                "parameters are copies: take them by value or by const reference, and objects by "
+                "std::shared_ptr");
   using Stored = std::remove_cvref_t<P>;
+  static_assert(!std::is_same_v<Stored, const char*>, "take strings as std::string_view");
 
   static Stored take(const Arguments& arguments, std::size_t index) {
     Stored value{};
@@ -211,6 +213,7 @@ std::shared_ptr<Callable> makeMethod(F function) {
 
 template <class F>
 std::shared_ptr<Callable> makeFunction(F function) {
+  static_assert(!std::is_member_pointer_v<F>, "methods belong to a class: see LuaVM::defineClass");
   return std::make_shared<BoundFunction<F>>(std::move(function));
 }
 

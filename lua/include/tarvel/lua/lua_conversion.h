@@ -53,6 +53,20 @@ template <class T>
 inline constexpr bool isRecord =
     !std::is_same_v<std::remove_cv_t<decltype(luaRecord<T>)>, std::nullptr_t>;
 
+// Whether a T refers to text of the interpreter, so that only parameters may be one. Not told for
+// records, which may contain themselves.
+template <class T>
+inline constexpr bool isView =
+    std::is_same_v<T, std::string_view> || std::is_same_v<T, const char*>;
+template <class T>
+inline constexpr bool isView<std::optional<T>> = isView<T>;
+template <class T>
+inline constexpr bool isView<std::vector<T>> = isView<T>;
+template <class T, class Order>
+inline constexpr bool isView<std::map<std::string, T, Order>> = isView<T>;
+template <class T, class Hash, class Equal>
+inline constexpr bool isView<std::unordered_map<std::string, T, Hash, Equal>> = isView<T>;
+
 // What a conversion calls its type where a function of the host gets something else.
 inline constexpr const char* kNumeric = " expects a numeric argument";
 inline constexpr const char* kTable = " expects a table";

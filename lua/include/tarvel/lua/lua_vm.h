@@ -137,10 +137,10 @@ class TARVELLUA_API LuaVM {
 
   // Calls a function of a script or of the library, by handle or by name, with arguments that
   // cross. R is what it returns: void ignores all values, std::tuple takes several, LuaValue takes
-  // them as LuaResult::value does; a std::string_view would dangle and does not compile. An error,
-  // os.exit, or a result that is no R comes back in the outcome; throws only what a host's function
-  // throws that is no std::exception. May be called again from a function that the script is
-  // calling.
+  // them as LuaResult::value does. A std::string_view would dangle and does not compile; do not use
+  // one as the member of a record that is a result either. An error, os.exit, or a result that is
+  // no R comes back in the outcome; throws only what a host's function throws that is no
+  // std::exception. May be called again from a function that the script is calling.
   template <class R = LuaValue, class... Arguments>
   LuaOutcome<R> call(const LuaFunction& function, const Arguments&... arguments) {
     return callTarget<R>(function, arguments...);
@@ -182,8 +182,7 @@ namespace bridge {
 // What a call returned, as an R.
 template <class R>
 struct Results {
-  static_assert(!std::is_same_v<R, std::string_view> && !std::is_same_v<R, const char*>,
-                "a view would dangle: ask for a std::string");
+  static_assert(!isView<R>, "a view would dangle: ask for a std::string");
   static LuaOutcome<R> take(const Call& call) {
     Problem problem;
     R result{};
@@ -204,6 +203,7 @@ struct Results<LuaValue> {
 
 template <class... T>
 struct Results<std::tuple<T...>> {
+  static_assert(!(isView<T> || ...), "a view would dangle: ask for a std::string");
   static LuaOutcome<std::tuple<T...>> take(const Call& call) {
     return takeAll(call, std::index_sequence_for<T...>());
   }
@@ -239,6 +239,7 @@ LuaOutcome<R> LuaVM::callTarget(const Target& target, const Arguments&... argume
 
 template <class T>
 LuaOutcome<T> LuaVM::getGlobal(std::string_view name) {
+  static_assert(!bridge::isView<T>, "a view would dangle: ask for a std::string");
   bridge::Call call(*this);
   try {
     call.readGlobal(name);
