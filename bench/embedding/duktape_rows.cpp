@@ -52,8 +52,7 @@ Engine makeDuktape() {
   const auto move = get("move");
   const auto numbers = get("numbers");
   const auto texts = get("texts");
-  const std::string text =
-      "(function() {\n" + longScript("function f", "  a = a + 1", "}") + "})";
+  const std::string text = "(function() {\n" + longScript("function f", "  a = a + 1", "}") + "})";
   duk_eval_string(engine, text.c_str());
   const auto prepared = duk_get_top_index(engine);
   rows.rows[kNothing] = [=](long n) {

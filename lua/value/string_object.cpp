@@ -19,8 +19,8 @@ std::uint32_t unitsFor(std::size_t length) {
   return static_cast<std::uint32_t>(units);
 }
 
-// Looking at all of a text is more than a step where it is long. Not for what is in the small blocks
-// of a heap, which short strings are.
+// Looking at all of a text is more than a step where it is long. Not for what is in the small
+// blocks of a heap, which short strings are.
 void noteLook(const StringObject* text, std::size_t bytes) noexcept {
   if (bytes > Heap::kSmallLimit) {
     Heap::of(text, text->blockBytes()).meter().note(stepsForBytes(bytes));

@@ -111,8 +111,7 @@ bool PatternExpression::search(std::string_view subject, std::size_t from, Patte
   // At a later position there is nothing that `^` could match.
   if (hints_.anchored) return searchFrom(begin, subject, match_continuous, match, site);
   const char* const end = subject.data() + subject.size();
-  if (hints_.required &&
-      findByte(meter_, begin, end, *hints_.required, site) == end) {
+  if (hints_.required && findByte(meter_, begin, end, *hints_.required, site) == end) {
     return false;
   }
   const bool oneByOne = !hints_.prefix.empty() || hints_.run;
@@ -231,8 +230,9 @@ bool PatternExpression::searchSupervised(const char* first, const char* end,
                      static_cast<std::int64_t>(unitsPerRound * SearchCost::kComparisons),
                      unitsPerRound * cost_.stepsPerComparisons);
   const bool found = searchGuarded(first, end, flags);
-  meter_.spend(SearchGuard::comparisonsLeftOver() * cost_.stepsPerComparisons / SearchCost::kComparisons,
-               site);
+  meter_.spend(
+      SearchGuard::comparisonsLeftOver() * cost_.stepsPerComparisons / SearchCost::kComparisons,
+      site);
   if (SearchGuard::isExceeded()) failStack();
   return found;
 }

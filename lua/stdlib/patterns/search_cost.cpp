@@ -124,10 +124,12 @@ class Counter {
 
 SearchCost SearchCost::of(std::string_view expression) {
   const Counts counts = Counter(expression).count();
-  const std::uint64_t copies = counts.hasCounts ? std::min(productOfCounts(expression), kMostStates) : 1;
+  const std::uint64_t copies =
+      counts.hasCounts ? std::min(productOfCounts(expression), kMostStates) : 1;
   const std::uint64_t states = std::min(counts.terms * copies, 2 * kMostStates);
   SearchCost cost;
-  cost.compileUnits = states + kUnitsPerSet * counts.sets + kUnitsPerByteOfSet * counts.bytesOfSets +
+  cost.compileUnits = states + kUnitsPerSet * counts.sets +
+                      kUnitsPerByteOfSet * counts.bytesOfSets +
                       counts.alternatives * counts.alternatives / kAlternativesSquaredPerUnit;
   cost.memory = kMemoryPerState * states + kMemoryPerSet * std::min(counts.sets * copies, states);
   // A search makes a list of all states. Each position where a match may start copies what the
