@@ -95,8 +95,8 @@ constexpr Counted kCounted[] = {
     {"pcall(error) pcall(pcall, error, 'x') pcall(type, 1)", 8},
     {"return pcall(nil)", 2},
     // Passing on many values: eight are a step, at every level that moves them.
-    {"local function f(n) if n == 1 then return 1 end return 1, f(n - 1) end return f(64)", 313},
-    {"local function f(n) if n > 1 then return pcall(f, n - 1) end end return f(64)", 807},
+    {"local function f(n) if n == 1 then return 1 end return 1, f(n - 1) end return f(64)", 353},
+    {"local function f(n) if n > 1 then return pcall(f, n - 1) end end return f(64)", 1063},
 };
 
 TEST(Supervision, EveryCallAndEveryRoundIsAStep) {
