@@ -43,7 +43,7 @@ std::string ScriptValue::className(const void* classKey) const {
   return type != nullptr ? type->name() : "object of a class that is not defined here";
 }
 
-void ScriptSink::object(const void* classKey, std::shared_ptr<void> value) {
+void ScriptSink::object(const void* classKey, const std::shared_ptr<void>& value) {
   LuaVM::Impl& interpreter = internal::implOf(interpreter_);
   NativeClass* const type = internal::findClass(interpreter, classKey);
   if (type == nullptr && value != nullptr)

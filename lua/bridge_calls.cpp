@@ -22,7 +22,6 @@
 namespace tarvel::lua::bridge {
 
 using internal::isSingleValue;
-using internal::OwnedValue;
 using internal::ReturnSignal;
 using internal::Value;
 using internal::ValueStack;

@@ -34,10 +34,10 @@ LuaVM::LuaVM(const LuaOptions& options) {
   impl_ = impl.get();
   impl->fillGlobals();
   impl->setLimits(options.limits);
-  impl.release();
+  static_cast<void>(impl.release());
 }
 
-LuaVM::LuaVM(Impl* impl) noexcept : impl_(impl) {}
+LuaVM::LuaVM(Impl& impl) noexcept : impl_(&impl) {}
 
 LuaVM::~LuaVM() {
   if (this != &impl_->self) impl_->abandon();
@@ -81,7 +81,7 @@ const char* LuaVM::version() noexcept { return TARVELLUA_VERSION; }
 // ---- The interpreter behind it ------------------------------------------------------------------
 
 LuaVM::Impl::Impl(LuaVM& ownerVm, const LuaOptions& vmOptions)
-    : self(this),
+    : self(*this),
       owner(&ownerVm),
       options(vmOptions),
       heap(heapOwner.get()),

@@ -118,6 +118,9 @@ class TARVELLUA_API ScriptValue {
 // throw std::exception for what the interpreter cannot take.
 class TARVELLUA_API ScriptSink {
  public:
+  ScriptSink(const ScriptSink&) = delete;
+  ScriptSink& operator=(const ScriptSink&) = delete;
+
   void nil();
   void boolean(bool value);
   void integer(std::int64_t value);
@@ -125,7 +128,7 @@ class TARVELLUA_API ScriptSink {
   void text(std::string_view value);
   void function(const LuaFunction& value);
   void any(const LuaValue& value);
-  void object(const void* classKey, std::shared_ptr<void> value);
+  void object(const void* classKey, const std::shared_ptr<void>& value);
   // A table; each value that follows is put into it by one of the next two, until endTable.
   void beginTable(std::size_t elements, std::size_t members);
   void endElement(std::size_t number);  // from 1
@@ -138,8 +141,6 @@ class TARVELLUA_API ScriptSink {
  protected:
   ScriptSink() noexcept = default;
   ~ScriptSink() = default;
-  ScriptSink(const ScriptSink&) = delete;
-  ScriptSink& operator=(const ScriptSink&) = delete;
 
   Interpreter* interpreter_ = nullptr;
   std::byte* next_ = nullptr;

@@ -66,7 +66,10 @@ class TARVELLUA_API LuaException : public std::runtime_error {
 template <class T>
 class [[nodiscard]] LuaOutcome {
  public:
+  // Both are meant to be implicit: a function returns either.
+  // NOLINTNEXTLINE(google-explicit-constructor)
   LuaOutcome(T value) : value_(std::move(value)) {}
+  // NOLINTNEXTLINE(google-explicit-constructor)
   LuaOutcome(LuaError error) : error_(std::make_unique<LuaError>(std::move(error))) {}
   // Whether there is a value. For a LuaOutcome<bool>, too: `if (vm.call<bool>(rule))` does not ask
   // what the rule said.
@@ -97,6 +100,7 @@ template <>
 class [[nodiscard]] LuaOutcome<void> {
  public:
   LuaOutcome() = default;
+  // NOLINTNEXTLINE(google-explicit-constructor)
   LuaOutcome(LuaError error) : error_(std::make_unique<LuaError>(std::move(error))) {}
   explicit operator bool() const noexcept { return error_ == nullptr; }
   const LuaError& error() const noexcept { return *error_; }

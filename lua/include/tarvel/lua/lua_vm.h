@@ -164,7 +164,7 @@ class TARVELLUA_API LuaVM {
  private:
   friend class bridge::Call;
 
-  explicit LuaVM(Impl* impl) noexcept;
+  explicit LuaVM(Impl& impl) noexcept;
 
   void bindCallable(std::string_view name, std::shared_ptr<bridge::Callable> function);
   bridge::ClassInInterpreter* findOrMakeClass(const void* key, std::string_view name);
