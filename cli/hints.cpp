@@ -63,7 +63,7 @@ std::string iteratorHint(const ScriptCode& code) {
   std::size_t in = code.failed;
   while (in < code.tokens.size() && !code.tokens.is(in, TokenKind::In)) ++in;
   const internal::Chain chain = internal::readChain(code.tokens, in + 1);
-  const std::string absence = internal::absenceHint(code, chain, chain.steps.size());
+  std::string absence = internal::absenceHint(code, chain, chain.steps.size());
   if (!absence.empty()) return absence;
   return "for needs pairs(t), ipairs(t) or string.gmatch(s, pattern), not a table or a function";
 }

@@ -61,7 +61,8 @@ void Session::run(const std::string& line) {
 LuaError Session::inAllLines(LuaError error) const {
   if (!keepsLines_) return error;
   if (error.line > 0 && error.chunk.size() > kChunkName.size()) {
-    error.line = static_cast<std::uint32_t>(std::atoi(error.chunk.c_str() + kChunkName.size() + 1));
+    const char* const digits = error.chunk.c_str() + kChunkName.size() + 1;
+    error.line = static_cast<std::uint32_t>(std::strtoul(digits, nullptr, 10));
   }
   for (LuaError::Frame& frame : error.trace) {
     if (!frame.chunk.empty()) frame.chunk = kChunkName;

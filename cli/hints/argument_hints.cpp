@@ -98,7 +98,7 @@ std::string argumentTypeHint(const ScriptCode& code, std::string_view message) {
     for (const Argument argument : readArguments(code.tokens, open)) {
       const Chain value = readChain(code.tokens, argument.first);
       if (value.isEmpty() || value.end() != argument.end) continue;
-      const std::string hint = absenceHint(code, value, value.steps.size());
+      std::string hint = absenceHint(code, value, value.steps.size());
       if (!hint.empty()) return hint;
     }
   }

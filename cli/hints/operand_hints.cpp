@@ -71,7 +71,7 @@ std::string quoted(const ScriptCode& code, const Operand& operand) {
 
 std::string firstAbsence(const ScriptCode& code, const std::vector<Operand>& operands) {
   for (const Operand& operand : operands) {
-    const std::string hint = absenceHint(code, operand.chain, operand.chain.steps.size());
+    std::string hint = absenceHint(code, operand.chain, operand.chain.steps.size());
     if (!hint.empty()) return hint;
   }
   return {};
@@ -145,7 +145,7 @@ std::string negationHint(const ScriptCode& code) {
 
 std::string lengthHint(const ScriptCode& code) {
   const Operand operand = operandAt(code.tokens, code.failed + 1, rankOf(TokenKind::Star));
-  const std::string hint = firstAbsence(code, {operand});
+  std::string hint = firstAbsence(code, {operand});
   if (!hint.empty() || operand.type != Operand::Type::Chain) return hint;
   return quoted(code, operand) + " is neither a string nor a table here";
 }

@@ -58,7 +58,7 @@ std::string absenceHint(const ScriptCode& code, const std::string& path) {
 
 std::string absenceHint(const ScriptCode& code, const Chain& chain, std::size_t count) {
   for (std::size_t i = 1; i <= count; ++i) {
-    const std::string hint = absenceHint(code, pathOf(code.tokens, chain, i));
+    std::string hint = absenceHint(code, pathOf(code.tokens, chain, i));
     if (!hint.empty()) return hint;
   }
   return {};
