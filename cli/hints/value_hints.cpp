@@ -99,8 +99,7 @@ std::string suspectsHint(const ScriptCode& code, const Chain& chain,
     const std::string path = pathOf(code.tokens, chain, suspect.count);
     const bool isMethod = !suspect.method.empty();
     if (!isMethod && presenceOf(code, path) == Presence::Present) continue;
-    std::string absence =
-        type == "nil" && !isMethod ? absenceHint(code, path) : std::string();
+    std::string absence = type == "nil" && !isMethod ? absenceHint(code, path) : std::string();
     if (!absence.empty() && suspects.empty()) return absence;
     suspects.push_back(suspect);
   }
