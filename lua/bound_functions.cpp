@@ -35,9 +35,8 @@ class ResultSink final : public ScriptSink {
  public:
   explicit ResultSink(LuaVM::Impl& interpreter) : first_(interpreter.stack.top()) {
     interpreter_ = internal::interpreterOf(interpreter);
+    // Room is made when the first result comes: what the function runs may lower the stack's limit.
     next_ = end_ = reinterpret_cast<std::byte*>(first_);
-    if (interpreter.stack.hasRoom(first_ + kUsualResults, 0))
-      end_ = reinterpret_cast<std::byte*>(first_ + kUsualResults);
   }
 
   // What was put into it, as the completion of a call.
@@ -49,8 +48,6 @@ class ResultSink final : public ScriptSink {
   }
 
  private:
-  static constexpr std::size_t kUsualResults = 4;
-
   Value* const first_;
 };
 

@@ -67,6 +67,7 @@ internal::OwnedValue makeMember(LuaVM::Impl& interpreter, const std::string& nam
 void addMethod(LuaVM& vm, ClassInInterpreter* type, std::string_view name,
                std::shared_ptr<Callable> function) {
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  const internal::InterpreterInUse use(interpreter);  // what is replaced may destroy the LuaVM
   NativeClass& owner = classOf(type);
   const internal::OwnedValue key(Value(interpreter.strings.intern(name)));
   const std::string fullName = (owner.name() + ":").append(name);
@@ -76,6 +77,7 @@ void addMethod(LuaVM& vm, ClassInInterpreter* type, std::string_view name,
 void addProperty(LuaVM& vm, ClassInInterpreter* type, std::string_view name,
                  std::shared_ptr<Callable> getter, std::shared_ptr<Callable> setter) {
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  const internal::InterpreterInUse use(interpreter);  // what is replaced may destroy the LuaVM
   NativeClass& owner = classOf(type);
   const internal::OwnedValue key(Value(interpreter.strings.intern(name)));
   const std::string fullName = (owner.name() + ".").append(name);

@@ -10,6 +10,7 @@
 #include "lua/bridge_access.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
+#include "lua/value/metered_work.h"
 #include "lua/value/number_rules.h"
 #include "lua/value/record_keys.h"
 #include "lua/value/table.h"
@@ -129,6 +130,12 @@ LuaValue ScriptValue::toPublic() const {
 }
 
 bool ScriptValue::isTable() const noexcept { return toValue(raw_).isTable(); }
+
+void ScriptValue::countCopy() const {
+  const Table& table = *toValue(raw_).table;
+  const std::uint64_t items = std::uint64_t{table.arraySize()} + table.entryCount();
+  internal::implOf(interpreter_).heap.meter().spend(1 + items / internal::kElementsPerStep, 0);
+}
 
 bool ScriptValue::isSequence() const noexcept { return internal::isSequence(*toValue(raw_).table); }
 

@@ -19,12 +19,28 @@ std::uint32_t unitsFor(std::size_t length) {
   return static_cast<std::uint32_t>(units);
 }
 
-// Looking at all of a text is more than a step where it is long. Not for what is in the small
-// blocks of a heap, which short strings are.
+// Looking at all of a long text is more than a step. Short strings, which are in small blocks, are
+// looked at without a call for this.
+constexpr bool isLong(std::size_t bytes) noexcept { return bytes > Heap::kSmallLimit; }
+
 void noteLook(const StringObject* text, std::size_t bytes) noexcept {
-  if (bytes > Heap::kSmallLimit) {
-    Heap::of(text, text->blockBytes()).meter().note(stepsForBytes(bytes));
-  }
+  Heap::of(text, text->blockBytes()).meter().note(stepsForBytes(bytes));
+}
+
+[[gnu::noinline]] std::uint32_t hashOfLong(const StringObject* text) noexcept {
+  noteLook(text, text->length);
+  return StringObject::hashOf(text->view());
+}
+
+[[gnu::noinline]] int compareLong(const StringObject* a, const StringObject* b,
+                                  std::size_t bytes) noexcept {
+  noteLook(a, bytes);
+  return std::memcmp(a->data(), b->data(), bytes);
+}
+
+// As memcmp, of what both have.
+int compareBytes(const StringObject* a, const StringObject* b, std::size_t bytes) noexcept {
+  return isLong(bytes) ? compareLong(a, b, bytes) : std::memcmp(a->data(), b->data(), bytes);
 }
 
 }  // namespace
@@ -68,22 +84,19 @@ std::uint32_t StringObject::hashOf(std::string_view bytes) noexcept {
 }
 
 std::uint32_t StringObject::computeHash() noexcept {
-  noteLook(this, length);
-  return cachedHash = hashOf(view());
+  return cachedHash = isLong(length) ? hashOfLong(this) : hashOf(view());
 }
 
 bool stringsEqual(StringObject* a, StringObject* b) noexcept {
   if (a == b) return true;
   if (a->length != b->length) return false;
   if (a->cachedHash != 0 && b->cachedHash != 0 && a->cachedHash != b->cachedHash) return false;
-  noteLook(a, a->length);
-  return std::memcmp(a->data(), b->data(), a->length) == 0;
+  return compareBytes(a, b, a->length) == 0;
 }
 
 int compareStrings(const StringObject* a, const StringObject* b) noexcept {
   const std::size_t common = std::min(a->length, b->length);
-  noteLook(a, common);
-  if (const int order = std::memcmp(a->data(), b->data(), common); order != 0) return order;
+  if (const int order = compareBytes(a, b, common); order != 0) return order;
   return a->length < b->length ? -1 : a->length > b->length ? 1 : 0;
 }
 

@@ -56,7 +56,11 @@ class TARVELLUA_API Problem {
   bool inField(std::string_view name);
   bool inElement(std::size_t number);  // from 1
   // Goes into a table; says "nested too deeply" when there is no end to it.
-  bool enter() { return ++depth_ <= kShallow || enterDeep(); }
+  template <class Source>
+  bool enter(const Source& table) {
+    table.countCopy();
+    return ++depth_ <= kShallow || enterDeep();
+  }
   void leave() noexcept { --depth_; }
 
   // "listeners[2].port: a whole number expected, got a string".
@@ -96,6 +100,9 @@ class TARVELLUA_API ScriptValue {
   std::string className(const void* classKey) const;
 
   bool isTable() const noexcept;
+  // A table is about to be copied: work that counts, because the same table may stand in a value
+  // any number of times. Throws what ends the run.
+  void countCopy() const;
   bool isSequence() const noexcept;  // the keys 1 to length and no others
   std::size_t length() const noexcept;
   ScriptValue element(std::size_t number) const noexcept;  // from 1

@@ -67,12 +67,9 @@ inline constexpr bool isView<std::map<std::string, T, Order>> = isView<T>;
 template <class T, class Hash, class Equal>
 inline constexpr bool isView<std::unordered_map<std::string, T, Hash, Equal>> = isView<T>;
 
-// What a conversion calls its type where a function of the host gets something else.
-inline constexpr const char* kNumeric = " expects a numeric argument";
-inline constexpr const char* kTable = " expects a table";
-
 // Converts a T. `give` puts it into a sink. `take` reads it from a source; on failure it is false,
-// and the problem says why. `fits` is whether the source is of the right kind at all.
+// and the problem says why. `fits` is whether the source is of the right kind at all; `kArgument`
+// is what a function of the host says where it is not.
 template <class T>
 struct Conversion {
   static_assert(sizeof(T) == 0,
@@ -80,17 +77,39 @@ struct Conversion {
                 "lua_conversion.h for those that do, and luaRecord for structs of your own");
 };
 
-template <>
-struct Conversion<bool> {
+template <class Readable>
+struct KindOf {
+  template <class Source>
+  static bool fits(const Source& source) {
+    Readable value;
+    return source.read(value);
+  }
+};
+struct BooleanKind : KindOf<bool> {
   static constexpr const char* kArgument = " expects a boolean argument";
+};
+struct NumberKind : KindOf<double> {
+  static constexpr const char* kArgument = " expects a numeric argument";
+};
+struct StringKind : KindOf<std::string_view> {
+  static constexpr const char* kArgument = " expects a string argument";
+};
+struct FunctionKind : KindOf<LuaFunction> {
+  static constexpr const char* kArgument = " expects a function";
+};
+struct TableKind {
+  static constexpr const char* kArgument = " expects a table";
+  template <class Source>
+  static bool fits(const Source& source) {
+    return source.isTable();
+  }
+};
+
+template <>
+struct Conversion<bool> : BooleanKind {
   template <class Sink>
   static void give(Sink& sink, bool value) {
     sink.boolean(value);
-  }
-  template <class Source>
-  static bool fits(const Source& source) {
-    bool value;
-    return source.read(value);
   }
   template <class Source>
   static bool take(const Source& source, bool& out, Problem& problem) {
@@ -99,8 +118,7 @@ struct Conversion<bool> {
 };
 
 template <class T>
-requires(std::integral<T> && !std::same_as<T, bool>) struct Conversion<T> {
-  static constexpr const char* kArgument = kNumeric;
+requires(std::integral<T> && !std::same_as<T, bool>) struct Conversion<T> : NumberKind {
   template <class Sink>
   static void give(Sink& sink, T value) {
     if constexpr (std::is_unsigned_v<T> && sizeof(T) == 8) {
@@ -108,11 +126,6 @@ requires(std::integral<T> && !std::same_as<T, bool>) struct Conversion<T> {
         throw std::out_of_range(std::to_string(value) + " is too large for an integer of a script");
     }
     sink.integer(static_cast<std::int64_t>(value));
-  }
-  template <class Source>
-  static bool fits(const Source& source) {
-    double value;
-    return source.read(value);
   }
   template <class Source>
   static bool take(const Source& source, T& out, Problem& problem) {
@@ -136,16 +149,10 @@ requires(std::integral<T> && !std::same_as<T, bool>) struct Conversion<T> {
 };
 
 template <std::floating_point T>
-struct Conversion<T> {
-  static constexpr const char* kArgument = kNumeric;
+struct Conversion<T> : NumberKind {
   template <class Sink>
   static void give(Sink& sink, T value) {
     sink.number(static_cast<double>(value));
-  }
-  template <class Source>
-  static bool fits(const Source& source) {
-    double value;
-    return source.read(value);
   }
   template <class Source>
   static bool take(const Source& source, T& out, Problem& problem) {
@@ -157,16 +164,11 @@ struct Conversion<T> {
 };
 
 template <class T>
-requires(std::same_as<T, std::string> || std::same_as<T, std::string_view>) struct Conversion<T> {
-  static constexpr const char* kArgument = " expects a string argument";
+requires(std::same_as<T, std::string> || std::same_as<T, std::string_view>) struct Conversion<T>
+    : StringKind {
   template <class Sink>
   static void give(Sink& sink, std::string_view value) {
     sink.text(value);
-  }
-  template <class Source>
-  static bool fits(const Source& source) {
-    std::string_view value;
-    return source.read(value);
   }
   template <class Source>
   static bool take(const Source& source, T& out, Problem& problem) {
@@ -190,16 +192,10 @@ struct Conversion<const char*> {
 };
 
 template <>
-struct Conversion<LuaFunction> {
-  static constexpr const char* kArgument = " expects a function";
+struct Conversion<LuaFunction> : FunctionKind {
   template <class Sink>
   static void give(Sink& sink, const LuaFunction& value) {
     sink.function(value);
-  }
-  template <class Source>
-  static bool fits(const Source& source) {
-    LuaFunction value;
-    return source.read(value);
   }
   template <class Source>
   static bool take(const Source& source, LuaFunction& out, Problem& problem) {
@@ -268,8 +264,7 @@ struct Conversion<std::shared_ptr<T>> {
 };
 
 template <class T>
-struct Conversion<std::vector<T>> {
-  static constexpr const char* kArgument = kTable;
+struct Conversion<std::vector<T>> : TableKind {
   template <class Sink>
   static void give(Sink& sink, const std::vector<T>& values) {
     sink.beginTable(values.size(), 0);
@@ -281,14 +276,10 @@ struct Conversion<std::vector<T>> {
     sink.endTable();
   }
   template <class Source>
-  static bool fits(const Source& source) {
-    return source.isTable();
-  }
-  template <class Source>
   static bool take(const Source& source, std::vector<T>& out, Problem& problem) {
     if (!source.isTable()) return problem.expected("a sequence", source.description());
     if (!source.isSequence()) return problem.expected("a sequence", "a table with other keys");
-    if (!problem.enter()) return false;
+    if (!problem.enter(source)) return false;
     const std::size_t length = source.length();
     out.clear();
     out.reserve(length);
@@ -305,9 +296,8 @@ struct Conversion<std::vector<T>> {
 
 // A map with texts as keys.
 template <class Map>
-struct MapConversion {
+struct MapConversion : TableKind {
   using T = typename Map::mapped_type;
-  static constexpr const char* kArgument = kTable;
   template <class Sink>
   static void give(Sink& sink, const Map& members) {
     sink.beginTable(0, members.size());
@@ -318,13 +308,9 @@ struct MapConversion {
     sink.endTable();
   }
   template <class Source>
-  static bool fits(const Source& source) {
-    return source.isTable();
-  }
-  template <class Source>
   static bool take(const Source& source, Map& out, Problem& problem) {
     if (!source.isTable()) return problem.expected("a table", source.description());
-    if (!problem.enter()) return false;
+    if (!problem.enter(source)) return false;
     out.clear();
     Source key = source;
     Source value = source;
@@ -357,8 +343,7 @@ constexpr std::array<const char*, sizeof...(Fields)> fieldNames(
 }
 
 template <class T>
-requires(isRecord<T>) struct Conversion<T> {
-  static constexpr const char* kArgument = kTable;
+requires(isRecord<T>) struct Conversion<T> : TableKind {
   template <class Sink>
   static void give(Sink& sink, const T& value) {
     sink.beginRecord();
@@ -369,13 +354,9 @@ requires(isRecord<T>) struct Conversion<T> {
     sink.endRecord(names());
   }
   template <class Source>
-  static bool fits(const Source& source) {
-    return source.isTable();
-  }
-  template <class Source>
   static bool take(const Source& source, T& out, Problem& problem) {
     if (!source.isTable()) return problem.expected("a table", source.description());
-    if (!problem.enter()) return false;
+    if (!problem.enter(source)) return false;
     RecordKeys* const keys = source.record(names());
     // First, because where a name is misspelt the field that it should have been is missing.
     if (luaRecord<T>.isExact) {
@@ -431,6 +412,7 @@ class TARVELLUA_API PublicValue {
   LuaValue toPublic() const { return *value_; }
 
   bool isTable() const noexcept;
+  void countCopy() const noexcept {}
   bool isSequence() const noexcept;
   std::size_t length() const noexcept;
   PublicValue element(std::size_t number) const noexcept;
