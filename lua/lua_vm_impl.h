@@ -36,7 +36,6 @@ class NativeClass;
 class MemoryCharge;
 class PatternCache;
 struct ResolvedChunk;
-struct VariableExpr;
 
 // Objects that are always there.
 struct StandardObjects {
@@ -168,9 +167,6 @@ class LuaVM::Impl {
  private:
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
   LuaResult makeSuccess(internal::ValueSpan results) const;
-  // Binds names that are no locals to their global slots.
-  void bindGlobalSlots(const std::vector<internal::VariableExpr*>& names);
-  std::size_t resolveGlobalSlot(std::string_view name) { return globals.slotOf(name); }
 
   friend class internal::InterpreterInUse;
   std::size_t uses_ = 0;  // by functions of the facade that have not returned
