@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "lua/evaluator/call_protocol.h"
 #include "lua/evaluator/execute.h"
 
@@ -11,10 +13,25 @@ inline const CallExpr* asCall(const Node* node) noexcept {
   return static_cast<const CallExpr*>(node);
 }
 
+// The completion that an error becomes.
+[[gnu::cold]] Value keepFailure(LuaVM::Impl& interpreter, ProtectedRuntimeError&& error) noexcept;
+
 template <NodeFunction Multi>
 Value singleResult(const Node* node, Value* base) {
   const Value result = Multi(node, base);
-  return isSingleValue(result) ? result : firstOf(result);
+  return isSingleValue(result) ? result : firstOf(*node->interpreter, result);
+}
+
+// For whoever looks at the completion anyway: an error that comes up to here goes on as one, so
+// that not every call on its way has to be unwound. Where a call is an operand, this would only
+// mean to raise it again.
+template <NodeFunction Multi>
+Value allResults(const Node* node, Value* base) {
+  try {
+    return Multi(node, base);
+  } catch (ProtectedRuntimeError& error) {
+    return keepFailure(*node->interpreter, std::move(error));
+  }
 }
 
 template <NodeFunction Multi>
@@ -26,7 +43,7 @@ bool testResult(const Node* node, Value* base) {
 
 template <NodeFunction Multi>
 void chooseResults(CallExpr& call) {
-  call.executeMulti = Multi;
+  call.executeMulti = allResults<Multi>;
   call.execute = singleResult<Multi>;
   call.test = testResult<Multi>;
 }

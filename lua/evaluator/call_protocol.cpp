@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "lua/evaluator/call_forms.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/host_stack.h"
 
@@ -16,7 +17,8 @@ void failNotCallable(const Value& callee, Site site) {
 
 void failStackOverflow(Site site) { failRuntime(site, "stack overflow", FailureKind::Stack); }
 
-Value firstOf(Value completion) noexcept {
+Value firstOf(LuaVM::Impl& interpreter, Value completion) {
+  if (isFailed(completion)) interpreter.pendingFailure.raise();
   if (!ReturnSignal::isSeveral(completion)) return Value();
   Value* const values = completion.values;
   const Value first = values[0];
@@ -69,6 +71,7 @@ template <class Supervision>
   typename Supervision::NativeCall call(interpreter.self, frame, site);
   if (code->direct != nullptr) {
     const Value completion = code->direct(interpreter, frame, count, site);
+    if (isFailed(completion)) return completion;
     call.returned();
     stack.setTop(outerTop);
     if (!ReturnSignal::isSeveral(completion)) {
@@ -87,6 +90,10 @@ template <class Supervision>
 }
 
 }  // namespace
+
+Value keepFailure(LuaVM::Impl& interpreter, ProtectedRuntimeError&& error) noexcept {
+  return interpreter.pendingFailure.set(std::move(error));
+}
 
 // Several values must not be released with the locals whose slots they have overwritten.
 template <class Supervision>

@@ -9,15 +9,16 @@
 // How a call is made once the callee and its arguments stand in the slots where the callee's frame
 // starts: frame[0] holds the callee, frame[1] is the base of its frame. What stands there is owned
 // by the slots; the call releases it when the callee is done, and an error leaves it to the sweep.
-// The results are those of evaluateExpressionMulti.
+// The result is a completion: one value, or a ReturnSignal, or a failed one.
 //
 // Everything that makes a call has two forms, with the policies of supervision.h. A call is a step,
 // which whoever makes it counts when callee and arguments are there.
 
 namespace tarvel::lua::internal {
 
-// The first value of a completion that is no single value, owned; the others are released.
-Value firstOf(Value completion) noexcept;
+// The first value of a completion that is no single value, owned; the others are released. Raises a
+// failed one.
+Value firstOf(LuaVM::Impl& interpreter, Value completion);
 
 // Ends a call whose body returned none or several values.
 template <class Supervision>
@@ -50,9 +51,12 @@ template <class Supervision>
                                             const Site& site) {
   typename Supervision::ScriptCall call(body, frame, site);
   const Value completion = executeStatement(body->entry, frame + 1);
-  call.returned();
-  if (!isSingleValue(completion)) [[unlikely]]
+  if (!isSingleValue(completion)) [[unlikely]] {
+    if (isFailed(completion)) return completion;
+    call.returned();
     return finishWithoutSingleValue<Supervision>(frame, body, completion);
+  }
+  call.returned();
   clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
   clearSlot(frame[0]);
   return completion;

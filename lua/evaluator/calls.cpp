@@ -182,14 +182,6 @@ void chooseFunctionCall(CallExpr& call, const VariableExpr& callee) {
   }
 }
 
-// A call as a statement discards all its results.
-Value executeCallStatement(const Node* node, Value* base) {
-  const CallExpr* const call = static_cast<const ExpressionStmt*>(node)->expression;
-  const Value result = evaluateExpressionMulti(call, base);
-  drop(isSingleValue(result) ? result : firstOf(result));
-  return normalCompletion();
-}
-
 bool lastMayExpand(const CallExpr& call) noexcept {
   return !call.arguments.empty() && call.arguments[call.arguments.size - 1]->kind == ExprKind::Call;
 }
@@ -207,29 +199,9 @@ void chooseForm(CallExpr& call) {
 
 }  // namespace
 
-std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
-                                     Value* base) {
-  std::uint32_t count = 0;
-  for (; count + 1 < expressions.size; ++count) {
-    slots[count] = evaluateExpression(expressions[count], base);
-  }
-  const Expr* const last = expressions[count];
-  const Value result = last->kind == ExprKind::Call
-                           ? evaluateExpressionMulti(static_cast<const CallExpr*>(last), base)
-                           : evaluateExpression(last, base);
-  if (isSingleValue(result)) {
-    slots[count++] = result;
-  } else if (ReturnSignal::isSeveral(result)) {
-    count += ReturnSignal::count(result);  // they stand where the call's frame started: here
-  }
-  return count;
-}
-
 void chooseCall(CallExpr& call) {
   call.interpreter->options.supervised ? chooseForm<Supervised>(call)
                                        : chooseForm<Unsupervised>(call);
 }
-
-void chooseCallStatement(ExpressionStmt& statement) { statement.execute = executeCallStatement; }
 
 }  // namespace tarvel::lua::internal

@@ -1,6 +1,7 @@
 #include "lua/value/errors.h"
 
 #include <new>
+#include <utility>
 
 namespace tarvel::lua::internal {
 
@@ -18,6 +19,11 @@ void failRuntime(Site site, const std::string& message, FailureKind kind) {
 
 void failRuntime(Site site, const char* message, FailureKind kind) {
   failRuntime(site, std::string(message), kind);
+}
+
+void throwError(ProtectedRuntimeError&& error) {
+  if (protectedCallDepth > 0) throw std::move(error);
+  throw RuntimeError(error.message, error.site, error.hasLocation, error.kind);
 }
 
 void failHost(Site site, const std::exception& error) {

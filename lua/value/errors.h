@@ -44,9 +44,9 @@ class RuntimeError : public std::runtime_error {
 // those between the error and the pcall can take it.
 struct ProtectedRuntimeError {
   std::string message;
-  Site site;
-  bool hasLocation;
-  FailureKind kind;
+  Site site = 0;
+  bool hasLocation = false;
+  FailureKind kind = FailureKind::Script;
 };
 
 // A failure where there is no tree whose nodes could have a site: a fault in a source text, or no
@@ -92,6 +92,9 @@ struct StopSignal {
 // "attempt to <action> a <kind> value" and the like are built here, away from the hot paths.
 [[noreturn]] void failRuntime(Site site, const char* message,
                               FailureKind kind = FailureKind::Script);
+
+// Raises it in the form that the active pcalls ask for.
+[[noreturn]] void throwError(ProtectedRuntimeError&& error);
 
 // Raises what a function of the host threw as a script error with the exception's text. The text of
 // a failed run deliberately names no line: hosts know these texts without one.
