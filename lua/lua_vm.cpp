@@ -108,7 +108,7 @@ LuaUsage LuaVM::Impl::usage() const noexcept {
 void LuaVM::Impl::fillGlobals() {
   standard.outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
   bindDefaults();
-  standard.stringLibrarySlot = resolveGlobalSlot("string");
+  standard.stringLibrarySlot = globals.slotOf("string");
 }
 
 LuaVM::Impl::~Impl() {

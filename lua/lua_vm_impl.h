@@ -35,7 +35,6 @@ class NativeClass;
 class MemoryCharge;
 class PatternCache;
 struct ResolvedChunk;
-struct VariableExpr;
 
 // Objects that are always there.
 struct StandardObjects {
@@ -172,9 +171,6 @@ class LuaVM::Impl {
   [[noreturn]] static void failEnded();
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
   LuaResult makeSuccess(internal::ValueSpan results) const;
-  // Binds names that are no locals to their global slots.
-  void bindGlobalSlots(const std::vector<internal::VariableExpr*>& names);
-  std::size_t resolveGlobalSlot(std::string_view name) { return globals.slotOf(name); }
 
   friend class internal::InterpreterInUse;
   std::size_t uses_ = 0;  // by functions of the facade that have not returned
