@@ -58,6 +58,8 @@ class InterpreterInUse {
   InterpreterInUse(const InterpreterInUse&) = delete;
   InterpreterInUse& operator=(const InterpreterInUse&) = delete;
 
+  LuaVM::Impl& interpreter() const noexcept { return interpreter_; }
+
  private:
   LuaVM::Impl& interpreter_;
 };
@@ -118,7 +120,10 @@ class LuaVM::Impl {
   // What a run or a call returned, as LuaResult::value has it.
   LuaValue resultsToPublic(internal::ValueSpan results) const;
   // Throws std::runtime_error when the interpreter has ended.
-  void requireLife() const;
+  void requireLife() const {
+    if (ended_) [[unlikely]]
+      failEnded();
+  }
 
   // ---- Evaluator ----
   // Calls the function frame[0] with the `count` values behind it, all owned by their slots, and
@@ -170,6 +175,7 @@ class LuaVM::Impl {
   std::size_t activeRuns = 0;  // of a supervised interpreter
 
  private:
+  [[noreturn]] static void failEnded();
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
   LuaResult makeSuccess(internal::ValueSpan results) const;
 

@@ -71,12 +71,14 @@ class ValueStack {
   }
 
  private:
-  Value* base_ = nullptr;
-  Value* end_ = nullptr;
-  Value* limit_ = nullptr;  // frames end here at the latest
-  Value* softLimit_ = nullptr;
-  Value* top_ = nullptr;
+  // What every call from a host stores stands apart: compilers load neighbours together, and such a
+  // load has to wait for stores to its halves.
   std::uintptr_t hostFloor_ = 0;
+  Value* base_ = nullptr;
+  Value* top_ = nullptr;
+  Value* end_ = nullptr;
+  Value* softLimit_ = nullptr;
+  Value* limit_ = nullptr;  // frames end here at the latest
   std::uint32_t largestFrame_ = 0;
 };
 
