@@ -67,6 +67,7 @@ struct Evaluated {
     return Place::put(node, base, evaluateArithmetic(left, Op::kToken, right, site));
   }
 
+  template <class Right>
   [[gnu::noinline]] static Value rightAfter(const Node* node, Value* base, Value left) {
     OwnedValue leftGuard(left);
     const Value right = evaluateExpression(Place::operation(node)->right, base);
@@ -79,7 +80,11 @@ struct Evaluated {
   }
 
   [[gnu::noinline]] static Value evaluateBoth(const Node* node, Value* base) {
-    return withEvaluated<Evaluated, LeftOther, RightOther>(Place::operation(node), node, base);
+    Value left;
+    Value right;
+    Value result;
+    return withEvaluated<Evaluated, LeftOther, RightOther>(Place::operation(node), node, base, left,
+                                                           right, result);
   }
 };
 
@@ -89,10 +94,10 @@ struct Arithmetic {
   struct Execute {
     static Value run(const Node* node, Value* base) {
       const BinaryExpr* const operation = Place::operation(node);
+      Value left;
+      Value right;
+      Value result;
       if constexpr (Left::kInPlace && Right::kInPlace) {
-        Value left;
-        Value right;
-        Value result;
         if (!Left::tryLoad(operation, base, left) || !Right::tryLoad(operation, base, right))
             [[unlikely]] {
           return Evaluated<Op, Place>::evaluateBoth(node, base);
@@ -103,7 +108,8 @@ struct Arithmetic {
         if (outcome == Outcome::Float) return putNormalized<Place>(node, base, result.number);
         return Evaluated<Op, Place>::evaluateBoth(node, base);
       } else {
-        return withEvaluated<Evaluated<Op, Place>, Left, Right>(operation, node, base);
+        return withEvaluated<Evaluated<Op, Place>, Left, Right>(operation, node, base, left, right,
+                                                                result);
       }
     }
   };

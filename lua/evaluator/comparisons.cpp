@@ -1,4 +1,5 @@
 #include <cassert>
+#include <type_traits>
 
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
@@ -123,10 +124,17 @@ struct Evaluated {
     return Rule::decide(comparison, left, right);
   }
 
-  [[gnu::noinline]] static bool rightAfter(const Node* comparison, Value* base, Value left) {
+  template <class Right>
+  [[gnu::noinline]] static bool rightAfter(const Node* node, Value* base, Value left) {
     OwnedValue leftGuard(left);
-    const Value right = evaluateExpression(static_cast<const BinaryExpr*>(comparison)->right, base);
-    return ofOwned(comparison, base, leftGuard.take(), right);
+    const auto* const comparison = static_cast<const BinaryExpr*>(node);
+    Value right;
+    if constexpr (std::is_same_v<Right, Constant>) {
+      right = retain(comparison->constant);  // needs no base, so the common path need not keep it
+    } else {
+      right = evaluateExpression(comparison->right, base);
+    }
+    return ofOwned(node, base, leftGuard.take(), right);
   }
 
   // The left operand is a frame variable or a literal.
@@ -139,9 +147,11 @@ struct Evaluated {
     const auto* const comparison = static_cast<const BinaryExpr*>(node);
     Value left;
     Value right;
+    bool result = false;
     if (tryOperand(comparison->left, base, left) && tryOperand(comparison->right, base, right))
       return Rule::decide(node, left, right);
-    return withEvaluated<Evaluated, LeftOther, RightOther>(comparison, comparison, base);
+    return withEvaluated<Evaluated, LeftOther, RightOther>(comparison, comparison, base, left,
+                                                           right, result);
   }
 };
 
@@ -169,10 +179,10 @@ struct Comparison {
   struct Condition {
     static bool run(const Node* node, Value* base) {
       const auto* const comparison = static_cast<const BinaryExpr*>(node);
+      Value left;
+      Value right;
+      bool result = false;
       if constexpr (Left::kInPlace && Right::kInPlace) {
-        Value left;
-        Value right;
-        bool result = false;
         if (!Left::tryLoad(comparison, base, left) || !Right::tryLoad(comparison, base, right))
             [[unlikely]] {
           return Evaluated<Rule>::evaluateBoth(node, base);
@@ -181,14 +191,15 @@ struct Comparison {
           return result;
         return Evaluated<Rule>::evaluateBoth(node, base);
       } else {
-        return withEvaluated<Evaluated<Rule>, Left, Right>(comparison, node, base);
+        return withEvaluated<Evaluated<Rule>, Left, Right>(comparison, node, base, left, right,
+                                                           result);
       }
     }
   };
 
   template <class Left, class Right>
   struct AsValue {
-    static Value run(const Node* node, Value* base) {
+    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
       if constexpr (kHasShortWay<Left> && kHasShortWay<Right>) {
         return Value(Condition<Left, Right>::run(node, base));
       } else {
@@ -202,10 +213,10 @@ struct Comparison {
   struct If {
     static Value run(const Node* node, Value* base) {
       const auto* const condition = static_cast<const BinaryExpr*>(asIf(node)->condition);
+      Value left;
+      Value right;
+      bool result = false;
       if constexpr (Left::kInPlace && Right::kInPlace) {
-        Value left;
-        Value right;
-        bool result = false;
         if (!Left::tryLoad(condition, base, left) || !Right::tryLoad(condition, base, right))
             [[unlikely]] {
           return branchEvaluated<Rule>(node, base);
@@ -214,8 +225,9 @@ struct Comparison {
           return branchEvaluated<Rule>(node, base);
         return branch(node, base, result);
       } else {
-        return branch(node, base,
-                      withEvaluated<Evaluated<Rule>, Left, Right>(condition, condition, base));
+        result = withEvaluated<Evaluated<Rule>, Left, Right>(condition, condition, base, left,
+                                                             right, result);
+        return branch(node, base, result);
       }
     }
   };

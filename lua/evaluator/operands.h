@@ -89,18 +89,20 @@ struct RightOther {
 // `Use::tryApply`, which does the common cases. The other functions of `Use` have the rest: they
 // take over what has been evaluated and load again what is in place, so that the common path need
 // not keep it at hand. `statement` is the node that is being executed: the operator itself, or a
-// statement that it is fused into.
+// statement that it is fused into. The caller provides the variables: with variables of its own,
+// once it is inlined, the compiler would not let the caller end in a jump.
 template <class Use, class Left, class Right>
 [[gnu::always_inline]] inline typename Use::Result withEvaluated(const BinaryExpr* node,
-                                                                 const Node* statement,
-                                                                 Value* base) {
-  Value left;
-  Value right;
+                                                                 const Node* statement, Value* base,
+                                                                 Value& left, Value& right,
+                                                                 typename Use::Result& result) {
   if constexpr (!Left::kInPlace) {
     left = evaluateExpression(node->left, base);
     // Evaluating the right operand may raise an error, which must not lose the left one.
-    if (left.isCounted()) [[unlikely]]
-      return Use::rightAfter(statement, base, left);
+    if constexpr (!Right::kInPlace || Right::kIsLeaf) {
+      if (left.isCounted()) [[unlikely]]
+        return Use::template rightAfter<Right>(statement, base, left);
+    }
   } else if constexpr (Left::kIsLeaf) {
     // What stands there may change, so only what needs no reference is taken in advance.
     if (!Left::tryLoad(node, base, left) || left.isCounted()) [[unlikely]]
@@ -108,18 +110,17 @@ template <class Use, class Left, class Right>
   }
   if constexpr (Right::kInPlace) {
     if (!Right::tryLoad(node, base, right)) [[unlikely]]
-      return Use::rightAfter(statement, base, left);
+      return Use::template rightAfter<Right>(statement, base, left);
   } else {
     right = evaluateExpression(node->right, base);
   }
   if constexpr (Left::kInPlace && !Left::kIsLeaf) {
     Left::tryLoad(node, base, left);
   }
-  typename Use::Result result;
   if (Use::template tryApply<Left, Right>(statement, base, left, right, result)) [[likely]]
     return result;
   if constexpr (Right::kInPlace) {
-    return Use::rightAfter(statement, base, left);
+    return Use::template rightAfter<Right>(statement, base, left);
   } else if constexpr (Left::kInPlace && !Left::kIsLeaf) {
     return Use::leftBehind(statement, base, right);
   } else {
