@@ -154,9 +154,7 @@ LuaResult makeFailure(const FailureReport& failure, const std::string& chunkName
 
 }  // namespace
 
-void LuaVM::Impl::requireLife() const {
-  if (ended_) throw std::runtime_error("the interpreter has ended");
-}
+void LuaVM::Impl::failEnded() { throw std::runtime_error("the interpreter has ended"); }
 
 LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
   LuaResult outOfMemory;
