@@ -11,6 +11,7 @@
 #include "lua/stdlib/library.h"
 #include "lua/stdlib/sorting.h"
 #include "lua/stdlib/text_builder.h"
+#include "lua/value/completion.h"
 #include "lua/value/metered_work.h"
 
 // table.remove, concat, sort. A sequence usually stands in the table's array part as a whole, but
@@ -62,14 +63,14 @@ Value takeOut(WorkMeter& meter, Table& table, std::int64_t position, std::int64_
 
 }  // namespace
 
-MultiValue tableRemove(LuaVM& vm, ValueSpan args, Site site) {
+Value tableRemove(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.remove", args.size(), 1, 2);
   Table& table = requireTable("table.remove", args, 0, site);
   const std::int64_t length = table.length();
   const std::int64_t position =
       isGiven(args, 1) ? requireInteger("table.remove", args, 1, site) : length;
-  if (position < 1 || position > length) return MultiValue(Value());
-  return MultiValue(takeOut(LuaVM::Impl::of(vm).heap.meter(), table, position, length, site));
+  if (position < 1 || position > length) return Value();
+  return takeOut(LuaVM::Impl::of(vm).heap.meter(), table, position, length, site);
 }
 
 // ---- table.concat -------------------------------------------------------------------------------
@@ -85,14 +86,14 @@ std::size_t expectedLength(const Value& value) noexcept {
 
 }  // namespace
 
-MultiValue tableConcat(LuaVM& vm, ValueSpan args, Site site) {
+Value tableConcat(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.concat", args.size(), 1, 2);
   Table& table = requireTable("table.concat", args, 0, site);
   const PrintableText separatorText(args.size() > 1 ? args[1] : Value());
   const std::string_view separator = args.size() > 1 ? separatorText.view() : std::string_view();
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const std::int64_t count = table.length();
-  if (count == 0) return MultiValue(interpreter.makeString({}));
+  if (count == 0) return interpreter.makeString({});
 
   WorkMeter& meter = interpreter.heap.meter();
   std::size_t length = expectedLength(table.getInteger(1));
@@ -106,7 +107,7 @@ MultiValue tableConcat(LuaVM& vm, ValueSpan args, Site site) {
     joined.append(separator);
     joined.append(table.getInteger(key));
   });
-  return MultiValue(joined.take());
+  return joined.take();
 }
 
 // ---- table.sort ---------------------------------------------------------------------------------
@@ -234,7 +235,8 @@ void sortInDefaultOrder(WorkMeter& meter, const SortedOrder& elements, Site site
 }  // namespace
 
 // Equal elements may change places. An error, or the run's end, leaves the table as it was.
-MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
+Value tableSort(LuaVM::Impl& interpreter, Value* frame, std::uint32_t argumentCount, Site site) {
+  const ValueSpan args(frame + 1, argumentCount);
   requireArgumentCount("table.sort", args.size(), 1, 2);
   Table& table = requireTable("table.sort", args, 0, site);
   const bool hasComparator = isGiven(args, 1);
@@ -242,11 +244,10 @@ MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
     failRuntime(site, "table.sort comparator must be a function");
   }
   const std::int64_t count = table.length();
-  if (count < 2) return MultiValue();
+  if (count < 2) return ReturnSignal::noValues();
 
   // A comparator may change the table and drop what it holds, so a copy shares the elements until
   // they are written back.
-  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const OwnedValue copy(Value(Table::create(interpreter.heap, static_cast<std::uint32_t>(count))));
   Table& elements = *copy.get().table;
   const SortedOrder order(interpreter.heap, static_cast<std::size_t>(count));
@@ -266,7 +267,7 @@ MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
   meter.spend(static_cast<std::uint64_t>(count) / kElementsPerStep, site);
   std::int64_t key = 0;
   for (const Value& element : order) table.setInteger(++key, retain(element));
-  return MultiValue();
+  return ReturnSignal::noValues();
 }
 
 }  // namespace tarvel::lua::internal
