@@ -1,4 +1,6 @@
 -- Scanning text one character at a time, as a hand-written tokeniser does.
+local n = tonumber(arg[1] or 100)
+
 local pieces = {"let ", "x", "(", "12", ")", " + ", "[", "name", "]", " * ", "375", "; "}
 
 local lines = {}
@@ -13,7 +15,7 @@ for i = 1, 400 do
 end
 
 local letters, digits, blanks, others, deepest = 0, 0, 0, 0, 0
-for round = 1, 100 do
+for round = 1, n do
   for number, line in ipairs(lines) do
     local depth = 0
     for i = 1, #line do

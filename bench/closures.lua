@@ -1,4 +1,6 @@
 -- Counters kept in closures: three million calls of long-lived ones, then many short-lived ones.
+local n = tonumber(arg[1] or 1500000)
+
 local function newCounter(step)
   local count = 0
   return function()
@@ -9,14 +11,14 @@ end
 
 local byOne, byThree = newCounter(1), newCounter(3)
 local eighths = 0
-for i = 1, 1500000 do
+for i = 1, n do
   if (byOne() + byThree()) % 8 == 0 then
     eighths = eighths + 1
   end
 end
 
 local total = 0
-for i = 1, 250000 do
+for i = 1, n / 6 do
   local counter = newCounter(i % 10)
   counter()
   counter()

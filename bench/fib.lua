@@ -1,4 +1,6 @@
 -- Recursive Fibonacci: calls, a comparison and small integer arithmetic.
+local n = tonumber(arg[1] or 32)
+
 local function fib(n)
   if n < 2 then
     return n
@@ -6,5 +8,5 @@ local function fib(n)
   return fib(n - 1) + fib(n - 2)
 end
 
-print(fib(32))
+print(fib(n))
 -- expect: 2178309

@@ -1,9 +1,10 @@
 -- Nested integer loops around a branch ladder. The counters stay small, so that no language leaves
 -- its fast integers.
-local size = 3000
+local n = tonumber(arg[1] or 3000)
+
 local hits, above, rest = 0, 0, 0
-for i = 1, size do
-  for j = 1, size do
+for i = 1, n do
+  for j = 1, n do
     if (i * j) % 7 == 3 then
       hits = hits + 1
     elseif i < j then

@@ -1,5 +1,7 @@
 -- Escape times over the Mandelbrot set: floating-point arithmetic on locals.
-local width, height, limit = 320, 240, 100
+local n = tonumber(arg[1] or 320)
+
+local width, height, limit = n, 240, 100
 local total, inside = 0, 0
 for row = 0, height - 1 do
   local cy = row * 2 / height - 1

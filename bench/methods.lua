@@ -1,4 +1,6 @@
 -- Four million method calls on two kinds of records that answer to the same names.
+local n = tonumber(arg[1] or 1000000)
+
 local function add(self, amount)
   self.total = self.total + amount
 end
@@ -26,7 +28,7 @@ end
 local plain = newPlain()
 local wrapped = newWrapped(997)
 local sum = 0
-for i = 1, 1000000 do
+for i = 1, n do
   plain:add(1)
   wrapped:add(7)
   sum = sum + (plain:read() + wrapped:read()) % 3

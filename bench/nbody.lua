@@ -1,5 +1,7 @@
 -- Five bodies under gravity, 40,000 steps: floating-point fields of records. Square roots are
 -- Newton's method in script; each starts from the pair's last distance, so a few rounds suffice.
+local n = tonumber(arg[1] or 40000)
+
 local function newBody(x, y, z, vx, vy, vz, mass)
   return {x = x, y = y, z = z, vx = vx, vy = vy, vz = vz, mass = mass}
 end
@@ -97,7 +99,7 @@ end
 
 balance(bodies)
 local before = energy(bodies)
-for step = 1, 40000 do
+for step = 1, n do
   advance(bodies, distances, 0.01)
 end
 print(millionths(before) .. " " .. millionths(energy(bodies)) .. " " .. millionths(bodies[2].x))

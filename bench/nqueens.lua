@@ -1,4 +1,6 @@
 -- All placements of nine queens, twenty times over: recursion, short arrays of flags, branches.
+local n = tonumber(arg[1] or 20)
+
 local size = 9
 
 local function clearFlags(count)
@@ -31,7 +33,7 @@ local function place(row, columns, rising, falling)
 end
 
 local total = 0
-for round = 1, 20 do
+for round = 1, n do
   total = total + place(1, clearFlags(size), clearFlags(2 * size), clearFlags(2 * size))
 end
 print(total)

@@ -1,10 +1,12 @@
 -- Patterns over many short log lines: plain text, anchors, captures, every match, replacement.
+local n = tonumber(arg[1] or 20000)
+
 local levels = {"info", "debug", "warning", "error"}
 local parts = {"disk", "network", "session", "cache", "worker"}
 
 local lines = {}
 local seed = 42
-for i = 1, 20000 do
+for i = 1, n do
   seed = (seed * 16807) % 2147483647
   lines[i] = "2024-05-" .. (10 + i % 20) .. " 10:" .. (10 + seed % 50) .. " " ..
       levels[seed % 4 + 1] .. " " .. parts[seed % 5 + 1] .. ": request id=" .. seed ..

@@ -1,5 +1,5 @@
 -- Sieve of Eratosthenes: filling, reading and overwriting one large array.
-local limit = 2000000
+local limit = tonumber(arg[1] or 2000000)
 local isPrime = {false}
 for n = 2, limit do
   isPrime[n] = true

@@ -1,7 +1,9 @@
 -- Sorting 200,000 numbers downwards by a comparator: calls from the library back into the script.
+local n = tonumber(arg[1] or 200000)
+
 local values = {}
 local seed = 42
-for i = 1, 200000 do
+for i = 1, n do
   seed = (seed * 16807) % 2147483647
   values[i] = seed % 1000000
 end

@@ -1,12 +1,14 @@
 -- Building strings: 500,000 pieces appended to a table and joined, then 200,000 appends with `..`.
+local n = tonumber(arg[1] or 200)
+
 local pieces = {}
-for i = 1, 500000 do
+for i = 1, n * 2500 do
   pieces[#pieces + 1] = "item" .. i % 1000
 end
 local joined = table.concat(pieces, ",")
 
 local length, last = 0, ""
-for round = 1, 200 do
+for round = 1, n do
   local text = ""
   for i = 1, 1000 do
     text = text .. "<" .. i % 10 .. ">"

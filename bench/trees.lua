@@ -1,4 +1,6 @@
 -- Ten binary trees of depth 15, built, counted and dropped: allocation and release of small tables.
+local n = tonumber(arg[1] or 10)
+
 local function build(depth)
   if depth == 0 then
     return {false, false}
@@ -14,7 +16,7 @@ local function countNodes(tree)
 end
 
 local total = 0
-for round = 1, 10 do
+for round = 1, n do
   total = total + countNodes(build(15))
 end
 print(total)

@@ -1,7 +1,9 @@
 -- Counting words that are built afresh each time, so that every lookup hashes a new string.
+local n = tonumber(arg[1] or 900000)
+
 local counts = {}
 local seed = 42
-for i = 1, 900000 do
+for i = 1, n do
   seed = (seed * 3877 + 29573) % 139968
   local word = "word" .. seed % 5000
   local count = counts[word]

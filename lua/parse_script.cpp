@@ -20,12 +20,9 @@ namespace internal {
 
 namespace {
 
-// Far beyond what people write, and small enough that a tree of this height can be walked.
-constexpr std::size_t kDeepestNesting = 10000;
-
 std::uint32_t nestingLimit() {
   return static_cast<std::uint32_t>(
-      std::min(kDeepestNesting, hostStackRoom() / stack_cost::kParserLevel));
+      std::min(std::size_t{kDeepestNesting}, hostStackRoom() / stack_cost::kParserLevel));
 }
 
 void requireParameterNames(std::span<const std::string_view> names, const std::string& chunkName,
@@ -53,18 +50,10 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
                            internal::Places(heap, tokens));
   internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk(parameters);
-  internal::Resolver resolver(*chunk);
-  resolver.resolveChunk();
-  bindGlobalSlots(resolver.unboundNames());
+  internal::Resolver(*chunk, globals).resolveChunk();
   stack.announceFrame(internal::FramePlanner(*chunk, heap).planChunk());
   internal::selectNodeFunctions(*this, *chunk);
   return chunk;
-}
-
-void LuaVM::Impl::bindGlobalSlots(const std::vector<internal::VariableExpr*>& names) {
-  for (internal::VariableExpr* variable : names) {
-    variable->cell = &globals.at(resolveGlobalSlot(variable->name->view()));
-  }
 }
 
 }  // namespace tarvel::lua

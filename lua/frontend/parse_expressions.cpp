@@ -144,7 +144,7 @@ Expr* Parser::parsePrimary() {
     case TokenKind::Number:
       return takeLiteral(Value(decimalNumber(token.text)));
     case TokenKind::String:
-      return takeLiteral(Value(intern(token.text)));
+      return takeLiteral(Value(internLiteral(token.text)));
     case TokenKind::Nil:
       return takeLiteral(Value());
     case TokenKind::True:
@@ -152,13 +152,13 @@ Expr* Parser::parsePrimary() {
     case TokenKind::False:
       return takeLiteral(Value(false));
     case TokenKind::Function:
-      return parseFunctionBody(takeSite(), intern("<anonymous>"), false);
+      return parseFunctionBody(takeSite(), internName("<anonymous>"), false);
     case TokenKind::LeftBrace:
       return parseTableConstructor();
     case TokenKind::LeftParen:
       return parseParenthesised();
     case TokenKind::Identifier:
-      return makeVariable(intern(token.text), takeSite());
+      return makeVariable(names_.find(token.text), takeSite());
     default:
       errorAt(token, "expected expression");
   }
@@ -194,8 +194,8 @@ Expr* Parser::parseSuffix(Expr* object, Site site) {
 
 Expr* Parser::parseField(Expr* object, Site site) {
   take();
-  StringObject* name = expectName("expected field name after '.'");
-  return complete(make<FieldExpr>(object, name, site), object);
+  Name* name = expectName("expected field name after '.'");
+  return complete(make<FieldExpr>(object, name->text, site), object);
 }
 
 Expr* Parser::parseIndex(Expr* object, Site site) {
@@ -212,9 +212,9 @@ Expr* Parser::parseCall(Expr* callee, Site site) {
 
 Expr* Parser::parseMethodCall(Expr* object, Site site) {
   take();
-  StringObject* method = expectName("expected method name after ':'");
+  Name* method = expectName("expected method name after ':'");
   const ArenaList<Expr*> arguments = parseArguments();
-  return completeCall(make<CallExpr>(object, method, arguments, site), object);
+  return completeCall(make<CallExpr>(object, method->text, arguments, site), object);
 }
 
 ArenaList<Expr*> Parser::parseArguments() {
@@ -263,7 +263,7 @@ TableExpr::Field Parser::parseTableField() {
   if (at(TokenKind::LeftBracket)) return parseKeyedField();
   const Site site = currentSite();
   if (at(TokenKind::Identifier) && tokens_[index_ + 1].kind == TokenKind::Assign) {
-    StringObject* name = intern(take().text);
+    StringObject* name = internName(take().text);
     expect(TokenKind::Assign, "expected '=' after table field name");
     return {TableExpr::FieldKind::Named, name, nullptr, parseExpression(), site};
   }
@@ -290,9 +290,9 @@ FunctionExpr* Parser::parseFunctionBody(Site site, StringObject* name, bool isMe
 }
 
 // Reads the parameters and the closing parenthesis.
-ArenaList<StringObject*> Parser::parseParameters(bool isMethod) {
-  std::vector<StringObject*> parameters;
-  if (isMethod) parameters.push_back(intern("self"));
+ArenaList<Name*> Parser::parseParameters(bool isMethod) {
+  std::vector<Name*> parameters;
+  if (isMethod) parameters.push_back(names_.find("self"));
   if (!at(TokenKind::RightParen)) {
     do {
       parameters.push_back(expectName("expected parameter name"));
@@ -317,7 +317,7 @@ void Parser::parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind
 
 Expr* Parser::takeLiteral(Value value) { return complete(make<LiteralExpr>(value, takeSite())); }
 
-VariableExpr* Parser::makeVariable(StringObject* name, Site site) {
+VariableExpr* Parser::makeVariable(Name* name, Site site) {
   return complete(make<VariableExpr>(name, site));
 }
 

@@ -15,13 +15,14 @@ Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& 
       chunkName_(std::move(chunkName)),
       chunk_(chunk),
       strings_(strings),
+      names_(chunk, strings),
       nestingLimit_(nestingLimit),
       firstSite_(chunk.sites.first()) {}
 
-ArenaList<Stmt*> Parser::parseChunk(std::span<const std::string_view> parameters) {
-  chunk_.main = makeFunction(intern("<chunk>"), currentSite());
-  std::vector<StringObject*> names;
-  for (const std::string_view name : parameters) names.push_back(intern(name));
+ArenaList<Node*> Parser::parseChunk(std::span<const std::string_view> parameters) {
+  chunk_.main = makeFunction(internName("<chunk>"), currentSite());
+  std::vector<Name*> names;
+  for (const std::string_view name : parameters) names.push_back(names_.find(name));
   chunk_.main->parameters = chunk_.arena.list(names);
   parseBodyOf(chunk_.main, {});
   return chunk_.main->body->statements;
@@ -37,7 +38,7 @@ Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
   const Level statementLevel(*this);
   noteHeight(0);
   const Site site = currentSite();
-  std::vector<Stmt*> statements;
+  std::vector<Node*> statements;
   for (;;) {
     while (skip(TokenKind::Semicolon)) continue;
     const TokenKind kind = current().kind;
@@ -118,11 +119,11 @@ Stmt* Parser::parseWhile() {
 
 Stmt* Parser::parseFor() {
   const Site site = takeSite();
-  StringObject* name = expectName("expected loop variable name");
+  Name* name = expectName("expected loop variable name");
   return skip(TokenKind::Assign) ? parseNumericFor(name, site) : parseGenericFor(name, site);
 }
 
-Stmt* Parser::parseNumericFor(StringObject* variable, Site site) {
+Stmt* Parser::parseNumericFor(Name* variable, Site site) {
   Expr* start = parseExpression();
   expect(TokenKind::Comma, "expected ',' after numeric for start value");
   Expr* limit = parseExpression();
@@ -132,8 +133,8 @@ Stmt* Parser::parseNumericFor(StringObject* variable, Site site) {
   return make<NumericForStmt>(variable, start, limit, step, body, site);
 }
 
-Stmt* Parser::parseGenericFor(StringObject* firstName, Site site) {
-  const ArenaList<StringObject*> names = parseLoopNames(firstName);
+Stmt* Parser::parseGenericFor(Name* firstName, Site site) {
+  const ArenaList<Name*> names = parseLoopNames(firstName);
   expect(TokenKind::In, "expected 'in' in generic for loop");
   const ArenaList<Expr*> iterators = parseExpressionList();
   expect(TokenKind::Do, "expected 'do' after generic for iterator");
@@ -141,8 +142,8 @@ Stmt* Parser::parseGenericFor(StringObject* firstName, Site site) {
   return make<GenericForStmt>(names, iterators, body, site);
 }
 
-ArenaList<StringObject*> Parser::parseLoopNames(StringObject* first) {
-  std::vector<StringObject*> names{first};
+ArenaList<Name*> Parser::parseLoopNames(Name* first) {
+  std::vector<Name*> names{first};
   while (skip(TokenKind::Comma)) names.push_back(expectName("expected loop variable name"));
   return chunk_.arena.list(names);
 }
@@ -184,28 +185,29 @@ Stmt* Parser::parseFunctionDeclaration(Site keyword, bool isLocal) {
 
 Stmt* Parser::parseLocalFunction(Site keyword) {
   const Site nameSite = currentSite();
-  VariableExpr* target = makeVariable(expectName("expected local function name"), nameSite);
-  FunctionExpr* function = parseFunctionBody(keyword, target->name, false);
+  Name* name = expectName("expected local function name");
+  VariableExpr* target = makeVariable(name, nameSite);
+  FunctionExpr* function = parseFunctionBody(keyword, name->text, false);
   return make<FunctionDeclarationStmt>(true, AssignTarget{target}, function, keyword);
 }
 
 Parser::DeclaredName Parser::parseDeclaredName() {
   const Site site = currentSite();
-  StringObject* name = expectName("expected function name");
-  std::string text(name->view());
+  Name* name = expectName("expected function name");
+  std::string text(name->text->view());
   Expr* target = makeVariable(name, site);
   while (skip(TokenKind::Dot)) {
     name = expectName("expected field name after '.'");
-    text.append(".").append(name->view());
-    target = complete(make<FieldExpr>(target, name, site), target);
+    text.append(".").append(name->text->view());
+    target = complete(make<FieldExpr>(target, name->text, site), target);
   }
   const bool isMethod = skip(TokenKind::Colon);
   if (isMethod) {
     name = expectName("expected method name after ':'");
-    text.append(":").append(name->view());
-    target = complete(make<FieldExpr>(target, name, site), target);
+    text.append(":").append(name->text->view());
+    target = complete(make<FieldExpr>(target, name->text, site), target);
   }
-  return {asFunctionTarget(target), intern(text), isMethod};
+  return {asFunctionTarget(target), internName(text), isMethod};
 }
 
 AssignTarget Parser::asFunctionTarget(Expr* expression) {
@@ -262,8 +264,8 @@ const Token& Parser::expect(TokenKind kind, const char* message) {
   return take();
 }
 
-StringObject* Parser::expectName(const char* message) {
-  return intern(expect(TokenKind::Identifier, message).text);
+Name* Parser::expectName(const char* message) {
+  return names_.find(expect(TokenKind::Identifier, message).text);
 }
 
 void Parser::noteHeight(std::uint32_t height) {

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "lua/frontend/name_table.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/frontend/token.h"
 #include "lua/value/string_pool.h"
@@ -28,7 +29,7 @@ namespace tarvel::lua::internal {
 class Parser {
  public:
   // `tokens` ends with its only EndOfFile; the chunk's sites number them. `strings` supplies the
-  // chunk's names and literals.
+  // chunk's names and literals; the limit is at most kDeepestNesting.
   Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
          StringPool& strings, std::uint32_t nestingLimit);
 
@@ -36,7 +37,7 @@ class Parser {
   // statements of its body. Throws what
   // failParse throws at the first token that does not fit and where the nesting limit is exceeded
   // ("source is nested too deeply"), and std::bad_alloc. To be called once.
-  ArenaList<Stmt*> parseChunk(std::span<const std::string_view> parameters = {});
+  ArenaList<Node*> parseChunk(std::span<const std::string_view> parameters = {});
 
  private:
   // What is known of a function while its body is read.
@@ -72,8 +73,8 @@ class Parser {
   Stmt* parseLocal();
   Stmt* parseBreak();
   Stmt* parseFor();
-  Stmt* parseNumericFor(StringObject* variable, Site site);
-  Stmt* parseGenericFor(StringObject* firstName, Site site);
+  Stmt* parseNumericFor(Name* variable, Site site);
+  Stmt* parseGenericFor(Name* firstName, Site site);
   Block* parseLoopBody(const char* missingEnd);
   Stmt* parseFunctionDeclaration(Site keyword, bool isLocal);
   Stmt* parseLocalFunction(Site keyword);
@@ -82,7 +83,7 @@ class Parser {
   AssignTarget asAssignTarget(Expr* expression);
   ArenaList<AssignTarget> parseLocalNames();
   ArenaList<AssignTarget> parseTargets(Expr* first);
-  ArenaList<StringObject*> parseLoopNames(StringObject* first);
+  ArenaList<Name*> parseLoopNames(Name* first);
 
   // What stands between `function` and the parameters.
   struct DeclaredName {
@@ -121,12 +122,12 @@ class Parser {
   ArenaList<Expr*> parseExpressionList();
   ArenaList<Expr*> parseArguments();
   FunctionExpr* parseFunctionBody(Site site, StringObject* name, bool isMethod);
-  ArenaList<StringObject*> parseParameters(bool isMethod);
+  ArenaList<Name*> parseParameters(bool isMethod);
   void parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind> terminators);
 
   // Nodes.
   Expr* takeLiteral(Value value);
-  VariableExpr* makeVariable(StringObject* name, Site site);
+  VariableExpr* makeVariable(Name* name, Site site);
   Expr* makeBinary(Expr* left, const Token& op, Expr* right);
   Expr* completeCall(CallExpr* call, const Expr* calleeOrObject);
   FunctionExpr* makeFunction(StringObject* name, Site site);
@@ -137,8 +138,10 @@ class Parser {
   }
 
   static void adopt(Expr* parent, const Expr* child) {
-    if (child->height >= parent->height) parent->height = child->height + 1;
-    parent->mayRunCode |= child->mayRunCode;
+    if (child->height >= parent->height) {
+      parent->height = static_cast<std::uint16_t>(child->height + 1);
+    }
+    if (child->mayRunCode) parent->mayRunCode = true;
   }
 
   // Finishes a node whose remaining children are `children`.
@@ -166,9 +169,10 @@ class Parser {
   bool skip(TokenKind kind);
   // These fail with `message` at the current token.
   const Token& expect(TokenKind kind, const char* message);
-  StringObject* expectName(const char* message);
+  Name* expectName(const char* message);
 
-  StringObject* intern(std::string_view text) { return chunk_.own(strings_.intern(text)); }
+  StringObject* internName(std::string_view text) { return names_.find(text)->text; }
+  StringObject* internLiteral(std::string_view text) { return chunk_.own(strings_.intern(text)); }
 
   [[noreturn, gnu::noinline]] void errorAt(const Token& token, const char* message) const;
   [[noreturn, gnu::noinline]] void failTooDeep() const;
@@ -177,6 +181,7 @@ class Parser {
   const std::string chunkName_;
   ResolvedChunk& chunk_;
   StringPool& strings_;
+  NameTable names_;
   const std::uint32_t nestingLimit_;
   const Site firstSite_;
   std::size_t index_ = 0;

@@ -7,7 +7,7 @@ namespace tarvel::lua::internal {
 
 // The numbers are fixed. Punctuation and operators come first, then the keywords in alphabetical
 // order.
-enum class TokenKind : std::uint32_t {
+enum class TokenKind : std::uint8_t {
   Identifier = 0,
   Integer = 1,
   Number = 2,

@@ -11,6 +11,7 @@
 #include "lua/stdlib/library.h"
 #include "lua/stdlib/sorting.h"
 #include "lua/stdlib/text_builder.h"
+#include "lua/value/completion.h"
 #include "lua/value/metered_work.h"
 #include "lua/value/value_list.h"
 
@@ -63,14 +64,14 @@ Value takeOut(WorkMeter& meter, Table& table, std::int64_t position, std::int64_
 
 }  // namespace
 
-MultiValue tableRemove(LuaVM& vm, ValueSpan args, Site site) {
+Value tableRemove(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.remove", args.size(), 1, 2);
   Table& table = requireTable("table.remove", args, 0, site);
   const std::int64_t length = table.length();
   const std::int64_t position =
       isGiven(args, 1) ? requireInteger("table.remove", args, 1, site) : length;
-  if (position < 1 || position > length) return MultiValue(Value());
-  return MultiValue(takeOut(LuaVM::Impl::of(vm).heap.meter(), table, position, length, site));
+  if (position < 1 || position > length) return Value();
+  return takeOut(LuaVM::Impl::of(vm).heap.meter(), table, position, length, site);
 }
 
 // ---- table.concat -------------------------------------------------------------------------------
@@ -109,20 +110,20 @@ Value joinStrings(Heap& heap, const Value* first, const Value* last, std::string
 
 }  // namespace
 
-MultiValue tableConcat(LuaVM& vm, ValueSpan args, Site site) {
+Value tableConcat(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("table.concat", args.size(), 1, 2);
   Table& table = requireTable("table.concat", args, 0, site);
   const PrintableText separatorText(args.size() > 1 ? args[1] : Value());
   const std::string_view separator = args.size() > 1 ? separatorText.view() : std::string_view();
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const std::int64_t count = table.length();
-  if (count == 0) return MultiValue(interpreter.makeString({}));
+  if (count == 0) return interpreter.makeString({});
 
   WorkMeter& meter = interpreter.heap.meter();
   if (!meter.isSupervised() && count <= static_cast<std::int64_t>(table.arraySize())) {
     const Value* const first = &table.element(0);
     const Value joined = joinStrings(interpreter.heap, first, first + count, separator, site);
-    if (!joined.isNil()) return MultiValue(joined);
+    if (!joined.isNil()) return joined;
   }
   std::size_t length = expectedLength(table.getInteger(1));
   forEachKey(meter, 2, count, site, [&](std::int64_t key) {
@@ -135,7 +136,7 @@ MultiValue tableConcat(LuaVM& vm, ValueSpan args, Site site) {
     joined.append(separator);
     joined.append(table.getInteger(key));
   });
-  return MultiValue(joined.take());
+  return joined.take();
 }
 
 // ---- table.sort ---------------------------------------------------------------------------------
@@ -284,7 +285,8 @@ bool sortInPlace(const WorkMeter& meter, Table& table, std::int64_t count) {
 }  // namespace
 
 // Equal elements may change places. An error, or the run's end, leaves the table as it was.
-MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
+Value tableSort(LuaVM::Impl& interpreter, Value* frame, std::uint32_t argumentCount, Site site) {
+  const ValueSpan args(frame + 1, argumentCount);
   requireArgumentCount("table.sort", args.size(), 1, 2);
   Table& table = requireTable("table.sort", args, 0, site);
   const bool hasComparator = isGiven(args, 1);
@@ -292,11 +294,10 @@ MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
     failRuntime(site, "table.sort comparator must be a function");
   }
   const std::int64_t count = table.length();
-  if (count < 2) return MultiValue();
+  if (count < 2) return ReturnSignal::noValues();
 
-  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   WorkMeter& meter = interpreter.heap.meter();
-  if (!hasComparator && sortInPlace(meter, table, count)) return MultiValue();
+  if (!hasComparator && sortInPlace(meter, table, count)) return ReturnSignal::noValues();
   // A comparator may change the table and drop what it holds.
   SortedElements elements(interpreter.heap, table, count, site);
   if (hasComparator) {
@@ -308,7 +309,7 @@ MultiValue tableSort(LuaVM& vm, ValueSpan args, Site site) {
   }
   meter.spend(static_cast<std::uint64_t>(count) / kElementsPerStep, site);
   elements.moveTo(table);
-  return MultiValue();
+  return ReturnSignal::noValues();
 }
 
 }  // namespace tarvel::lua::internal

@@ -218,7 +218,7 @@ Value readNumber(LuaVM& vm, BufferedFile& file, Site site) {
   const Value number = readBufferedNumber(file, LuaVM::Impl::of(vm).heap.meter(), site);
   if (!number.isNil()) return number;
   const OwnedValue text(NumberScanner(vm, file, site).scan());
-  return baseToNumber(vm, ValueSpan(&text.get(), 1), site).first();
+  return baseToNumber(vm, ValueSpan(&text.get(), 1), site);
 }
 
 }  // namespace tarvel::lua::internal
