@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 #include <string>
 #include <string_view>
 
@@ -77,7 +76,7 @@ int runInteractively(LuaVM& vm) {
   for (std::string line;;) {
     std::fputs("lua> ", stdout);
     std::fflush(stdout);
-    if (!readScriptLine(std::cin, line) || line == "exit" || line == "quit") return 0;
+    if (!readScriptLine(stdin, line) || line == "exit" || line == "quit") return 0;
     if (line.empty()) continue;
     try {
       session.run(line);

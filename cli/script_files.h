@@ -1,6 +1,6 @@
 #pragma once
 
-#include <istream>
+#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -20,7 +20,7 @@ std::string readContainerFile(const std::string& path);
 
 // The next line, without its line feed; the last one may lack it. False at the end of the input.
 // Throws std::runtime_error "line is too long" beyond a gigabyte.
-bool readScriptLine(std::istream& input, std::string& line);
+bool readScriptLine(std::FILE* input, std::string& line);
 
 // Throws "failed to open file for writing: ", or "failed to write file: ", which leaves no regular
 // file behind.

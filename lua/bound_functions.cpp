@@ -33,9 +33,9 @@ namespace {
 // Where a function of the host puts its results: above its arguments.
 class ResultSink final : public ScriptSink {
  public:
-  explicit ResultSink(LuaVM::Impl& interpreter) : first_(interpreter.stack.top()) {
-    interpreter_ = internal::interpreterOf(interpreter);
-    // Room is made when the first result comes: what the function runs may lower the stack's limit.
+  // Room is made when the first result comes: what the function runs may lower the stack's limit.
+  explicit ResultSink(LuaVM::Impl& interpreter)
+      : ScriptSink(internal::interpreterOf(interpreter)), first_(interpreter.stack.top()) {
     next_ = end_ = reinterpret_cast<std::byte*>(first_);
   }
 

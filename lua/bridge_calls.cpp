@@ -21,6 +21,7 @@
 
 namespace tarvel::lua::bridge {
 
+using internal::FunctionObject;
 using internal::isSingleValue;
 using internal::ReturnSignal;
 using internal::Value;
@@ -37,32 +38,40 @@ class CallProblem : public std::runtime_error {
 }  // namespace
 
 struct Call::State {
-  explicit State(LuaVM::Impl& impl) noexcept
-      : scope(impl), interpreter(impl), frame(impl.stack.top()) {}
-  ~State() { release(); }
+  explicit State(LuaVM::Impl& impl) noexcept : scope(impl) {}
+  ~State() { dropResults(); }
   State(const State&) = delete;
   State& operator=(const State&) = delete;
 
-  // Gives up the results, or whatever stands on the stack after a failure.
-  void release() noexcept {
-    drop(single);
-    single = Value();
-    clearSlots(several, several + severalCount);
+  LuaVM::Impl& interpreter() const noexcept { return scope.interpreter(); }
+  Value* frame() const noexcept { return scope.first(); }
+  void dropResults() noexcept {
+    clearSlot(single);
+    for (std::uint32_t i = 0; i < severalCount; ++i) clearSlot(several[i]);
     severalCount = 0;
+  }
+  // After a failure: gives up the results, or whatever stands on the stack.
+  void release() noexcept {
+    dropResults();
     scope.sweep();
+  }
+  void setResult(Value owned) noexcept {
+    single = owned;
+    hasSingle = true;
+  }
+  internal::ValueSpan results() const noexcept {
+    return hasSingle ? internal::ValueSpan(&single, 1) : internal::ValueSpan(several, severalCount);
   }
 
   internal::RunScope scope;
-  LuaVM::Impl& interpreter;
-  Value* const frame;
-  bool hasBegun = false;  // the arguments are complete
   const char* problem = nullptr;
   std::string_view name;  // of what is called, where it was named
+  bool hasBegun = false;  // the arguments are complete
   // What was returned: one value, or several that stand on the stack.
-  Value single;
   bool hasSingle = false;
-  Value* several = nullptr;
   std::uint32_t severalCount = 0;
+  Value* several = nullptr;
+  Value single;
 };
 
 Call::State& Call::state() noexcept {
@@ -74,13 +83,12 @@ const Call::State& Call::state() const noexcept {
   return *std::launder(reinterpret_cast<const State*>(state_));
 }
 
-Call::Call(LuaVM& vm) noexcept {
+Call::Call(LuaVM& vm) noexcept : ScriptSink(internal::interpreterOf(LuaVM::Impl::of(vm))) {
   State& opened = *new (state_) State(LuaVM::Impl::of(vm));
-  interpreter_ = internal::interpreterOf(opened.interpreter);
   constexpr std::size_t kUsualArguments = 8;
-  Value* const first = opened.frame + 1;
+  Value* const first = opened.frame() + 1;
   next_ = end_ = reinterpret_cast<std::byte*>(first);
-  ValueStack& stack = opened.interpreter.stack;
+  ValueStack& stack = opened.interpreter().stack;
   Value* const end = first + kUsualArguments;
   if (!stack.hasRoom(end, 0) && !stack.makeRoom(end, 0)) [[unlikely]] {
     opened.problem = "stack overflow";
@@ -92,13 +100,16 @@ Call::Call(LuaVM& vm) noexcept {
 
 Call::Call(LuaVM& vm, const LuaFunction& function) noexcept : Call(vm) {
   State& opened = state();
-  if (opened.problem != nullptr) return;
+  if (opened.problem != nullptr) [[unlikely]]
+    return;
   if (function == nullptr) {
     opened.problem = "a function expected, got nil";
-  } else if (&function->target().heap != &opened.interpreter.heap) {
+  } else if (&function->target().heap != &opened.interpreter().heap) {
     opened.problem = "the function belongs to another interpreter, or to one that is gone";
   } else {
-    *opened.frame = retain(function->target().function.get());
+    FunctionObject* const target = function->target().function.get().function;
+    ++target->count;
+    *opened.frame() = Value(target);
   }
 }
 
@@ -106,27 +117,31 @@ Call::Call(LuaVM& vm, std::string_view name) noexcept : Call(vm) { state().name 
 
 Call::~Call() { state().~State(); }
 
+void Call::failNotCallable() const {
+  const State& opened = state();
+  const auto callee = std::bit_cast<RawValue>(*opened.frame());
+  Problem problem;
+  problem.expected("a function", ScriptValue(interpreter_, callee).description());
+  if (!opened.name.empty()) problem.inField(opened.name);
+  throw CallProblem(problem.message());
+}
+
 void Call::run() {
   State& opened = state();
-  if (opened.problem != nullptr) throw CallProblem(opened.problem);
-  LuaVM::Impl& interpreter = opened.interpreter;
+  if (opened.problem != nullptr) [[unlikely]]
+    throw CallProblem(opened.problem);
+  LuaVM::Impl& interpreter = opened.interpreter();
   opened.hasBegun = true;
   opened.scope.begin();
-  if (!opened.name.empty()) *opened.frame = retain(interpreter.findByPath(opened.name));
-  const Value callee = *opened.frame;
-  if (!callee.isFunction()) {
-    Problem problem;
-    problem.expected("a function",
-                     ScriptValue(interpreter_, std::bit_cast<RawValue>(callee)).description());
-    if (!opened.name.empty()) problem.inField(opened.name);
-    throw CallProblem(problem.message());
-  }
-  const auto count = static_cast<std::uint32_t>(reinterpret_cast<Value*>(next_) - opened.frame - 1);
-  const Value completion = interpreter.callFrame(opened.frame, count, 0);
+  if (!opened.name.empty()) *opened.frame() = retain(interpreter.findByPath(opened.name));
+  if (!opened.frame()->isFunction()) [[unlikely]]
+    failNotCallable();
+  const auto count =
+      static_cast<std::uint32_t>(reinterpret_cast<Value*>(next_) - opened.frame() - 1);
+  const Value completion = interpreter.callFrame(opened.frame(), count, 0);
   opened.scope.expectNoValues();
   if (isSingleValue(completion)) {
-    opened.single = completion;
-    opened.hasSingle = true;
+    opened.setResult(completion);
   } else if (ReturnSignal::isSeveral(completion)) {
     opened.several = completion.values;
     opened.severalCount = ReturnSignal::count(completion);
@@ -137,16 +152,15 @@ void Call::run() {
 void Call::readGlobal(std::string_view name) {
   State& opened = state();
   opened.scope.expectNoValues();
-  opened.single = retain(opened.interpreter.findByPath(name));
-  opened.hasSingle = true;
+  opened.setResult(retain(opened.interpreter().findByPath(name)));
 }
 
 void Call::storeGlobal(std::string_view name) {
   State& opened = state();
-  Value& slot = opened.frame[1];
+  Value& slot = opened.frame()[1];
   const Value value = std::exchange(slot, Value());
   opened.scope.expectNoValues();
-  opened.interpreter.storeByPath(name, value);
+  opened.interpreter().storeByPath(name, value);
 }
 
 void Call::load(std::string_view source, std::string_view chunkName,
@@ -154,27 +168,26 @@ void Call::load(std::string_view source, std::string_view chunkName,
   State& opened = state();
   opened.scope.expectNoValues();
   opened.hasBegun = true;
-  opened.interpreter.requireLife();
+  LuaVM::Impl& interpreter = opened.interpreter();
+  interpreter.requireLife();
   const internal::ChunkReference chunk =
-      opened.interpreter.parseScript(std::string(source), std::string(chunkName), parameters);
-  opened.single = opened.interpreter.makeMain(*chunk);
-  opened.hasSingle = true;
+      interpreter.parseScript(std::string(source), std::string(chunkName), parameters);
+  opened.setResult(interpreter.makeMain(*chunk));
 }
 
-std::size_t Call::count() const noexcept { return state().hasSingle ? 1 : state().severalCount; }
+std::size_t Call::count() const noexcept { return state().results().size(); }
 
-ScriptValue Call::result(std::size_t index) const noexcept {
+RawValue Call::rawResult(std::size_t index) const noexcept {
   const State& opened = state();
-  Value value;
-  if (index == 0 && opened.hasSingle) value = opened.single;
-  if (index < opened.severalCount) value = opened.several[index];
-  return ScriptValue(interpreter_, std::bit_cast<RawValue>(value));
+  // In two words, as it was stored just before: one load of both would have to wait.
+  if (index == 0 && opened.hasSingle) [[likely]]
+    return {{opened.single.tag, std::bit_cast<std::uint64_t>(opened.single.integer)}};
+  const internal::ValueSpan results = opened.results();
+  return std::bit_cast<RawValue>(index < results.size() ? results[index] : Value());
 }
 
 LuaValue Call::allResults() const {
-  const State& opened = state();
-  if (opened.hasSingle) return opened.interpreter.valueToPublic(opened.single);
-  return opened.interpreter.resultsToPublic({opened.several, opened.severalCount});
+  return state().interpreter().resultsToPublic(state().results());
 }
 
 LuaError Call::failure() {
@@ -198,7 +211,7 @@ LuaError Call::failure() {
       throw;
     }
   } catch (...) {
-    const internal::FailureReport report(opened.interpreter);
+    const internal::FailureReport report(opened.interpreter());
     opened.release();
     return report.error();
   }

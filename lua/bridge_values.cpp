@@ -86,14 +86,14 @@ LuaError Problem::toError(std::string_view name) const {
 
 // ---- Out of the interpreter ---------------------------------------------------------------------
 
-bool ScriptValue::read(bool& out) const noexcept {
-  const Value value = toValue(raw_);
+bool ScriptValue::readBoolean(RawValue raw, bool& out) noexcept {
+  const Value value = toValue(raw);
   out = value.tag == internal::kTrue;
   return value.tag == internal::kTrue || value.tag == internal::kFalse;
 }
 
-bool ScriptValue::read(std::int64_t& out) const noexcept {
-  const Value value = toValue(raw_);
+bool ScriptValue::readInteger(RawValue raw, std::int64_t& out) noexcept {
+  const Value value = toValue(raw);
   if (value.isInteger()) {
     out = value.integer;
     return true;
@@ -101,8 +101,8 @@ bool ScriptValue::read(std::int64_t& out) const noexcept {
   return value.isFloat() && internal::exactInteger(value.number, out);
 }
 
-bool ScriptValue::read(double& out) const noexcept {
-  const Value value = toValue(raw_);
+bool ScriptValue::readNumber(RawValue raw, double& out) noexcept {
+  const Value value = toValue(raw);
   if (value.isFloat()) {
     out = value.number;
     return true;
@@ -217,27 +217,24 @@ void ScriptSink::put(RawValue value) {
   next_ += sizeof(Value);
 }
 
-// Each makes room first, because what it makes would be lost when there is none.
-void ScriptSink::nil() {
-  if (next_ == end_) makeRoom();
-  put(toRaw(Value()));
+// Apart, so that the usual way needs no frame.
+[[gnu::noinline]] void ScriptSink::putBehindRoom(RawValue value) {
+  makeRoom();
+  put(value);
 }
 
-void ScriptSink::boolean(bool value) {
-  if (next_ == end_) makeRoom();
-  put(toRaw(Value(value)));
+void ScriptSink::putPlain(RawValue value) {
+  if (next_ == end_) [[unlikely]]
+    return putBehindRoom(value);
+  put(value);
 }
 
-void ScriptSink::integer(std::int64_t value) {
-  if (next_ == end_) makeRoom();
-  put(toRaw(Value(value)));
-}
+void ScriptSink::nil() { putPlain(toRaw(Value())); }
+void ScriptSink::boolean(bool value) { putPlain(toRaw(Value(value))); }
+void ScriptSink::integer(std::int64_t value) { putPlain(toRaw(Value(value))); }
+void ScriptSink::number(double value) { putPlain(toRaw(Value(value))); }
 
-void ScriptSink::number(double value) {
-  if (next_ == end_) makeRoom();
-  put(toRaw(Value(value)));
-}
-
+// What follows makes room first, because what it makes would be lost when there is none.
 void ScriptSink::text(std::string_view value) {
   if (next_ == end_) makeRoom();
   put(toRaw(internal::implOf(interpreter_).makeString(value)));

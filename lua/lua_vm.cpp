@@ -108,7 +108,7 @@ LuaUsage LuaVM::Impl::usage() const noexcept {
 void LuaVM::Impl::fillGlobals() {
   standard.outOfMemoryText = OwnedValue(makeString(internal::exceptionText(std::bad_alloc())));
   bindDefaults();
-  standard.stringLibrarySlot = resolveGlobalSlot("string");
+  standard.stringLibrarySlot = globals.slotOf("string");
 }
 
 LuaVM::Impl::~Impl() {
@@ -154,9 +154,7 @@ LuaResult makeFailure(const FailureReport& failure, const std::string& chunkName
 
 }  // namespace
 
-void LuaVM::Impl::requireLife() const {
-  if (ended_) throw std::runtime_error("the interpreter has ended");
-}
+void LuaVM::Impl::failEnded() { throw std::runtime_error("the interpreter has ended"); }
 
 LuaResult LuaVM::Impl::run(const std::string& source, const std::string& chunkName) {
   LuaResult outOfMemory;

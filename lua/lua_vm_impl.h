@@ -2,6 +2,7 @@
 
 #include <tarvel/lua/lua_vm.h>
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -35,13 +36,13 @@ class NativeClass;
 class MemoryCharge;
 class PatternCache;
 struct ResolvedChunk;
-struct VariableExpr;
 
 // Objects that are always there.
 struct StandardObjects {
   OwnedValue output;  // io.stdout as it was made, if at all; scripts may overwrite the field
-  OwnedValue outOfMemoryText;         // the message, made while there is memory
-  std::size_t stringLibrarySlot = 0;  // of the global `string`
+  OwnedValue outOfMemoryText;           // the message, made while there is memory
+  std::array<OwnedValue, 9> typeNames;  // by ValueKind, made when first asked for
+  std::size_t stringLibrarySlot = 0;    // of the global `string`
   // Of open files and of streams. They belong to the heap.
   NativeClass* fileClass = nullptr;
   NativeClass* streamClass = nullptr;
@@ -55,6 +56,8 @@ class InterpreterInUse {
   ~InterpreterInUse();
   InterpreterInUse(const InterpreterInUse&) = delete;
   InterpreterInUse& operator=(const InterpreterInUse&) = delete;
+
+  LuaVM::Impl& interpreter() const noexcept { return interpreter_; }
 
  private:
   LuaVM::Impl& interpreter_;
@@ -116,7 +119,10 @@ class LuaVM::Impl {
   // What a run or a call returned, as LuaResult::value has it.
   LuaValue resultsToPublic(internal::ValueSpan results) const;
   // Throws std::runtime_error when the interpreter has ended.
-  void requireLife() const;
+  void requireLife() const {
+    if (ended_) [[unlikely]]
+      failEnded();
+  }
 
   // ---- Evaluator ----
   // Calls the function frame[0] with the `count` values behind it, all owned by their slots, and
@@ -164,11 +170,9 @@ class LuaVM::Impl {
   std::size_t activeRuns = 0;  // of a supervised interpreter
 
  private:
+  [[noreturn]] static void failEnded();
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
   LuaResult makeSuccess(internal::ValueSpan results) const;
-  // Binds names that are no locals to their global slots.
-  void bindGlobalSlots(const std::vector<internal::VariableExpr*>& names);
-  std::size_t resolveGlobalSlot(std::string_view name) { return globals.slotOf(name); }
 
   friend class internal::InterpreterInUse;
   std::size_t uses_ = 0;  // by functions of the facade that have not returned

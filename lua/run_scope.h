@@ -14,7 +14,6 @@ class RunScope {
  public:
   explicit RunScope(LuaVM::Impl& interpreter) noexcept
       : use_(interpreter),
-        interpreter_(interpreter),
         // One that starts in the middle of destroying an object can be in the middle of any frame.
         mark_(destruction_.isNested() ? interpreter.stack.markBeyondFrames()
                                       : interpreter.stack.mark()) {
@@ -23,15 +22,15 @@ class RunScope {
   }
   ~RunScope() {
     sweep();
-    if (interpreter_.options.supervised) leaveSupervised();
+    if (interpreter().options.supervised) leaveSupervised();
   }
   RunScope(const RunScope&) = delete;
   RunScope& operator=(const RunScope&) = delete;
 
   // Before anything of a script runs. Throws what ends the run at once.
   void begin() {
-    if (interpreter_.options.supervised) beginSupervised();
-    interpreter_.requireLife();
+    if (interpreter().options.supervised) beginSupervised();
+    interpreter().requireLife();
   }
 
   // Something stands on the value stack, or may do so when an exception comes.
@@ -40,30 +39,31 @@ class RunScope {
   // Releases all of it, and gives the stack back.
   void sweep() noexcept {
     if (hasValues_) {
-      interpreter_.stack.unwindTo(mark_);
+      interpreter().stack.unwindTo(mark_);
       hasValues_ = false;
     } else {
-      interpreter_.stack.leaveTo(mark_);
+      interpreter().stack.leaveTo(mark_);
     }
   }
 
-  LuaVM::Impl& interpreter() const noexcept { return interpreter_; }
+  LuaVM::Impl& interpreter() const noexcept { return use_.interpreter(); }
+  // Where its values begin on the stack.
+  Value* first() const noexcept { return mark_.first; }
 
  private:
   // Runs inside others share what those may do.
   void beginSupervised() {
     isCounted_ = true;
-    if (interpreter_.activeRuns++ == 0) interpreter_.heap.meter().beginRun();
+    if (interpreter().activeRuns++ == 0) interpreter().heap.meter().beginRun();
   }
   void leaveSupervised() noexcept {
-    interpreter_.trace.endRun(outerTrace_);
-    if (isCounted_ && --interpreter_.activeRuns == 0) interpreter_.heap.meter().endRun();
+    interpreter().trace.endRun(outerTrace_);
+    if (isCounted_ && --interpreter().activeRuns == 0) interpreter().heap.meter().endRun();
   }
 
   const InterpreterInUse use_;
   const HostStackScope hostStack_;
   const DestructionScope destruction_;
-  LuaVM::Impl& interpreter_;
   const ValueStack::Mark mark_;
   bool hasValues_ = false;
   bool isCounted_ = false;  // among the interpreter's active runs

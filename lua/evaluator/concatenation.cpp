@@ -158,7 +158,9 @@ bool isSameVariable(const Expr& a, const Expr& b) noexcept {
   if (a.kind != ExprKind::Variable || b.kind != ExprKind::Variable) return false;
   const auto& left = static_cast<const VariableExpr&>(a);
   const auto& right = static_cast<const VariableExpr&>(b);
-  return left.variable == right.variable && (left.variable != nullptr || left.cell == right.cell);
+  if (left.home != right.home) return false;
+  return left.home == VariableHome::Global ? left.cell == right.cell
+                                           : left.variable == right.variable;
 }
 
 bool appendsToItself(const AssignmentStmt& statement) noexcept {

@@ -49,10 +49,14 @@ void FramePlanner::planFunction(FunctionExpr& function) {
 // ---- Statements ---------------------------------------------------------------------------------
 
 void FramePlanner::planBlock(Block& block, Top top) {
-  const Scope& scope = *block.scope;
-  for (std::uint32_t i = 0; i < scope.arriving; ++i) top = declare(*scope.variables[i], top);
+  for (LocalVariable* variable = block.variables; variable != nullptr && variable->arriving;
+       variable = variable->next) {
+    top = declare(*variable, top);
+  }
   use(top);
-  for (Stmt* statement : block.statements) top = planStatement(*statement, top);
+  for (Node* statement : block.statements) {
+    top = planStatement(static_cast<Stmt&>(*statement), top);
+  }
   planRelease(block);
 }
 
@@ -63,7 +67,8 @@ void FramePlanner::planRelease(Block& block) {
     block.releaseOffset = isFirst ? offset : std::min(block.releaseOffset, offset);
     block.releaseEnd = std::max(block.releaseEnd, offset + static_cast<SlotOffset>(sizeof(Value)));
   };
-  for (const LocalVariable* variable : block.scope->variables) {
+  for (const LocalVariable* variable = block.variables; variable != nullptr;
+       variable = variable->next) {
     if (variable->inEnvironment() || !variable->scalar) include(variable->offset);
   }
 }
@@ -256,12 +261,9 @@ void FramePlanner::planCall(CallExpr& call, Top top) {
 
 void FramePlanner::planVariable(VariableExpr& expression) {
   expression.peekable = true;
-  const LocalVariable* const variable = expression.variable;
-  if (variable == nullptr) {
-    expression.home = VariableHome::Global;
-    return;
-  }
-  if (variable->scope->function == open_->function) {
+  const LocalVariable* const variable = expression.local();
+  if (variable == nullptr) return;
+  if (variable->declaredIn == open_->function) {
     expression.home =
         variable->inEnvironment() ? VariableHome::OwnEnvironment : VariableHome::Frame;
     expression.offset = variable->offset;
@@ -294,7 +296,7 @@ std::uint32_t FramePlanner::captureIndex(OpenFunction& open, const LocalVariable
 CaptureSource FramePlanner::captureSource(OpenFunction& maker, const LocalVariable& variable) {
   using From = CaptureSource::From;
   const bool isEnvironment = variable.inEnvironment();
-  if (variable.scope->function == maker.function) {
+  if (variable.declaredIn == maker.function) {
     return {From::Slot, isEnvironment, variable.offset};
   }
   if (isNamedBy(*maker.function, variable)) return {From::RunningFunction, false, 0};

@@ -17,17 +17,17 @@ class NodeFunctionSelector {
       : interpreter_(interpreter), arena_(arena) {}
 
   void selectFunction(FunctionExpr& function) {
-    selectBlock(*function.body);
+    selectBlock(*function.body, true);
     function.entry = bodyNodeOf(*function.body);
     function.interpreter = &interpreter_;
     chooseFunction(function);
   }
 
  private:
-  void selectBlock(Block& block) {
+  void selectBlock(Block& block, bool isFunctionBody = false) {
     block.interpreter = &interpreter_;
-    for (Stmt* statement : block.statements) selectStatement(*statement);
-    chooseBlock(block, arena_);
+    for (Node* statement : block.statements) selectStatement(static_cast<Stmt&>(*statement));
+    chooseBlock(block, isFunctionBody, arena_);
   }
 
   void selectStatement(Stmt& statement) {

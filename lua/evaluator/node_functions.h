@@ -56,7 +56,7 @@ void chooseAssignment(AssignmentStmt& statement);
 void chooseFunctionDeclaration(FunctionDeclarationStmt& statement);
 
 // statements.cpp
-void chooseBlock(Block& block, Arena& arena);
+void chooseBlock(Block& block, bool isFunctionBody, Arena& arena);
 void chooseReturn(ReturnStmt& statement);
 void chooseBreak(BreakStmt& statement);
 // What to execute for a body: the block, or its only statement where the block itself has nothing

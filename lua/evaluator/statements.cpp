@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cassert>
 #include <iterator>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -38,11 +39,12 @@ inline Value runFirst(const Node* const* nodes, Value* base) {
 
 template <std::uint32_t Count>
 Value runSome(const Node* node, Value* base) {
-  return runFirst<Count>(static_cast<const Block*>(node)->nodes.data, base);
+  return runFirst<Count>(static_cast<const Block*>(node)->nodes, base);
 }
 
 Value runAll(const Node* node, Value* base) {
-  for (const Node* statement : static_cast<const Block*>(node)->nodes) {
+  const auto* const block = static_cast<const Block*>(node);
+  for (const Node* statement : std::span(block->nodes, block->nodeCount)) {
     const Value completion = executeStatement(statement, base);
     if (!isNormal(completion)) return completion;
   }
@@ -70,20 +72,26 @@ Value runReleasing(const Node* node, Value* base) {
   return completion;
 }
 
+// Whether there is a variable at this place of the list, and it is a parameter or loop variable.
+bool isArriving(const LocalVariable* variable) noexcept {
+  return variable != nullptr && variable->arriving;
+}
+
 // Moves the parameters or loop variables that live in environments there.
 void shareArriving(const Block* block, Value* base) {
-  const Scope* const scope = block->scope;
-  for (std::uint32_t i = 0; i < scope->arriving; ++i) {
-    const LocalVariable& variable = *scope->variables[i];
-    if (!variable.inEnvironment()) continue;
-    moveToEnvironment(block->interpreter->heap, slotAt(base, variable.offset));
+  for (const LocalVariable* variable = block->variables; isArriving(variable);
+       variable = variable->next) {
+    if (!variable->inEnvironment()) continue;
+    moveToEnvironment(block->interpreter->heap, slotAt(base, variable->offset));
   }
 }
 
 bool hasArrivingToShare(const Block& block) noexcept {
-  const Scope& scope = *block.scope;
-  return std::any_of(scope.variables.begin(), scope.variables.begin() + scope.arriving,
-                     [](const LocalVariable* variable) { return variable->inEnvironment(); });
+  for (const LocalVariable* variable = block.variables; isArriving(variable);
+       variable = variable->next) {
+    if (variable->inEnvironment()) return true;
+  }
+  return false;
 }
 
 Value runSharing(const Node* node, Value* base) {
@@ -122,8 +130,6 @@ Runners runnersFor(std::uint32_t count) noexcept {
   return runnersAmong(std::make_integer_sequence<std::uint32_t, kLongestUnrolled>(), count);
 }
 
-bool isFunctionBody(const Block& block) noexcept { return block.scope->function->body == &block; }
-
 // ---- return, break ------------------------------------------------------------------------------
 
 const ReturnStmt* asReturn(const Node* node) noexcept {
@@ -159,24 +165,40 @@ const Node* bodyNodeOf(const Block& block) noexcept {
   return block.execute == runSome<1> ? block.nodes[0] : &block;
 }
 
-void chooseBlock(Block& block, Arena& arena) {
-  std::vector<const Node*> nodes;
-  for (const Stmt* statement : block.statements) {
-    // `return e` is its expression: an owned value is the completion that returns it.
-    const auto* const result =
-        statement->kind == StmtKind::Return ? static_cast<const ReturnStmt*>(statement) : nullptr;
-    const bool isExpression = result != nullptr && result->execute == returnValue;
-    nodes.push_back(isExpression ? static_cast<const Node*>(result->values[0]) : statement);
-    // What follows a `return` or `break` in its block never runs.
-    if (result != nullptr || statement->kind == StmtKind::Break) break;
-  }
-  block.nodes = arena.list(nodes);
+namespace {
+
+// `return e` is its expression: an owned value is the completion that returns it.
+const Node* nodeOf(const Node* statement) noexcept {
+  return statement->execute == returnValue ? asReturn(statement)->values[0] : statement;
+}
+
+// The statements themselves, wherever that is possible. What follows a `return` or `break` in its
+// block never runs.
+void placeNodes(Block& block, Arena& arena) {
+  const auto isLast = [](const Node* node) {
+    const StmtKind kind = static_cast<const Stmt*>(node)->kind;
+    return kind == StmtKind::Return || kind == StmtKind::Break;
+  };
+  Node* const* const last = std::find_if(block.statements.begin(), block.statements.end(), isLast);
+  block.nodes = block.statements.data;
+  if (last == block.statements.end()) return;
+  block.nodeCount = static_cast<std::uint32_t>(last - block.statements.begin()) + 1;
+  if (nodeOf(*last) == *last) return;
+  std::vector<const Node*> nodes(block.nodes, block.nodes + block.nodeCount);
+  nodes.back() = nodeOf(*last);
+  block.nodes = arena.list(nodes).data;
+}
+
+}  // namespace
+
+void chooseBlock(Block& block, bool isFunctionBody, Arena& arena) {
+  placeNodes(block, arena);
   const bool owns = block.releaseEnd > block.releaseOffset;
-  const Runners runners = runnersFor(block.nodes.size);
+  const Runners runners = runnersFor(block.nodeCount);
   if (hasArrivingToShare(block)) {
-    block.execute = isFunctionBody(block) ? runFunctionSharing : runSharing;
+    block.execute = isFunctionBody ? runFunctionSharing : runSharing;
   } else {
-    block.execute = owns && !isFunctionBody(block) ? runners.releasing : runners.plain;
+    block.execute = owns && !isFunctionBody ? runners.releasing : runners.plain;
   }
 }
 

@@ -37,19 +37,21 @@ class Arena {
   // Gives the memory back; nothing that was made here may be used any more.
   void clear() noexcept {
     blocks_ = std::vector<std::unique_ptr<std::byte[]>>();
-    blockBytes_ = next_ = 0;
+    blockBytes_ = kFirstBlockBytes;
+    next_ = nullptr;
+    room_ = 0;
     charge_.clear();
   }
 
   template <class T, class... Arguments>
   T* make(Arguments&&... arguments) {
-    static_assert(std::is_trivially_destructible_v<T>);
+    static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= kAlignment);
     return new (allocate(sizeof(T), alignof(T))) T(std::forward<Arguments>(arguments)...);
   }
 
   template <class T>
   ArenaList<T> list(const std::vector<T>& elements) {
-    static_assert(std::is_trivially_copyable_v<T>);
+    static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= kAlignment);
     if (elements.empty()) return {};
     const std::size_t bytes = std::as_bytes(std::span(elements)).size();
     T* data = static_cast<T*>(allocate(bytes, alignof(T)));
@@ -58,26 +60,43 @@ class Arena {
   }
 
  private:
-  static constexpr std::size_t kBlockBytes = 8192;
+  // Blocks double in size from the first, so that a small chunk takes little and a large one asks
+  // rarely.
+  static constexpr std::size_t kFirstBlockBytes = std::size_t{8} << 10;
+  static constexpr std::size_t kLargestBlockBytes = std::size_t{64} << 10;
+  static constexpr std::size_t kAlignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__;  // of a block
 
+  // `alignment` is a power of two.
   void* allocate(std::size_t bytes, std::size_t alignment) {
-    next_ = (next_ + alignment - 1) / alignment * alignment;
-    if (blocks_.empty() || next_ + bytes > blockBytes_) {
-      const std::size_t size = std::max(kBlockBytes, bytes);
-      charge_.add(size);
-      blocks_.push_back(std::make_unique<std::byte[]>(size));
-      blockBytes_ = size;
-      next_ = 0;
-    }
-    void* result = blocks_.back().get() + next_;
-    next_ += bytes;
+    const std::size_t padding = -reinterpret_cast<std::uintptr_t>(next_) & (alignment - 1);
+    if (padding + bytes > room_) return allocateFromNewBlock(bytes);
+    void* const result = next_ + padding;
+    next_ += padding + bytes;
+    room_ -= padding + bytes;
     return result;
+  }
+
+  // What would use up much of a block gets one of its own, and the others go on in the current one.
+  [[gnu::noinline]] void* allocateFromNewBlock(std::size_t bytes) {
+    if (bytes > blockBytes_ / 4) return addBlock(bytes);
+    std::byte* const block = addBlock(blockBytes_);
+    next_ = block + bytes;
+    room_ = blockBytes_ - bytes;
+    blockBytes_ = std::min(2 * blockBytes_, kLargestBlockBytes);
+    return block;
+  }
+
+  std::byte* addBlock(std::size_t bytes) {
+    charge_.add(bytes);
+    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(bytes));
+    return blocks_.back().get();
   }
 
   MemoryCharge charge_;
   std::vector<std::unique_ptr<std::byte[]>> blocks_;
-  std::size_t blockBytes_ = 0;  // size of the last block
-  std::size_t next_ = 0;        // first unused byte of the last block
+  std::size_t blockBytes_ = kFirstBlockBytes;  // of the next block
+  std::byte* next_ = nullptr;                  // first unused byte of the current block
+  std::size_t room_ = 0;                       // bytes from there to the block's end
 };
 
 }  // namespace tarvel::lua::internal

@@ -4,24 +4,24 @@
 #include <utility>
 #include <vector>
 
-#include "lua/frontend/lexer.h"
 #include "lua/frontend/parser.h"
 
 namespace tarvel::lua::internal {
 
-Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
+Parser::Parser(std::string_view source, const std::string& chunkName, ResolvedChunk& chunk,
                StringPool& strings, std::uint32_t nestingLimit)
-    : tokens_(std::move(tokens)),
-      chunkName_(std::move(chunkName)),
+    : lexer_(source, chunkName),
       chunk_(chunk),
       strings_(strings),
+      names_(chunk, strings),
       nestingLimit_(nestingLimit),
       firstSite_(chunk.sites.first()) {}
 
-ArenaList<Stmt*> Parser::parseChunk(std::span<const std::string_view> parameters) {
-  chunk_.main = makeFunction(intern("<chunk>"), currentSite());
-  std::vector<StringObject*> names;
-  for (const std::string_view name : parameters) names.push_back(intern(name));
+ArenaList<Node*> Parser::parseChunk(std::span<const std::string_view> parameters) {
+  take();
+  chunk_.main = makeFunction(internName("<chunk>"), currentSite());
+  std::vector<Name*> names;
+  for (const std::string_view name : parameters) names.push_back(names_.find(name));
   chunk_.main->parameters = chunk_.arena.list(names);
   parseBodyOf(chunk_.main, {});
   return chunk_.main->body->statements;
@@ -37,10 +37,10 @@ Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
   const Level statementLevel(*this);
   noteHeight(0);
   const Site site = currentSite();
-  std::vector<Stmt*> statements;
+  std::vector<Node*> statements;
   for (;;) {
     while (skip(TokenKind::Semicolon)) continue;
-    const TokenKind kind = current().kind;
+    const TokenKind kind = current_.kind;
     if (kind == TokenKind::EndOfFile || std::ranges::find(terminators, kind) != terminators.end()) {
       break;
     }
@@ -50,7 +50,7 @@ Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
 }
 
 Stmt* Parser::parseStatement() {
-  switch (current().kind) {
+  switch (current_.kind) {
     case TokenKind::Return:
       return parseReturn();
     case TokenKind::While:
@@ -74,7 +74,7 @@ Stmt* Parser::parseStatement() {
 
 Stmt* Parser::parseReturn() {
   const Site site = takeSite();
-  switch (current().kind) {
+  switch (current_.kind) {
     case TokenKind::Semicolon:
     case TokenKind::Else:
     case TokenKind::Elseif:
@@ -87,7 +87,7 @@ Stmt* Parser::parseReturn() {
 }
 
 Stmt* Parser::parseBreak() {
-  if (functions_.back().loops == 0) errorAt(current(), "break outside a loop");
+  if (functions_.back().loops == 0) fail("break outside a loop");
   return make<BreakStmt>(takeSite());
 }
 
@@ -118,11 +118,11 @@ Stmt* Parser::parseWhile() {
 
 Stmt* Parser::parseFor() {
   const Site site = takeSite();
-  StringObject* name = expectName("expected loop variable name");
+  Name* name = expectName("expected loop variable name");
   return skip(TokenKind::Assign) ? parseNumericFor(name, site) : parseGenericFor(name, site);
 }
 
-Stmt* Parser::parseNumericFor(StringObject* variable, Site site) {
+Stmt* Parser::parseNumericFor(Name* variable, Site site) {
   Expr* start = parseExpression();
   expect(TokenKind::Comma, "expected ',' after numeric for start value");
   Expr* limit = parseExpression();
@@ -132,8 +132,8 @@ Stmt* Parser::parseNumericFor(StringObject* variable, Site site) {
   return make<NumericForStmt>(variable, start, limit, step, body, site);
 }
 
-Stmt* Parser::parseGenericFor(StringObject* firstName, Site site) {
-  const ArenaList<StringObject*> names = parseLoopNames(firstName);
+Stmt* Parser::parseGenericFor(Name* firstName, Site site) {
+  const ArenaList<Name*> names = parseLoopNames(firstName);
   expect(TokenKind::In, "expected 'in' in generic for loop");
   const ArenaList<Expr*> iterators = parseExpressionList();
   expect(TokenKind::Do, "expected 'do' after generic for iterator");
@@ -141,8 +141,8 @@ Stmt* Parser::parseGenericFor(StringObject* firstName, Site site) {
   return make<GenericForStmt>(names, iterators, body, site);
 }
 
-ArenaList<StringObject*> Parser::parseLoopNames(StringObject* first) {
-  std::vector<StringObject*> names{first};
+ArenaList<Name*> Parser::parseLoopNames(Name* first) {
+  std::vector<Name*> names{first};
   while (skip(TokenKind::Comma)) names.push_back(expectName("expected loop variable name"));
   return chunk_.arena.list(names);
 }
@@ -184,33 +184,34 @@ Stmt* Parser::parseFunctionDeclaration(Site keyword, bool isLocal) {
 
 Stmt* Parser::parseLocalFunction(Site keyword) {
   const Site nameSite = currentSite();
-  VariableExpr* target = makeVariable(expectName("expected local function name"), nameSite);
-  FunctionExpr* function = parseFunctionBody(keyword, target->name, false);
+  Name* name = expectName("expected local function name");
+  VariableExpr* target = makeVariable(name, nameSite);
+  FunctionExpr* function = parseFunctionBody(keyword, name->text, false);
   return make<FunctionDeclarationStmt>(true, AssignTarget{target}, function, keyword);
 }
 
 Parser::DeclaredName Parser::parseDeclaredName() {
   const Site site = currentSite();
-  StringObject* name = expectName("expected function name");
-  std::string text(name->view());
+  Name* name = expectName("expected function name");
+  std::string text(name->text->view());
   Expr* target = makeVariable(name, site);
   while (skip(TokenKind::Dot)) {
     name = expectName("expected field name after '.'");
-    text.append(".").append(name->view());
-    target = complete(make<FieldExpr>(target, name, site), target);
+    text.append(".").append(name->text->view());
+    target = complete(make<FieldExpr>(target, name->text, site), target);
   }
   const bool isMethod = skip(TokenKind::Colon);
   if (isMethod) {
     name = expectName("expected method name after ':'");
-    text.append(":").append(name->view());
-    target = complete(make<FieldExpr>(target, name, site), target);
+    text.append(":").append(name->text->view());
+    target = complete(make<FieldExpr>(target, name->text, site), target);
   }
-  return {asFunctionTarget(target), intern(text), isMethod};
+  return {asFunctionTarget(target), internName(text), isMethod};
 }
 
 AssignTarget Parser::asFunctionTarget(Expr* expression) {
   if (expression->kind != ExprKind::Variable && expression->kind != ExprKind::Field) {
-    errorAt(current(), "invalid function target");
+    fail("invalid function target");
   }
   return {expression};
 }
@@ -221,7 +222,7 @@ Stmt* Parser::parseAssignmentOrCall() {
   const Site site = currentSite();
   Expr* expression = parsePrefixExpression();
   if (at(TokenKind::Assign) || at(TokenKind::Comma)) return parseAssignment(expression, site);
-  if (expression->kind != ExprKind::Call) errorAt(current(), "expected function call");
+  if (expression->kind != ExprKind::Call) fail("expected function call");
   return make<ExpressionStmt>(static_cast<CallExpr*>(expression), site);
 }
 
@@ -245,25 +246,47 @@ AssignTarget Parser::asAssignTarget(Expr* expression) {
     case ExprKind::Index:
       return {expression};
     default:
-      errorAt(current(), "invalid assignment target");
+      fail("invalid assignment target");
   }
 }
 
 // ---- The cursor, nesting and errors ----
 
+Site Parser::takeSite() {
+  const Site site = currentSite();
+  take();
+  return site;
+}
+
+Parser::Operator Parser::takeOperator() {
+  const TokenKind kind = current_.kind;
+  return {kind, takeSite()};
+}
+
 bool Parser::skip(TokenKind kind) {
   if (!at(kind)) return false;
-  ++index_;
+  take();
   return true;
 }
 
-const Token& Parser::expect(TokenKind kind, const char* message) {
-  if (!at(kind)) errorAt(current(), message);
-  return take();
+void Parser::expect(TokenKind kind, const char* message) {
+  if (!at(kind)) fail(message);
+  take();
 }
 
-StringObject* Parser::expectName(const char* message) {
-  return intern(expect(TokenKind::Identifier, message).text);
+Name* Parser::expectName(const char* message) {
+  if (!at(TokenKind::Identifier)) fail(message);
+  Name* name = names_.find(current_.text);
+  take();
+  return name;
+}
+
+StringObject* Parser::internLiteral(const Token& literal) {
+  if (!literal.hasEscapes) return chunk_.own(strings_.intern(literal.text));
+  strings_.heap().requireRoom(literal.text.size());
+  decoded_.clear();
+  appendDecoded(decoded_, literal.text);
+  return chunk_.own(strings_.intern(decoded_));
 }
 
 void Parser::noteHeight(std::uint32_t height) {
@@ -273,10 +296,8 @@ void Parser::noteHeight(std::uint32_t height) {
   open.function->nesting = std::max(open.function->nesting, levels);
 }
 
-void Parser::errorAt(const Token& token, const char* message) const {
-  failParse(chunkName_, token.line, token.column, message);
-}
+void Parser::fail(const char* message) { lexer_.reject(current_, message); }
 
-void Parser::failTooDeep() const { errorAt(current(), "source is nested too deeply"); }
+void Parser::failTooDeep() { fail("source is nested too deeply"); }
 
 }  // namespace tarvel::lua::internal

@@ -1,6 +1,7 @@
 #include "lua/frontend/resolver.h"
 
 #include "lua/value/errors.h"
+#include "lua/value/string_object.h"
 
 namespace tarvel::lua::internal {
 
@@ -12,57 +13,47 @@ void Resolver::resolveChunk() {
 
 // ---- Scopes -------------------------------------------------------------------------------------
 
-void Resolver::beginScope(Block& block) {
-  block.scope = chunk_.arena.make<Scope>();
-  block.scope->function = function_;
-  scopes_.push_back({block.scope, {}, {}});
-}
-
-void Resolver::endScope(Block& block) {
-  OpenScope& open = scopes_.back();
-  for (; !open.shadowed.empty(); open.shadowed.pop_back()) {
-    bindings_[open.shadowed.back().first] = open.shadowed.back().second;
-  }
-  block.scope->variables = chunk_.arena.list(open.variables);
-  scopes_.pop_back();
-}
-
-LocalVariable* Resolver::declare(StringObject* name) {
-  OpenScope& open = scopes_.back();
-  auto* const variable = chunk_.arena.make<LocalVariable>();
-  variable->name = name;
-  variable->scope = open.scope;
-  open.variables.push_back(variable);
-  LocalVariable*& binding = bindings_[name];
-  open.shadowed.emplace_back(name, binding);
-  binding = variable;
+LocalVariable* Resolver::declare(Name& name) {
+  auto* const variable = chunk_.arena.make<LocalVariable>(name, function_);
+  *nextOfScope_ = variable;
+  nextOfScope_ = &variable->next;
+  shadowed_.push_back({name, name.local});
+  name.local = variable;
   return variable;
 }
 
 void Resolver::bind(VariableExpr& expression) {
-  const auto found = bindings_.find(expression.name);
-  if (found == bindings_.end() || found->second == nullptr) {
-    unboundNames_.push_back(&expression);
+  Name& name = *expression.name;
+  if (LocalVariable* const variable = name.local) {
+    expression.variable = variable;
+    expression.home = VariableHome::Frame;
+    if (variable->declaredIn != function_) variable->captured = true;
     return;
   }
-  LocalVariable* const variable = found->second;
-  expression.variable = variable;
-  if (variable->scope->function != function_) variable->captured = true;
+  if (name.cell == nullptr) name.cell = &globals_.at(globals_.slotOf(name.text->view()));
+  expression.cell = name.cell;
 }
 
-void Resolver::resolveBlock(Block& block, const ArenaList<StringObject*>& arriving,
-                            bool arrivingScalar) {
-  beginScope(block);
-  for (StringObject* name : arriving) declare(name)->scalar = arrivingScalar;
-  block.scope->arriving = arriving.size;
+void Resolver::resolveBlock(Block& block, const ArenaList<Name*>& arriving, bool arrivingScalar) {
+  LocalVariable** const nextOfOuter = nextOfScope_;
+  const std::size_t firstShadowed = shadowed_.size();
+  nextOfScope_ = &block.variables;
+  for (Name* name : arriving) {
+    LocalVariable* const variable = declare(*name);
+    variable->arriving = true;
+    variable->scalar = arrivingScalar;
+  }
   resolveStatements(block.statements);
-  endScope(block);
+  for (; shadowed_.size() > firstShadowed; shadowed_.pop_back()) {
+    shadowed_.back().name.local = shadowed_.back().local;
+  }
+  nextOfScope_ = nextOfOuter;
 }
 
 // ---- Statements ---------------------------------------------------------------------------------
 
-void Resolver::resolveStatements(const ArenaList<Stmt*>& statements) {
-  for (Stmt* statement : statements) resolveStatement(*statement);
+void Resolver::resolveStatements(const ArenaList<Node*>& statements) {
+  for (Node* statement : statements) resolveStatement(static_cast<Stmt&>(*statement));
 }
 
 void Resolver::resolveStatement(Stmt& statement) {
@@ -111,7 +102,7 @@ void Resolver::resolveAssignment(AssignmentStmt& statement) {
       continue;
     }
     auto* const name = static_cast<VariableExpr*>(target.expression);
-    declare(name->name);
+    declare(*name->name);
     bind(*name);
   }
   for (std::size_t i = 0; i < statement.targets.size; ++i)
@@ -122,7 +113,7 @@ void Resolver::resolveAssignment(AssignmentStmt& statement) {
 void Resolver::resolveFunctionDeclaration(FunctionDeclarationStmt& statement) {
   if (statement.isLocal) {
     auto* const name = static_cast<VariableExpr*>(statement.target.expression);
-    declare(name->name)->function = statement.function;
+    declare(*name->name)->function = statement.function;
     bind(*name);
   } else {
     resolveTarget(statement.target);
@@ -145,7 +136,7 @@ void Resolver::resolveTarget(AssignTarget& target) { resolveExpression(target.ex
 // The local that the target is, once it is bound; null for anything else.
 LocalVariable* Resolver::localOf(const AssignTarget& target) noexcept {
   if (target.expression->kind != ExprKind::Variable) return nullptr;
-  return static_cast<VariableExpr*>(target.expression)->variable;
+  return static_cast<VariableExpr*>(target.expression)->local();
 }
 
 void Resolver::noteAssigned(const AssignTarget& target) noexcept {
@@ -225,8 +216,8 @@ bool Resolver::yieldsScalar(const Expr& expression) {
     case ExprKind::Literal:
       return !static_cast<const LiteralExpr&>(expression).value.isCounted();
     case ExprKind::Variable: {
-      const auto& variable = static_cast<const VariableExpr&>(expression);
-      return variable.variable != nullptr && variable.variable->scalar;
+      const LocalVariable* const variable = static_cast<const VariableExpr&>(expression).local();
+      return variable != nullptr && variable->scalar;
     }
     case ExprKind::Unary:
       return true;
@@ -246,7 +237,7 @@ bool Resolver::yieldsScalar(const Expr& expression) {
 // The locals whose being scalar decides whether the value is: those that it may be a copy of.
 void Resolver::noteInputs(const Expr& expression, std::size_t source) {
   if (expression.kind == ExprKind::Variable) {
-    LocalVariable* const variable = static_cast<const VariableExpr&>(expression).variable;
+    LocalVariable* const variable = static_cast<const VariableExpr&>(expression).local();
     if (variable != nullptr) dependents_[variable].push_back(source);
   } else if (expression.kind == ExprKind::Binary) {
     const auto& binary = static_cast<const BinaryExpr&>(expression);

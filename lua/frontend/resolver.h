@@ -2,47 +2,41 @@
 
 #include <cstdint>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "lua/frontend/syntax_tree.h"
+#include "lua/value/globals.h"
 
 namespace tarvel::lua::internal {
 
 // Binds every local name of a chunk to the declaration that it refers to, and learns about each
 // local what decides where it lives: whether an inner function uses it, whether it changes after
 // its declaration, and whether it can ever hold something that needs release. Names that no scope
-// declares are left for the global binder.
+// declares are globals.
 class Resolver {
  public:
-  explicit Resolver(ResolvedChunk& chunk) : chunk_(chunk) {}
+  Resolver(ResolvedChunk& chunk, Globals& globals) : chunk_(chunk), globals_(globals) {}
 
   void resolveChunk();
 
-  // The variables that no scope declares, wherever they stand in the chunk.
-  const std::vector<VariableExpr*>& unboundNames() const noexcept { return unboundNames_; }
-
  private:
-  // What an open scope needs only while it is being resolved.
-  struct OpenScope {
-    Scope* scope;
-    std::vector<LocalVariable*> variables;
-    // Bindings to restore, in order.
-    std::vector<std::pair<StringObject*, LocalVariable*>> shadowed;
+  // What a name was bound to outside of the scope that declares it again.
+  struct Shadowed {
+    Name& name;
+    LocalVariable* local;
   };
-  // A value that may be stored into a variable.
+  // A value that may be stored into a variable and is a copy of others, which decide whether it is
+  // scalar.
   struct Source {
     LocalVariable* variable;
     const Expr* value;
   };
 
-  void beginScope(Block& block);
-  void endScope(Block& block);
-  LocalVariable* declare(StringObject* name);
+  LocalVariable* declare(Name& name);
   void bind(VariableExpr& variable);
 
-  void resolveBlock(Block& block, const ArenaList<StringObject*>& arriving, bool arrivingScalar);
-  void resolveStatements(const ArenaList<Stmt*>& statements);
+  void resolveBlock(Block& block, const ArenaList<Name*>& arriving, bool arrivingScalar);
+  void resolveStatements(const ArenaList<Node*>& statements);
   void resolveStatement(Stmt& statement);
   void resolveAssignment(AssignmentStmt& statement);
   void resolveFunctionDeclaration(FunctionDeclarationStmt& statement);
@@ -60,13 +54,12 @@ class Resolver {
   void findScalars();
 
   ResolvedChunk& chunk_;
-  std::vector<OpenScope> scopes_;
-  // The innermost declaration of each name.
-  std::unordered_map<StringObject*, LocalVariable*> bindings_;
+  Globals& globals_;
+  std::vector<Shadowed> shadowed_;         // by the declarations of the open scopes, in order
+  LocalVariable** nextOfScope_ = nullptr;  // where the innermost scope's next variable goes
   FunctionExpr* function_ = nullptr;
   std::vector<Source> sources_;
   std::unordered_map<const LocalVariable*, std::vector<std::size_t>> dependents_;  // into sources_
-  std::vector<VariableExpr*> unboundNames_;
 };
 
 }  // namespace tarvel::lua::internal

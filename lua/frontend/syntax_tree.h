@@ -19,9 +19,9 @@ namespace tarvel::lua::internal {
 struct Block;
 struct Expr;
 struct FunctionExpr;
+struct LocalVariable;
 struct Node;
 struct ResolvedChunk;
-struct Scope;
 struct Stmt;
 struct VariableExpr;
 
@@ -38,6 +38,10 @@ inline Value& slotAt(Value* base, SlotOffset offset) noexcept {
   return *reinterpret_cast<Value*>(reinterpret_cast<char*>(base) + offset);
 }
 
+// The most levels of nesting that a source may have: far beyond what people write, and small enough
+// that a tree of this height can be walked.
+constexpr std::uint16_t kDeepestNesting = 10000;
+
 struct Node {
   explicit Node(Site nodeSite) : site(nodeSite) {}
 
@@ -48,31 +52,39 @@ struct Node {
 
 // ---- Names --------------------------------------------------------------------------------------
 
+// What a chunk calls one or more variables or functions.
+struct Name {
+  Name(StringObject* nameText, std::uint32_t textHash) : text(nameText), hash(textHash) {}
+
+  StringObject* text;  // kept alive by the chunk
+  std::uint32_t hash;
+  LocalVariable* local = nullptr;  // while the chunk is resolved, its innermost declaration
+  Value* cell = nullptr;           // of the global of this name, once one is mentioned
+};
+
 // One declared local name: a parameter, a loop variable, or a name of a local declaration.
 struct LocalVariable {
-  StringObject* name;
-  Scope* scope;
+  LocalVariable(const Name& variableName, const FunctionExpr* declaringFunction)
+      : name(variableName), declaredIn(declaringFunction) {}
+
+  const Name& name;
+  const FunctionExpr* declaredIn;
   const FunctionExpr* function = nullptr;  // of `local function`, the function that it names
-  bool captured = false;                   // a function nested in the declaring one refers to it
-  bool assigned = false;                   // changes after its declaration
-  bool scalar = true;     // only ever holds nil, booleans and numbers, so it needs no release
+  LocalVariable* next = nullptr;           // of the same block, in order of declaration
   SlotOffset offset = 0;  // of its slot in the frame, which holds it or owns its Environment
+  bool arriving = false;  // a parameter or loop variable
+  bool captured = false;  // a function nested in the declaring one refers to it
+  bool assigned = false;  // changes after its declaration
+  bool scalar = true;     // only ever holds nil, booleans and numbers, so it needs no release
 
   // Closures that name it share the variable itself, so it lives in an Environment. Without an
   // assignment they can as well hold its value.
   bool inEnvironment() const noexcept { return captured && assigned; }
 };
 
-// One block's names.
-struct Scope {
-  FunctionExpr* function = nullptr;
-  ArenaList<LocalVariable*> variables;
-  std::uint32_t arriving = 0;  // so many of the first are parameters or loop variables
-};
-
 // ---- Expressions --------------------------------------------------------------------------------
 
-enum class ExprKind : std::uint32_t {
+enum class ExprKind : std::uint8_t {
   Literal = 0,
   Variable = 1,
   Unary = 2,
@@ -88,16 +100,17 @@ enum class ExprKind : std::uint32_t {
 struct Expr : Node {
   Expr(ExprKind exprKind, Site nodeSite) : Node(nodeSite), kind(exprKind) {}
 
-  ExprKind kind;
-  ConditionFunction test = nullptr;  // the value's truthiness
-  NodeFunction peek = nullptr;       // see access_objects.h; only where `peekable` allows it
-  std::uint32_t height = 1;          // levels of the tree from here down
+  ExprKind kind : 6;
   // Evaluating it may run a function of the script or the host: it contains a call, or an access,
   // which may be to a property of a native object.
-  bool mayRunCode = false;
+  bool mayRunCode : 1 = false;
   // A variable, an access path from one whose keys are peekable or run no code, or the length of
   // one.
-  bool peekable = false;
+  bool peekable : 1 = false;
+  TokenKind op = TokenKind::EndOfFile;  // of a unary or binary operator
+  std::uint16_t height = 1;             // levels of the tree from here down; see kDeepestNesting
+  ConditionFunction test = nullptr;     // the value's truthiness
+  NodeFunction peek = nullptr;          // see access_objects.h; only where `peekable` allows it
 };
 
 struct LiteralExpr : Expr {
@@ -117,22 +130,32 @@ enum class VariableHome : std::uint8_t {
 };
 
 struct VariableExpr : Expr {
-  VariableExpr(StringObject* variableName, Site nodeSite)
+  VariableExpr(Name* variableName, Site nodeSite)
       : Expr(ExprKind::Variable, nodeSite), name(variableName) {}
 
-  StringObject* name;
-  VariableHome home = VariableHome::Global;
-  LocalVariable* variable = nullptr;  // the local that the name is bound to; null for a global
-  SlotOffset offset = 0;              // Frame, OwnEnvironment: of the variable's slot
-  std::uint32_t captureIndex = 0;     // CapturedValue, CapturedEnvironment
-  Value* cell = nullptr;              // Global
+  // The local that the name is bound to; null for a global.
+  LocalVariable* local() const noexcept {
+    return home != VariableHome::Global ? variable : nullptr;
+  }
+
+  union {
+    Name* name;               // until the resolver has bound it
+    LocalVariable* variable;  // of a local
+    Value* cell;              // Global
+  };
+  union {
+    SlotOffset offset = 0;       // Frame, OwnEnvironment: of the variable's slot
+    std::uint32_t captureIndex;  // CapturedValue, CapturedEnvironment
+  };
+  VariableHome home = VariableHome::Global;  // of a local, Frame until its frame is planned
 };
 
 struct UnaryExpr : Expr {
   UnaryExpr(TokenKind unaryOp, Expr* unaryOperand, Site nodeSite)
-      : Expr(ExprKind::Unary, nodeSite), op(unaryOp), operand(unaryOperand) {}
+      : Expr(ExprKind::Unary, nodeSite), operand(unaryOperand) {
+    op = unaryOp;  // Minus, Hash or Not
+  }
 
-  TokenKind op;  // Minus, Hash or Not
   Expr* operand;
   Value constant;  // of a negated number; otherwise nil
 };
@@ -140,10 +163,11 @@ struct UnaryExpr : Expr {
 // Every binary operator but `..`.
 struct BinaryExpr : Expr {
   BinaryExpr(Expr* leftOperand, TokenKind binaryOp, Expr* rightOperand, Site nodeSite)
-      : Expr(ExprKind::Binary, nodeSite), left(leftOperand), op(binaryOp), right(rightOperand) {}
+      : Expr(ExprKind::Binary, nodeSite), left(leftOperand), right(rightOperand) {
+    op = binaryOp;
+  }
 
   Expr* left;
-  TokenKind op;
   Expr* right;
   // Also read by a node that this one is fused into, or that tries it in place as its operand.
   SlotOffset leftOffset = 0;   // of a left operand that is a frame variable
@@ -163,7 +187,7 @@ struct ConcatExpr : Expr {
 };
 
 struct TableExpr : Expr {
-  enum class FieldKind : std::uint32_t { Positional = 0, Named = 1, Keyed = 2 };
+  enum class FieldKind : std::uint8_t { Positional = 0, Named = 1, Keyed = 2 };
   struct Field {
     FieldKind kind;
     StringObject* name;  // Named
@@ -236,7 +260,7 @@ struct CaptureSource {
 struct FunctionExpr : Expr {
   explicit FunctionExpr(Site nodeSite) : Expr(ExprKind::Function, nodeSite) {}
 
-  ArenaList<StringObject*> parameters;  // "self" first for a method
+  ArenaList<Name*> parameters;  // "self" first for a method
   Block* body = nullptr;
   StringObject* name = nullptr;  // as declared ("a.b:m"), or "<anonymous>"
   ResolvedChunk* chunk = nullptr;
@@ -252,7 +276,7 @@ struct FunctionExpr : Expr {
 
 // ---- Statements ---------------------------------------------------------------------------------
 
-enum class StmtKind : std::uint32_t {
+enum class StmtKind : std::uint8_t {
   Expression = 0,
   Assignment = 1,
   FunctionDeclaration = 2,
@@ -272,14 +296,15 @@ struct Stmt : Node {
 
 // The statements of a body with a scope of its own.
 struct Block : Node {
-  Block(ArenaList<Stmt*> blockStatements, Site nodeSite)
-      : Node(nodeSite), statements(blockStatements) {}
+  Block(ArenaList<Node*> blockStatements, Site nodeSite)
+      : Node(nodeSite), nodeCount(blockStatements.size), statements(blockStatements) {}
 
-  ArenaList<Stmt*> statements;
-  Scope* scope = nullptr;
-  SlotOffset releaseOffset = 0;  // the slots from here ...
-  SlotOffset releaseEnd = 0;     // ... up to here may own something when the block ends
-  ArenaList<const Node*> nodes;  // what to execute, statement by statement
+  std::uint32_t nodeCount;             // of `nodes`
+  ArenaList<Node*> statements;         // each a Stmt
+  LocalVariable* variables = nullptr;  // the first; those that arrive come before the others
+  SlotOffset releaseOffset = 0;        // the slots from here ...
+  SlotOffset releaseEnd = 0;           // ... up to here may own something when the block ends
+  const Node* const* nodes = nullptr;  // what to execute, statement by statement
 };
 
 struct ExpressionStmt : Stmt {
@@ -351,8 +376,8 @@ struct WhileStmt : Stmt {
 };
 
 struct NumericForStmt : Stmt {
-  NumericForStmt(StringObject* loopVariable, Expr* first, Expr* last, Expr* increment,
-                 Block* forBody, Site nodeSite)
+  NumericForStmt(Name* loopVariable, Expr* first, Expr* last, Expr* increment, Block* forBody,
+                 Site nodeSite)
       : Stmt(StmtKind::NumericFor, nodeSite),
         variable(loopVariable),
         start(first),
@@ -360,7 +385,7 @@ struct NumericForStmt : Stmt {
         step(increment),
         body(forBody) {}
 
-  StringObject* variable;
+  Name* variable;
   Expr* start;
   Expr* limit;
   Expr* step;  // null when absent
@@ -370,14 +395,14 @@ struct NumericForStmt : Stmt {
 };
 
 struct GenericForStmt : Stmt {
-  GenericForStmt(ArenaList<StringObject*> loopNames, ArenaList<Expr*> iteratorExprs, Block* forBody,
+  GenericForStmt(ArenaList<Name*> loopNames, ArenaList<Expr*> iteratorExprs, Block* forBody,
                  Site nodeSite)
       : Stmt(StmtKind::GenericFor, nodeSite),
         names(loopNames),
         iterators(iteratorExprs),
         body(forBody) {}
 
-  ArenaList<StringObject*> names;
+  ArenaList<Name*> names;
   ArenaList<Expr*> iterators;
   Block* body;
   const Node* bodyNode = nullptr;  // what to execute for the body
@@ -409,7 +434,7 @@ struct ResolvedChunk final : FunctionCode {
   // Keeps `text`, an owned reference, alive as long as the tree, and returns it.
   StringObject* own(StringObject* text);
 
-  SiteRange sites;  // of its tokens
+  SiteRange sites;  // of its text
   Arena arena;
   FunctionExpr* main = nullptr;  // the top level as a function without parameters
   std::vector<StringObject*> strings;

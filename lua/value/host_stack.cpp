@@ -38,7 +38,10 @@ HostStackScope* latestScope = nullptr;
 
 }  // namespace
 
-void HostStackScope::enlist() noexcept {
+void HostStackScope::enter(std::uintptr_t here) noexcept {
+  floor_ = findHostStackFloor(here);
+  isListed_ = !threadStack.contains(here);
+  if (!isListed_) return;
   const std::lock_guard lock(scopesMutex);
   earlier_ = latestScope;
   latestScope = this;

@@ -72,7 +72,7 @@ struct ThreadStack {
 
   bool contains(std::uintptr_t pointer) const noexcept { return pointer > low && pointer <= high; }
 };
-inline constinit thread_local ThreadStack threadStack;
+[[gnu::tls_model("initial-exec")]] inline constinit thread_local ThreadStack threadStack;
 
 // For a pointer that `threadStack`, as far as it is known, does not contain.
 std::uintptr_t findHostStackFloor(std::uintptr_t here) noexcept;
@@ -90,9 +90,14 @@ inline std::uintptr_t hostStackFloor() noexcept {
 // another thread than they began on.
 class HostStackScope {
  public:
-  HostStackScope() noexcept
-      : floor_(hostStackFloor()), isListed_(!threadStack.contains(hostStackPointer())) {
-    if (isListed_) enlist();
+  HostStackScope() noexcept {
+    const std::uintptr_t here = hostStackPointer();
+    if (threadStack.contains(here)) [[likely]] {
+      floor_ = threadStack.floor;
+      isListed_ = false;
+    } else {
+      enter(here);
+    }
   }
   ~HostStackScope() {
     if (isListed_) leave();
@@ -105,13 +110,13 @@ class HostStackScope {
 
  private:
   friend std::uintptr_t findHostStackFloor(std::uintptr_t here) noexcept;
-  void enlist() noexcept;
+  void enter(std::uintptr_t here) noexcept;
   void leave() noexcept;
   static std::uintptr_t floorOfSwitchedStack(std::uintptr_t here) noexcept;
 
   std::uintptr_t floor_;
-  bool isListed_;  // on a stack that the host switched to
-  HostStackScope* earlier_ = nullptr;
+  bool isListed_;            // on a stack that the host switched to
+  HostStackScope* earlier_;  // of those that are listed
 };
 
 // Bytes of the host's stack that are left above the floor.

@@ -10,10 +10,9 @@ StringPool::~StringPool() {
   }
 }
 
-StringObject* StringPool::intern(std::string_view bytes) {
+StringObject* StringPool::internHashed(std::string_view bytes, std::uint32_t hash) {
   if ((used_ + 1) * 2 > slots_.size()) rebuild();
   const std::size_t mask = slots_.size() - 1;
-  const std::uint32_t hash = StringObject::hashOf(bytes);
   std::size_t slot = hash & mask;
   for (; slots_[slot] != nullptr; slot = (slot + 1) & mask) {
     StringObject* const text = slots_[slot];

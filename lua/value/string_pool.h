@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -24,7 +25,11 @@ class StringPool {
 
   // Return an owned reference. The one string with these bytes, or for `make` a new one, unless it
   // is short.
-  StringObject* intern(std::string_view bytes);
+  StringObject* intern(std::string_view bytes) {
+    return internHashed(bytes, StringObject::hashOf(bytes));
+  }
+  // For whoever knows the hash.
+  StringObject* internHashed(std::string_view bytes, std::uint32_t hash);
   Value make(std::string_view bytes);
   Heap& heap() const noexcept { return heap_; }
 

@@ -53,6 +53,8 @@ enum Tag : std::uint64_t {
   kSeveralValuesCompletion = 19,
   // What a peek gives that would have had to run something; never stored either.
   kNotPeeked = 20,
+  // What a native function gives in place of a result that takes its general form; never stored.
+  kNotAnswered = 21,
 };
 
 // A value of the dialect: 16 bytes, trivially copyable, so that it travels in two registers. It
@@ -123,31 +125,39 @@ void destroyObject(Value value) noexcept;
 
 // What this thread is in the middle of destroying.
 struct DestructionState {
-  std::uint64_t waiting = 0;  // objects that go next; 0 while nothing is under way
-  bool isUnderWay = false;
-  std::size_t interruptions = 0;  // DestructionScopes that began in the middle
+  std::uint64_t waiting;  // objects that go next; 0 while nothing is under way
+  bool isUnderWay;
+  std::size_t interruptions;  // DestructionScopes that began in the middle
 };
-inline constinit thread_local DestructionState destruction;
+[[gnu::tls_model("initial-exec")]] inline constinit thread_local DestructionState destruction{};
 
 // While it lives, objects are destroyed as soon as their last reference goes, also if this thread
 // is already in the middle of destroying one. For what a destructor of the host's starts: scripts
 // that run there expect to see their own files closed.
 class DestructionScope {
  public:
-  DestructionScope() noexcept : outside_(destruction) {
-    if (outside_.isUnderWay) destruction = {0, false, outside_.interruptions + 1};
+  DestructionScope() noexcept
+      : interrupts_(destruction.isUnderWay),
+        isNested_(interrupts_ || destruction.interruptions > 0) {
+    if (interrupts_) [[unlikely]] {
+      outside_ = destruction;
+      destruction = {0, false, outside_.interruptions + 1};
+    }
   }
   ~DestructionScope() {
-    if (outside_.isUnderWay) destruction = outside_;
+    if (interrupts_) [[unlikely]]
+      destruction = outside_;
   }
   DestructionScope(const DestructionScope&) = delete;
   DestructionScope& operator=(const DestructionScope&) = delete;
 
   // Whether it, or a scope around it, began in the middle of destroying an object.
-  bool isNested() const noexcept { return outside_.isUnderWay || outside_.interruptions > 0; }
+  bool isNested() const noexcept { return isNested_; }
 
  private:
-  const DestructionState outside_;
+  const bool interrupts_;
+  const bool isNested_;
+  DestructionState outside_;  // where it interrupts
 };
 
 inline Value retain(Value value) noexcept {

@@ -51,6 +51,8 @@ class ValueStack {
     std::uintptr_t hostFloor;
   };
   Mark mark() const noexcept { return {top_, top_, hostFloor_}; }
+  // For what stands from `first` on below the top, too.
+  Mark markAt(Value* first) const noexcept { return {first, first, hostFloor_}; }
   // For a run that starts in the middle of destroying an object, which can be in the middle of any
   // frame: moves the top beyond all frames in use.
   Mark markBeyondFrames() noexcept {
@@ -69,12 +71,14 @@ class ValueStack {
   }
 
  private:
-  Value* base_ = nullptr;
-  Value* end_ = nullptr;
-  Value* limit_ = nullptr;  // frames end here at the latest
-  Value* softLimit_ = nullptr;
-  Value* top_ = nullptr;
+  // What every call from a host stores stands apart: compilers load neighbours together, and such a
+  // load has to wait for stores to its halves.
   std::uintptr_t hostFloor_ = 0;
+  Value* base_ = nullptr;
+  Value* top_ = nullptr;
+  Value* end_ = nullptr;
+  Value* softLimit_ = nullptr;
+  Value* limit_ = nullptr;  // frames end here at the latest
   std::uint32_t largestFrame_ = 0;
 };
 

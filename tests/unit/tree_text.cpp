@@ -81,13 +81,17 @@ const Kind& as(const Node& node) {
 
 class TreeWriter {
  public:
+  // `globals` has the names of all globals that the tree may mention.
+  explicit TreeWriter(std::unordered_map<const Value*, std::string> globals)
+      : globals_(std::move(globals)) {}
+
   const std::string& text() const { return text_; }
 
   // A block that has nothing to do but its only statement is not executed itself.
   void write(const Block& block) {
     const bool isNode = bodyNodeOf(block) == &block;
     if (isNode) open(nameOf(block.execute));
-    for (const Stmt* statement : block.statements) write(*statement);
+    for (const Node* statement : block.statements) write(as<Stmt>(*statement));
     if (isNode) close();
   }
 
@@ -133,7 +137,9 @@ class TreeWriter {
   void write(const VariableExpr& variable) {
     // In the order of VariableHome.
     const char* const homes[] = {"", "own.", "copied.", "captured.", "running.", "global."};
-    word(homes[static_cast<std::size_t>(variable.home)] + std::string(variable.name->view()));
+    const LocalVariable* const local = variable.local();
+    word(homes[static_cast<std::size_t>(variable.home)] +
+         (local != nullptr ? std::string(local->name.text->view()) : globals_.at(variable.cell)));
   }
 
   void writeParts(const Expr& expression) {
@@ -219,7 +225,19 @@ class TreeWriter {
   }
 
   std::string text_;
+  std::unordered_map<const Value*, std::string> globals_;
 };
+
+// All words of the source, as if each were the name of a global.
+std::unordered_map<const Value*, std::string> globalsOf(LuaVM::Impl& interpreter,
+                                                        const std::string& source) {
+  std::unordered_map<const Value*, std::string> globals;
+  static const std::regex kWord("[A-Za-z_]\\w*");
+  for (std::sregex_iterator word(source.begin(), source.end(), kWord), end; word != end; ++word) {
+    globals[&interpreter.globals.at(interpreter.globals.slotOf(word->str()))] = word->str();
+  }
+  return globals;
+}
 
 }  // namespace
 
@@ -227,8 +245,9 @@ class TreeWriter {
 
 std::string treeText(const std::string& source) {
   LuaVM vm;
-  internal::TreeWriter writer;
-  writer.write(*LuaVM::Impl::of(vm).parseScript(source, "t")->main->body);
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  internal::TreeWriter writer(internal::globalsOf(interpreter, source));
+  writer.write(*interpreter.parseScript(source, "t")->main->body);
   return writer.text();
 }
 

@@ -87,9 +87,9 @@ class TARVELLUA_API ScriptValue {
   RawValue raw() const noexcept { return raw_; }
   bool isNil() const noexcept { return raw_.words[0] == 0; }
   // False where it is none.
-  bool read(bool& out) const noexcept;
-  bool read(std::int64_t& out) const noexcept;  // also a whole float
-  bool read(double& out) const noexcept;
+  bool read(bool& out) const noexcept { return readBoolean(raw_, out); }
+  bool read(std::int64_t& out) const noexcept { return readInteger(raw_, out); }  // or whole float
+  bool read(double& out) const noexcept { return readNumber(raw_, out); }
   bool read(std::string_view& out) const noexcept;
   bool read(LuaFunction& out) const;
   // Throws std::runtime_error for what cannot cross.
@@ -117,6 +117,11 @@ class TARVELLUA_API ScriptValue {
   std::string description() const;
 
  private:
+  // Take the value in registers.
+  static bool readBoolean(RawValue raw, bool& out) noexcept;
+  static bool readInteger(RawValue raw, std::int64_t& out) noexcept;
+  static bool readNumber(RawValue raw, double& out) noexcept;
+
   Interpreter* interpreter_;
   RawValue raw_;
 };
@@ -146,10 +151,10 @@ class TARVELLUA_API ScriptSink {
   void endRecord(const RecordNames& names);
 
  protected:
-  ScriptSink() noexcept = default;
+  explicit ScriptSink(Interpreter* interpreter) noexcept : interpreter_(interpreter) {}
   ~ScriptSink() = default;
 
-  Interpreter* interpreter_ = nullptr;
+  Interpreter* const interpreter_;
   std::byte* next_ = nullptr;
   std::byte* end_ = nullptr;  // of the places that are known to be there
   int depth_ = 0;
@@ -158,6 +163,8 @@ class TARVELLUA_API ScriptSink {
   static constexpr int kShallow = 16;  // levels for which there is always room
 
   void put(RawValue value);
+  void putPlain(RawValue value);  // of what owns nothing
+  void putBehindRoom(RawValue value);
   void makeRoom();
   void enter();
 };
@@ -182,7 +189,10 @@ class TARVELLUA_API Call : public ScriptSink {
   void readGlobal(std::string_view name);
   void storeGlobal(std::string_view name);
   std::size_t count() const noexcept;
-  ScriptValue result(std::size_t index) const noexcept;  // nil where there are fewer
+  // nil where there are fewer
+  ScriptValue result(std::size_t index) const noexcept {
+    return ScriptValue(interpreter_, rawResult(index));
+  }
   LuaValue allResults() const;
   // What the exception in flight is for the host. Passes on what is none of ours and no
   // std::exception. Whatever the call still held is released.
@@ -192,8 +202,10 @@ class TARVELLUA_API Call : public ScriptSink {
   struct State;
   State& state() noexcept;
   const State& state() const noexcept;
+  RawValue rawResult(std::size_t index) const noexcept;
+  [[noreturn]] void failNotCallable() const;
 
-  alignas(std::max_align_t) mutable std::byte state_[208];
+  alignas(std::max_align_t) std::byte state_[208];
 };
 
 // What a function of the host was called with.
