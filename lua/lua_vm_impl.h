@@ -2,6 +2,7 @@
 
 #include <tarvel/lua/lua_vm.h>
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -39,8 +40,9 @@ struct ResolvedChunk;
 // Objects that are always there.
 struct StandardObjects {
   OwnedValue output;  // io.stdout as it was made, if at all; scripts may overwrite the field
-  OwnedValue outOfMemoryText;         // the message, made while there is memory
-  std::size_t stringLibrarySlot = 0;  // of the global `string`
+  OwnedValue outOfMemoryText;           // the message, made while there is memory
+  std::array<OwnedValue, 9> typeNames;  // by ValueKind, made when first asked for
+  std::size_t stringLibrarySlot = 0;    // of the global `string`
   // Of open files and of streams. They belong to the heap.
   NativeClass* fileClass = nullptr;
   NativeClass* streamClass = nullptr;

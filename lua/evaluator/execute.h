@@ -46,4 +46,8 @@ Value indexField(const Node* node, const Value& object, StringObject* name, std:
 Value callBehindFrame(const Node* node, Value* base, Value function,
                       std::initializer_list<Value> arguments);
 
+// In call_protocol.cpp.
+[[noreturn]] void failNotCallable(const Value& callee, Site site);
+[[noreturn]] void failStackOverflow(Site site);
+
 }  // namespace tarvel::lua::internal

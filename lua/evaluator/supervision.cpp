@@ -6,11 +6,11 @@
 namespace tarvel::lua::internal {
 
 void noteScriptCall(const FunctionExpr& body, const Value* frame, Site site) noexcept {
-  noteNativeCall(*body.interpreter, frame, site);
+  body.interpreter->trace.note(*frame[0].function, site);
 }
 
-void noteNativeCall(LuaVM::Impl& interpreter, const Value* frame, Site site) noexcept {
-  interpreter.trace.note(*frame[0].function, site);
+void noteNativeCall(LuaVM& vm, const Value* frame, Site site) noexcept {
+  LuaVM::Impl::of(vm).trace.note(*frame[0].function, site);
 }
 
 }  // namespace tarvel::lua::internal

@@ -18,7 +18,7 @@ struct FunctionExpr;
 
 // An exception leaves a call of the function in frame[0], which was made at `site`.
 [[gnu::cold]] void noteScriptCall(const FunctionExpr& body, const Value* frame, Site site) noexcept;
-[[gnu::cold]] void noteNativeCall(LuaVM::Impl& interpreter, const Value* frame, Site site) noexcept;
+[[gnu::cold]] void noteNativeCall(LuaVM& vm, const Value* frame, Site site) noexcept;
 
 struct Unsupervised {
   static void step(WorkMeter&, const Site&) noexcept {}
@@ -33,7 +33,7 @@ struct Unsupervised {
     void returned() noexcept {}
   };
   struct NativeCall {
-    NativeCall(LuaVM::Impl&, const Value*, const Site&) noexcept {}
+    NativeCall(LuaVM&, const Value*, const Site&) noexcept {}
     void returned() noexcept {}
   };
 };
@@ -80,17 +80,17 @@ struct Supervised {
 
   class NativeCall {
    public:
-    NativeCall(LuaVM::Impl& interpreter, const Value* frame, const Site& site) noexcept
-        : interpreter_(interpreter), frame_(frame), site_(site) {}
+    NativeCall(LuaVM& vm, const Value* frame, const Site& site) noexcept
+        : vm_(vm), frame_(frame), site_(site) {}
     [[gnu::always_inline]] ~NativeCall() {
-      if (!hasReturned_) noteNativeCall(interpreter_, frame_, site_);
+      if (!hasReturned_) noteNativeCall(vm_, frame_, site_);
     }
     NativeCall(const NativeCall&) = delete;
     NativeCall& operator=(const NativeCall&) = delete;
     void returned() noexcept { hasReturned_ = true; }
 
    private:
-    LuaVM::Impl& interpreter_;
+    LuaVM& vm_;
     const Value* frame_;
     const Site& site_;
     bool hasReturned_ = false;

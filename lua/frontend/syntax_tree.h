@@ -434,7 +434,7 @@ struct ResolvedChunk final : FunctionCode {
   // Keeps `text`, an owned reference, alive as long as the tree, and returns it.
   StringObject* own(StringObject* text);
 
-  SiteRange sites;  // of its tokens
+  SiteRange sites;  // of its text
   Arena arena;
   FunctionExpr* main = nullptr;  // the top level as a function without parameters
   std::vector<StringObject*> strings;

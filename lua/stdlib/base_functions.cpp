@@ -1,15 +1,20 @@
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
+#include <utility>
 
+#include "lua/evaluator/execute.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
+#include "lua/stdlib/results.h"
 #include "lua/stdlib/text_builder.h"
+#include "lua/value/completion.h"
 #include "lua/value/iterator_state.h"
 #include "lua/value/metered_work.h"
 #include "lua/value/number_rules.h"
@@ -26,10 +31,10 @@ MultiValue basePrint(LuaVM& vm, ValueSpan args, Site site) {
   return MultiValue(Value());
 }
 
-MultiValue baseToString(LuaVM& vm, ValueSpan args, Site) {
+Value baseToString(LuaVM& vm, ValueSpan args, Site) {
   requireArgumentCount("tostring", args.size(), 1, 1);
-  if (args[0].isString()) return MultiValue(retain(args[0]));
-  return MultiValue(LuaVM::Impl::of(vm).makeString(args[0].toString()));
+  if (args[0].isString()) return retain(args[0]);
+  return LuaVM::Impl::of(vm).makeString(args[0].toString());
 }
 
 namespace {
@@ -72,10 +77,10 @@ Value numberFromText(const StringObject& text, std::int64_t base) {
 
 }  // namespace
 
-MultiValue baseToNumber(LuaVM& vm, ValueSpan args, Site site) {
+Value baseToNumber(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("tonumber", args.size(), 1, 2);
-  if (args[0].isNumber()) return MultiValue(args[0]);
-  if (!args[0].isString()) return MultiValue(Value());
+  if (args[0].isNumber()) return args[0];
+  if (!args[0].isString()) return Value();
   const std::int64_t base = isGiven(args, 1) ? requireInteger("tonumber", args, 1, site) : 10;
   const StringObject& text = *args[0].string;
   WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
@@ -83,12 +88,19 @@ MultiValue baseToNumber(LuaVM& vm, ValueSpan args, Site site) {
     failRuntime(site, "text is too long for a number");
   }
   meter.spend(stepsForBytes(text.length * kConversionsOfNumber), site);
-  return MultiValue(numberFromText(text, base));
+  return numberFromText(text, base);
 }
 
-MultiValue baseType(LuaVM& vm, ValueSpan args, Site) {
+Value baseType(LuaVM& vm, ValueSpan args, Site) {
   requireArgumentCount("type", args.size(), 1, 1);
-  return MultiValue(Value(LuaVM::Impl::of(vm).strings.intern(describeValueType(args[0]))));
+  return baseTypeOfOne(LuaVM::Impl::of(vm), args[0]);
+}
+
+Value baseTypeOfOne(LuaVM::Impl& interpreter, Value value) {
+  OwnedValue& name = interpreter.standard.typeNames[static_cast<std::size_t>(value.kind())];
+  if (name.get().isNil()) [[unlikely]]
+    name = OwnedValue(Value(interpreter.strings.intern(describeValueType(value))));
+  return retain(name.get());
 }
 
 namespace {
@@ -111,30 +123,26 @@ constexpr std::size_t kLongestSupervisedError = std::size_t{1} << 20;
   failRuntime(site, std::string(printable.view()));
 }
 
-// A list of values stands outside the interpreter's memory and doubles as it grows.
-void requireRoomForValues(LuaVM& vm, std::size_t count, Site site) {
-  if (count < kElementsPerStep) return;
-  Heap& heap = LuaVM::Impl::of(vm).heap;
-  heap.meter().spend(count / kElementsPerStep, site);
-  heap.requireRoom(3 * sizeof(Value) * count);
-}
-
 }  // namespace
 
-MultiValue baseAssert(LuaVM& vm, ValueSpan args, Site site) {
-  requireArgumentCount("assert", args.size(), 1, kAnyCount);
-  if (!args[0].isTruthy()) {
-    if (args.size() == 1) failRuntime(site, "assertion failed!");
-    failWithText(vm, args[1], site);
+// Its results are its arguments, which move down to where the frame of the call starts.
+Value baseAssert(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  requireArgumentCount("assert", count, 1, kAnyCount);
+  if (!frame[1].isTruthy()) {
+    if (count == 1) failRuntime(site, "assertion failed!");
+    failWithText(interpreter.self, frame[2], site);
   }
-  requireRoomForValues(vm, args.size(), site);
-  MultiValue results;
-  for (const Value& argument : args) results.push(retain(argument));
-  return results;
+  interpreter.heap.meter().spend(count / kElementsPerStep, site);
+  if (count == 1) return std::exchange(frame[1], Value());
+  clearSlot(frame[0]);
+  std::copy_n(frame + 1, count, frame);
+  frame[count] = Value();
+  Results::countMoved(interpreter.heap.meter(), count, site);
+  return ReturnSignal::severalValues(frame, count);
 }
 
 // The level is accepted and has no effect. An error value is always a string.
-MultiValue baseError(LuaVM& vm, ValueSpan args, Site site) {
+Value baseError(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("error", args.size(), 0, 2);
   if (args.empty()) failRuntime(site, "error");
   failWithText(vm, args[0], site);
@@ -148,53 +156,68 @@ void sweep(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
   interpreter.stack.unwindTo(mark);
 }
 
-MultiValue failedCall(LuaVM::Impl& interpreter, const ValueStack::Mark& mark,
-                      std::string_view message, Site site) {
-  sweep(interpreter, mark);
-  return MultiValue{Value(false), makeText(interpreter.strings, message, site)};
+// Takes over the message.
+Value failedCall(Value* frame, Value message) noexcept {
+  clearSlot(frame[0]);
+  frame[0] = Value(false);
+  frame[1] = message;
+  return ReturnSignal::severalValues(frame, 2);
 }
 
-// There may be no memory for a message either.
-MultiValue outOfMemory(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
-  sweep(interpreter, mark);
-  return MultiValue{Value(false), retain(interpreter.standard.outOfMemoryText.get())};
+// `true` and what a call from frame[1] on has returned, which stands there if it is several values.
+Value succeededCall(LuaVM::Impl& interpreter, Value* frame, Value completion, Site site) {
+  std::uint32_t count = 0;
+  if (isSingleValue(completion)) {
+    frame[1] = completion;
+    count = 1;
+  } else if (ReturnSignal::isSeveral(completion)) {
+    count = ReturnSignal::count(completion);
+  }
+  clearSlot(frame[0]);
+  if (count == 0) return Value(true);
+  frame[0] = Value(true);
+  interpreter.heap.meter().spend(count / kElementsPerStep, site);
+  Results::countMoved(interpreter.heap.meter(), count + 1, site);
+  return ReturnSignal::severalValues(frame, count + 1);
 }
 
 }  // namespace
 
-// ExitSignal, StopSignal and what a host throws besides standard exceptions pass through.
-MultiValue basePcall(LuaVM& vm, ValueSpan args, Site site) {
-  requireArgumentCount("pcall", args.size(), 1, kAnyCount);
-  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
-  const ValueStack::Mark mark = interpreter.stack.mark();
+// The call is made where its function and arguments stand. ExitSignal, StopSignal and what a host
+// throws besides standard exceptions pass through.
+Value basePcall(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  requireArgumentCount("pcall", count, 1, kAnyCount);
+  const ValueStack::Mark mark = interpreter.stack.markAt(frame + 1);
+  Value message;
   try {
     const ProtectedCallScope scope;
-    const MultiValue returned =
-        interpreter.callValue(args[0], ValueSpan(args.begin() + 1, args.size() - 1), site);
-    requireRoomForValues(vm, returned.size(), site);
-    MultiValue results(Value(true));
-    for (const Value& value : returned.span()) results.push(retain(value));
-    return results;
+    if (!frame[1].isFunction()) failNotCallable(frame[1], site);
+    const Value completion = interpreter.callFrame(frame + 1, count - 1, site);
+    return succeededCall(interpreter, frame, completion, site);
   } catch (const ProtectedRuntimeError& error) {
-    return failedCall(interpreter, mark, error.message, site);
+    sweep(interpreter, mark);
+    message = makeText(interpreter.strings, error.message, site);
   } catch (const std::bad_alloc&) {
-    return outOfMemory(interpreter, mark);
+    // There may be no memory for a message either.
+    sweep(interpreter, mark);
+    message = retain(interpreter.standard.outOfMemoryText.get());
   } catch (const std::exception& error) {
-    return failedCall(interpreter, mark, exceptionText(error), site);
+    sweep(interpreter, mark);
+    message = makeText(interpreter.strings, exceptionText(error), site);
   }
+  return failedCall(frame, message);
 }
 
-MultiValue basePairs(LuaVM& vm, ValueSpan args, Site site) {
+Value basePairs(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("pairs", args.size(), 1, 1);
   if (!args[0].isTable()) failRuntime(site, "pairs expects a table");
-  return MultiValue(
-      Value(IteratorState::createPairs(LuaVM::Impl::of(vm).heap, *args[0].table, site)));
+  return Value(IteratorState::createPairs(LuaVM::Impl::of(vm).heap, *args[0].table, site));
 }
 
-MultiValue baseIpairs(LuaVM& vm, ValueSpan args, Site site) {
+Value baseIpairs(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("ipairs", args.size(), 1, 1);
   if (!args[0].isTable()) failRuntime(site, "ipairs expects a table");
-  return MultiValue(Value(IteratorState::createIpairs(LuaVM::Impl::of(vm).heap, *args[0].table)));
+  return Value(IteratorState::createIpairs(LuaVM::Impl::of(vm).heap, *args[0].table));
 }
 
 }  // namespace tarvel::lua::internal

@@ -1,3 +1,4 @@
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -10,6 +11,7 @@
 
 namespace tarvel::lua {
 
+using internal::NativeCode;
 using internal::NativeFunction;
 using internal::OwnedValue;
 using internal::Table;
@@ -22,9 +24,32 @@ void LuaVM::Impl::bindNativeGlobal(const std::string& name, NativeFunction funct
 
 namespace {
 
+// A name and a function in one of the forms of NativeCode.
 struct Member {
+  using ListFunction = internal::MultiValue (*)(LuaVM&, internal::ValueSpan, internal::Site);
+
+  Member(const char* memberName, internal::LeafFunction function,
+         internal::UnaryFunction shortForm = nullptr)
+      : name(memberName), leaf(function), unary(shortForm) {}
+  Member(const char* memberName, NativeCode::DirectCall function)
+      : name(memberName), direct(function) {}
+  Member(const char* memberName, ListFunction function) : name(memberName), list(function) {}
+
+  Value make(LuaVM::Impl& interpreter) const {
+    auto code = std::make_unique<NativeCode>(interpreter.heap, list);
+    code->leaf = leaf;
+    code->direct = direct;
+    code->unary = unary;
+    internal::StringObject* const interned = interpreter.strings.intern(name);
+    return Value(
+        internal::FunctionObject::createNative(interpreter.heap, interned, std::move(code)));
+  }
+
   const char* name;
-  internal::MultiValue (*function)(LuaVM&, internal::ValueSpan, internal::Site);
+  internal::LeafFunction leaf = nullptr;
+  NativeCode::DirectCall direct = nullptr;
+  ListFunction list = nullptr;
+  internal::UnaryFunction unary = nullptr;
 };
 
 // A library table under construction, which becomes a global when it is complete.
@@ -35,7 +60,7 @@ class Library {
 
   Library& functions(std::initializer_list<Member> members) {
     for (const Member& member : members) {
-      value(member.name, interpreter_.makeNative(member.name, member.function));
+      value(member.name, member.make(interpreter_));
     }
     return *this;
   }
@@ -64,12 +89,12 @@ void LuaVM::Impl::bindDefaults() {
   };
   globals.set("_VERSION", makeString("Tarvel TarvelLua"));
   if (isGranted(LuaReach::Output)) bindNativeGlobal("print", basePrint);
-  constexpr Member kBaseFunctions[] = {
-      {"tostring", baseToString}, {"tonumber", baseToNumber}, {"type", baseType},
+  const Member baseFunctions[] = {
+      {"tostring", baseToString}, {"tonumber", baseToNumber}, {"type", baseType, baseTypeOfOne},
       {"assert", baseAssert},     {"error", baseError},       {"pcall", basePcall},
       {"pairs", basePairs},       {"ipairs", baseIpairs},
   };
-  for (const Member& member : kBaseFunctions) bindNativeGlobal(member.name, member.function);
+  for (const Member& member : baseFunctions) globals.set(member.name, member.make(*this));
 
   Library(*this)
       .functions({{"sub", stringSub},
@@ -85,7 +110,7 @@ void LuaVM::Impl::bindDefaults() {
       .functions({{"remove", tableRemove}, {"concat", tableConcat}, {"sort", tableSort}})
       .storeAs("table");
   Library(*this)
-      .functions({{"min", mathMin}, {"max", mathMax}, {"floor", mathFloor}})
+      .functions({{"min", mathMin}, {"max", mathMax}, {"floor", mathFloor, mathFloorOfOne}})
       .storeAs("math");
   defineFileClasses();
   Library io(*this);

@@ -6,6 +6,7 @@
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/library.h"
+#include "lua/stdlib/results.h"
 #include "lua/stdlib/text_builder.h"
 #include "lua/value/metered_work.h"
 
@@ -39,7 +40,7 @@ void fillWithRepetitions(WorkMeter& meter, char* target, std::size_t length, std
 
 }  // namespace
 
-MultiValue stringSub(LuaVM& vm, ValueSpan args, Site site) {
+Value stringSub(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.sub", args.size(), 2, 3);
   const std::string_view text = requireString("string.sub", args, 0, site).view();
   const std::int64_t from = requireInteger("string.sub", args, 1, site);
@@ -48,27 +49,26 @@ MultiValue stringSub(LuaVM& vm, ValueSpan args, Site site) {
   const auto length = static_cast<std::int64_t>(text.size());
   const std::int64_t first = std::max<std::int64_t>(fromStart(from, length), 1);
   const std::int64_t last = std::min(fromStart(to, length), length);
-  if (first == 1 && last == length) return MultiValue(retain(args[0]));
+  if (first == 1 && last == length) return retain(args[0]);
   const std::int64_t count = last >= first ? last - first + 1 : 0;
   const char* const start = count > 0 ? text.data() + (first - 1) : text.data();
-  return MultiValue(
-      makeText(LuaVM::Impl::of(vm).strings, {start, static_cast<std::size_t>(count)}, site));
+  return makeText(LuaVM::Impl::of(vm).strings, {start, static_cast<std::size_t>(count)}, site);
 }
 
-MultiValue stringRep(LuaVM& vm, ValueSpan args, Site site) {
+Value stringRep(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.rep", args.size(), 2, 2);
   const std::string_view text = requireString("string.rep", args, 0, site).view();
   const std::int64_t times = requireInteger("string.rep", args, 1, site);
 
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
-  if (times < 1 || text.empty()) return MultiValue(interpreter.makeString({}));
-  if (times == 1) return MultiValue(retain(args[0]));
+  if (times < 1 || text.empty()) return interpreter.makeString({});
+  if (times == 1) return retain(args[0]);
   const std::size_t most = StringObject::kMaximumLength / text.size();
   if (static_cast<std::uint64_t>(times) > most) failNotEnoughMemory(site);
   const std::size_t length = text.size() * static_cast<std::size_t>(times);
   OwnedValue repeated(Value(createText(interpreter.heap, length, site)));
   fillWithRepetitions(interpreter.heap.meter(), repeated.get().string->data(), length, text, site);
-  return MultiValue(repeated.take());
+  return repeated.take();
 }
 
 // ---- string.format ------------------------------------------------------------------------------
@@ -104,7 +104,7 @@ constexpr std::size_t kUsualArgumentLength = 8;  // bytes
 
 }  // namespace
 
-MultiValue stringFormat(LuaVM& vm, ValueSpan args, Site site) {
+Value stringFormat(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.format", args.size(), 1, kAnyCount);
   std::string_view rest = requireString("string.format", args, 0, site).view();
   Heap& heap = LuaVM::Impl::of(vm).heap;
@@ -114,7 +114,7 @@ MultiValue stringFormat(LuaVM& vm, ValueSpan args, Site site) {
     const char* const percent = findByte(heap.meter(), rest.data(), end, '%', site);
     const auto before = static_cast<std::size_t>(percent - rest.data());
     out.append(rest.substr(0, before));
-    if (percent == end) return MultiValue(out.take());
+    if (percent == end) return out.take();
     if (percent + 1 == end) failRuntime(site, "unterminated format token");
     const char token = percent[1];
     rest.remove_prefix(before + 2);
@@ -167,21 +167,23 @@ std::int64_t takeField(std::string_view data, std::uint64_t& offset, bool bigEnd
 }  // namespace
 
 // Returns the fields and the position behind the last of them.
-MultiValue stringUnpack(LuaVM& vm, ValueSpan args, Site site) {
+Value stringUnpack(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  const ValueSpan args(frame + 1, count);
   requireArgumentCount("string.unpack", args.size(), 2, 3);
   std::string_view format = requireString("string.unpack", args, 0, site).view();
   const std::string_view data = requireString("string.unpack", args, 1, site).view();
   const std::int64_t position =
       args.size() > 2 ? requireInteger("string.unpack", args, 2, site) : 1;
 
-  // The list of results stands outside the interpreter's memory and doubles as it grows.
+  // The results stand where the heap does not count them, and whoever keeps them in a table that
+  // grows takes twice as much again.
   const std::size_t mostResults = std::min(format.size() / 2, data.size() / kFieldBytes) + 1;
-  Heap& heap = LuaVM::Impl::of(vm).heap;
+  Heap& heap = interpreter.heap;
   heap.requireRoom(3 * sizeof(Value) * mostResults);
 
   auto offset = static_cast<std::uint64_t>(std::max<std::int64_t>(position, 1) - 1);
   bool bigEndian = false;
-  MultiValue results;
+  Results results(interpreter.stack, interpreter.heap.meter(), site);
   while (!format.empty()) {
     heap.meter().step(site);
     const char token = format.front();
@@ -198,7 +200,7 @@ MultiValue stringUnpack(LuaVM& vm, ValueSpan args, Site site) {
     }
   }
   results.push(Value(static_cast<std::int64_t>(offset + 1)));
-  return results;
+  return results.take();
 }
 
 }  // namespace tarvel::lua::internal

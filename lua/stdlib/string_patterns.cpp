@@ -10,6 +10,7 @@
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/library.h"
 #include "lua/stdlib/patterns/searcher.h"
+#include "lua/stdlib/results.h"
 #include "lua/stdlib/text_builder.h"
 #include "lua/value/iterator_state.h"
 
@@ -25,8 +26,6 @@ std::size_t requireInit(const char* name, ValueSpan args, std::size_t index, Sit
   const std::int64_t init = requireInteger(name, args, index, site);
   return static_cast<std::size_t>(std::max<std::int64_t>(init, 1) - 1);
 }
-
-MultiValue noMatch() { return MultiValue(Value()); }
 
 Value positionValue(std::size_t position) { return Value(static_cast<std::int64_t>(position)); }
 
@@ -49,45 +48,47 @@ void forEachMatch(WorkMeter& meter, const PatternSearcher& searcher, std::string
 
 }  // namespace
 
-MultiValue stringFind(LuaVM& vm, ValueSpan args, Site site) {
+Value stringFind(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  const ValueSpan args(frame + 1, count);
   requireArgumentCount("string.find", args.size(), 2, 4);
   const StringObject& subject = requireString("string.find", args, 0, site);
   StringObject& pattern = requireString("string.find", args, 1, site);
   const std::size_t init = requireInit("string.find", args, 2, site);
   const bool plain = isGiven(args, 3) && args[3].isTruthy();
-  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   PatternMatch match;
   if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, plain, match, site)) {
-    return noMatch();
+    return Value();
   }
-  MultiValue results{positionValue(match.start + 1), positionValue(match.end)};
+  Results results(interpreter.stack, interpreter.heap.meter(), site);
+  results.push(positionValue(match.start + 1));
+  results.push(positionValue(match.end));
   for (const std::string_view capture : match.captures) {
     results.push(makeText(interpreter.strings, capture, site));
   }
-  return results;
+  return results.take();
 }
 
-MultiValue stringMatch(LuaVM& vm, ValueSpan args, Site site) {
+Value stringMatch(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  const ValueSpan args(frame + 1, count);
   requireArgumentCount("string.match", args.size(), 2, 3);
   const StringObject& subject = requireString("string.match", args, 0, site);
   StringObject& pattern = requireString("string.match", args, 1, site);
   const std::size_t init = requireInit("string.match", args, 2, site);
-  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   PatternMatch match;
   if (!findPattern(*interpreter.patterns, subject.view(), pattern, init, false, match, site)) {
-    return noMatch();
+    return Value();
   }
-  if (match.captures.empty()) return MultiValue(makeText(interpreter.strings, match.text, site));
-  MultiValue results;
+  if (match.captures.empty()) return makeText(interpreter.strings, match.text, site);
+  Results results(interpreter.stack, interpreter.heap.meter(), site);
   for (const std::string_view capture : match.captures) {
     results.push(makeText(interpreter.strings, capture, site));
   }
-  return results;
+  return results.take();
 }
 
 // All matches are found here, so the loop sees the subject as it is now and a pattern that fails
 // does so in this call.
-MultiValue stringGmatch(LuaVM& vm, ValueSpan args, Site site) {
+Value stringGmatch(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.gmatch", args.size(), 2, 2);
   const StringObject& subject = requireString("string.gmatch", args, 0, site);
   StringObject& pattern = requireString("string.gmatch", args, 1, site);
@@ -103,32 +104,34 @@ MultiValue stringGmatch(LuaVM& vm, ValueSpan args, Site site) {
                  }
                });
   const std::size_t itemSize = std::max<std::size_t>(searcher.captureCount(), 1);
-  return MultiValue(Value(IteratorState::createGmatch(interpreter.heap, std::move(items),
-                                                      static_cast<std::uint32_t>(itemSize))));
+  return Value(IteratorState::createGmatch(interpreter.heap, std::move(items),
+                                           static_cast<std::uint32_t>(itemSize)));
 }
 
 // The replacement goes in as it is: nothing in it is expanded, and a function or table is not asked
 // but rendered.
-MultiValue stringGsub(LuaVM& vm, ValueSpan args, Site site) {
+Value stringGsub(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  const ValueSpan args(frame + 1, count);
   requireArgumentCount("string.gsub", args.size(), 3, 3);
   const std::string_view subject = requireString("string.gsub", args, 0, site).view();
   StringObject& pattern = requireString("string.gsub", args, 1, site);
-  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
   const PatternSearcher searcher(*interpreter.patterns, pattern, site);
   const PrintableText replacement(args[2]);
   std::optional<TextBuilder> text;
   std::size_t copied = 0;  // bytes of the subject
-  std::int64_t count = 0;
+  std::int64_t replaced = 0;
   forEachMatch(interpreter.heap.meter(), searcher, subject, site, [&](const PatternMatch& match) {
     if (!text) text.emplace(interpreter.heap, subject.size(), site);
     text->append(subject.substr(copied, match.start - copied));
     text->append(replacement.view());
     copied = match.end;
-    ++count;
+    ++replaced;
   });
-  if (!text) return MultiValue{retain(args[0]), Value(count)};
-  text->append(subject.substr(copied));
-  return MultiValue{text->take(), Value(count)};
+  if (text) text->append(subject.substr(copied));
+  Results results(interpreter.stack, interpreter.heap.meter(), site);
+  results.push(text ? text->take() : retain(args[0]));
+  results.push(Value(replaced));
+  return results.take();
 }
 
 }  // namespace tarvel::lua::internal

@@ -21,6 +21,15 @@ class Heap;
 // borrowed; the results are owned by the caller. Failure is an exception, never a result.
 using NativeFunction = std::function<MultiValue(LuaVM&, ValueSpan arguments, Site site)>;
 
+// A function of the library that gives exactly one value and runs nothing of a script or the host,
+// so that its call needs neither room for other calls nor a list of results. The value is owned, as
+// those of the others are.
+using LeafFunction = Value (*)(LuaVM&, ValueSpan arguments, Site site);
+
+// A leaf function's answer to one argument, where that takes no memory but for the result;
+// otherwise kNotAnswered, and nothing has happened. Borrows the argument.
+using UnaryFunction = Value (*)(LuaVM::Impl& interpreter, Value argument);
+
 // What function values share: a script's syntax tree, or one native function.
 struct FunctionCode : HeapResource {
   std::uint64_t count = 1;
@@ -37,15 +46,20 @@ struct FunctionCode : HeapResource {
 
 struct NativeCode : FunctionCode {
   // Calls the function in frame[0] with the `count` values behind it, which stay where they are.
-  // Returns a completion (completion.h); several results stand behind the arguments.
+  // Returns a completion (completion.h); several results stand behind the arguments, or from
+  // frame[0] on where the function has released what stood there.
   using DirectCall = Value (*)(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
                                Site site);
 
   NativeCode(Heap& heap, NativeFunction nativeFunction) noexcept
       : FunctionCode(heap), function(std::move(nativeFunction)) {}
 
-  NativeFunction function;      // may be empty; calling it is then a script error
-  DirectCall direct = nullptr;  // instead of `function`
+  // One of these three is what a call runs.
+  LeafFunction leaf = nullptr;
+  DirectCall direct = nullptr;
+  NativeFunction function;  // may be empty; calling it is then a script error
+
+  UnaryFunction unary = nullptr;  // beside `leaf`, where there is one
 
  private:
   void close() noexcept override { const NativeFunction closed = std::exchange(function, nullptr); }

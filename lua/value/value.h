@@ -53,6 +53,8 @@ enum Tag : std::uint64_t {
   kSeveralValuesCompletion = 19,
   // What a peek gives that would have had to run something; never stored either.
   kNotPeeked = 20,
+  // What a native function gives in place of a result that takes its general form; never stored.
+  kNotAnswered = 21,
 };
 
 // A value of the dialect: 16 bytes, trivially copyable, so that it travels in two registers. It

@@ -51,6 +51,8 @@ class ValueStack {
     std::uintptr_t hostFloor;
   };
   Mark mark() const noexcept { return {top_, top_, hostFloor_}; }
+  // For what stands from `first` on below the top, too.
+  Mark markAt(Value* first) const noexcept { return {first, first, hostFloor_}; }
   // For a run that starts in the middle of destroying an object, which can be in the middle of any
   // frame: moves the top beyond all frames in use.
   Mark markBeyondFrames() noexcept {

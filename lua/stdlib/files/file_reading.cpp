@@ -149,7 +149,7 @@ class NumberScanner {
 
 Value readNumber(LuaVM& vm, BufferedFile& file, Site site) {
   const OwnedValue text(NumberScanner(vm, file, site).scan());
-  return baseToNumber(vm, ValueSpan(&text.get(), 1), site).first();
+  return baseToNumber(vm, ValueSpan(&text.get(), 1), site);
 }
 
 }  // namespace tarvel::lua::internal

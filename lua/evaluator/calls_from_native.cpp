@@ -1,0 +1,121 @@
+#include "lua/evaluator/call_protocol.h"
+#include "lua/evaluator/variables.h"
+#include "lua/lua_vm_impl.h"
+
+// Calls that native code makes, and the interpreter itself.
+
+namespace tarvel::lua {
+
+namespace internal {
+
+Value callBehindFrame(const Node* node, Value* base, Value function,
+                      std::initializer_list<Value> arguments) {
+  LuaVM::Impl& interpreter = *node->interpreter;
+  Value* const frame = &slotAt(base - 1, runningFunction(base)->body->frameBytes);
+  if (!interpreter.stack.makeRoom(frame + 1 + arguments.size(), 0)) failStackOverflow(node->site);
+  frame[0] = retain(function);
+  Value* next = frame;
+  for (const Value& argument : arguments) *++next = retain(argument);
+  const auto count = static_cast<std::uint32_t>(arguments.size());
+  const Value result = interpreter.callFrame(frame, count, node->site);
+  return isSingleValue(result) ? result : firstOf(result);
+}
+
+}  // namespace internal
+
+using internal::MultiValue;
+using internal::ReturnSignal;
+using internal::Site;
+using internal::Value;
+using internal::ValueSpan;
+
+namespace {
+
+MultiValue takeResults(Value completion) {
+  if (isSingleValue(completion)) return MultiValue(completion);
+  MultiValue results;
+  if (!ReturnSignal::isSeveral(completion)) return results;
+  for (std::uint32_t i = 0; i < ReturnSignal::count(completion); ++i) {
+    const Value value = completion.values[i];
+    completion.values[i] = Value();
+    results.push(value);
+  }
+  return results;
+}
+
+Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  internal::WorkMeter& meter = interpreter.heap.meter();
+  internal::Supervised::step(meter, site);
+  const Value completion = internal::callAny<internal::Supervised>(interpreter, frame, count, site);
+  internal::OwnedValue single(isSingleValue(completion) ? completion : Value());
+  const std::size_t moved =
+      ReturnSignal::isSeveral(completion) ? ReturnSignal::count(completion) : 1;
+  // Throws also for what has been counted since the last step, when no other step follows.
+  internal::Supervised::moved(moved, meter, site);
+  single.take();
+  return completion;
+}
+
+MultiValue callFromNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  if (interpreter.options.supervised)
+    return takeResults(callSupervised(interpreter, frame, count, site));
+  return takeResults(internal::callAny<internal::Unsupervised>(interpreter, frame, count, site));
+}
+
+}  // namespace
+
+Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, Site site) {
+  if (options.supervised) return callSupervised(*this, frame, count, site);
+  const internal::FunctionExpr* const body = frame->function->body;
+  if (body != nullptr && body->parameterCount == count &&
+      stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes)) [[likely]] {
+    return internal::runBody<internal::Unsupervised>(body, frame, site);
+  }
+  return internal::callAny<internal::Unsupervised>(*this, frame, count, site);
+}
+
+MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
+  if (!callee.isFunction()) internal::failNotCallable(callee, site);
+  return callHandle(callee.function, arguments, site);
+}
+
+MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan arguments,
+                                   Site site) {
+  Value* const frame = stack.top();
+  if (!stack.makeRoom(frame + 1 + arguments.size(), 0)) internal::failStackOverflow(site);
+  frame[0] = retain(Value(function));
+  for (std::size_t i = 0; i < arguments.size(); ++i) frame[1 + i] = retain(arguments[i]);
+  const auto count = static_cast<std::uint32_t>(arguments.size());
+  return callFromNative(*this, frame, count, site);
+}
+
+bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const Value& second,
+                                Site site) {
+  Value* const frame = stack.top();
+  Value* const end = frame + 3;
+  if (!stack.hasRoom(end, 0) && !stack.makeRoom(end, 0)) internal::failStackOverflow(site);
+  frame[0] = retain(callee);
+  frame[1] = retain(first);
+  frame[2] = retain(second);
+  if (options.supervised) internal::Supervised::step(heap.meter(), site);
+  Value result = options.supervised
+                     ? internal::callFixed<internal::Supervised, 2>(*this, stack, frame, site)
+                     : internal::callFixed<internal::Unsupervised, 2>(*this, stack, frame, site);
+  if (!isSingleValue(result)) result = internal::firstOf(result);
+  drop(result);
+  return result.isTruthy();
+}
+
+Value LuaVM::Impl::makeMain(internal::ResolvedChunk& chunk) {
+  return Value(
+      internal::FunctionObject::createClosure(heap, chunk.main, &chunk, chunk.main->name, 0));
+}
+
+MultiValue LuaVM::Impl::runChunk(internal::ResolvedChunk& chunk) {
+  Value* const frame = stack.top();
+  if (!stack.makeRoom(frame + 1, 0)) internal::failStackOverflow(chunk.main->site);
+  frame[0] = makeMain(chunk);
+  return callFromNative(*this, frame, 0, chunk.main->site);
+}
+
+}  // namespace tarvel::lua
