@@ -12,7 +12,6 @@
 #include <utility>
 #include <vector>
 
-#include "lua/stdlib/patterns/hints.h"
 #include "lua/stdlib/patterns/searcher.h"
 #include "lua/stdlib/patterns/translation.h"
 #include "tests/unit/script_outcome.h"
@@ -51,18 +50,6 @@ TEST(PatternTest, TranslatesToExpressions) {
   };
   for (const auto& [pattern, expression] : cases) {
     EXPECT_EQ(translateLuaPatternToRegex(pattern), expression) << pattern;
-  }
-}
-
-// What `%]` in a set can leave behind it is no reason for a hint.
-TEST(PatternTest, TakesNoRestOfASetForWhatMatchesHaveInCommon) {
-  for (const char* const expression : {"ab[a]|c]", "a[b]{0}]", "[a]\\f\\n ]"}) {
-    const SearchHints hints = findSearchHints(expression);
-    EXPECT_TRUE(hints.prefix.empty() && !hints.required && !hints.first) << expression;
-  }
-  EXPECT_TRUE(findSearchHints("[ab]+").isRun && findSearchHints("a+").isRun);
-  for (const char* const other : {"[ab]+?", "[ab]++", "([ab]+)", "[ab]+[cd]+", "^[ab]+"}) {
-    EXPECT_FALSE(findSearchHints(other).isRun) << other;
   }
 }
 
@@ -236,8 +223,8 @@ constexpr std::size_t kSmallStack = std::size_t{kWideFrames ? 256 : 64} << 10;
 
 TEST(PatternTest, DeepRecursionGivesTheRightAnswerOrAnError) {
   const std::pair<const char*, const char*> cases[] = {
-      {"return string.find(big .. 'b', '^.*b')", "{1, 50001}"},
-      {"return #string.match('-' .. big, '[%w]+$')", "50000"},
+      {"return string.find(big .. 'b', '^(?:.)*b')", "{1, 50001}"},
+      {"return #string.match('-' .. big, '(?:[%w])+$')", "50000"},
       {"return string.find(big, '^((a))*b')", "nil"},
       {"local first, last = string.find(big, '^(a*)*$') return last", "50000"},
       {"local first, last = string.find(big .. 'b', '^(a?)-b') return last", "50001"},
@@ -258,6 +245,8 @@ TEST(PatternTest, DeepRecursionGivesTheRightAnswerOrAnError) {
   const std::string repeated =
       outcomeOn(850 * kSmallStack, "return string.find(big, '^((((((a))))))*b')");
   EXPECT_TRUE(repeated == "nil" || repeated == exhausted()) << repeated;
+  // Simple patterns take none.
+  EXPECT_EQ(outcomeOn(kSmallStack, "return #string.match('-' .. big .. '!', '.(.*a).$')"), "50000");
   // Too deep to be compiled.
   for (const char* unit : {"(", "(?:", "(?=", "a.", "()", "[a]"}) {
     const std::string script = "return string.find('a', string.rep('" + std::string(unit);
@@ -270,10 +259,9 @@ TEST(PatternTest, WatchingTheStackChangesNoResult) {
   int matching = 0;
   runOnStack(kSmallStack, [&] { matching = compareAtRandom(1, 1500, true); });
   EXPECT_GT(matching, 1500);
-  EXPECT_EQ(
-      outcomeOn(std::size_t{256} << 10, "return string.match('key = value', '(%w+)%s*=%s*(%w+)')"),
-      "{key, value}");
-  EXPECT_EQ(outcomeOn(std::size_t{256} << 10, "return #string.match('-' .. big, '%w+')"), "50000");
+  EXPECT_EQ(outcomeOn(std::size_t{256} << 10,
+                      "return string.match('key = value', '(%w+)(?:%s)*=%s*(%w+)')"),
+            "{key, value}");
 }
 
 // That they do not disturb each other inside the C++ library, only the thread sanitizer sees.
@@ -285,7 +273,7 @@ TEST(PatternTest, IsCompiledOnThreadsAtOnce) {
     threads.emplace_back([&outcome, &ready] {
       LuaVM vm;
       ready.arrive_and_wait();
-      outcome = run(vm, "return string.gsub('one two_3', '([%a_]+)%d*', '#')");
+      outcome = run(vm, "return string.gsub('one two_3', '([%a_]+)(%d)*', '#')");
     });
   }
   for (std::thread& thread : threads) thread.join();

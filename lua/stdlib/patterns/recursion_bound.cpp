@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstdint>
 
-#include "lua/stdlib/patterns/hints.h"
+#include "lua/stdlib/patterns/translation.h"
 #include "lua/value/host_stack.h"
 
 namespace tarvel::lua::internal {
@@ -25,6 +25,24 @@ std::size_t timesSaturated(std::size_t states, std::size_t factor) noexcept {
 }
 
 }  // namespace
+
+bool mayHaveRestOfSet(std::string_view expression) noexcept {
+  bool inSet = false;
+  for (std::size_t i = 0; i < expression.size(); ++i) {
+    const char c = expression[i];
+    if (c == '\\') {
+      ++i;
+      if (!inSet && isAlphanumeric(expression[i])) return true;
+    } else if (inSet) {
+      inSet = c != ']';
+    } else if (c == '|' || c == '{') {
+      return true;
+    } else {
+      inSet = c == '[';
+    }
+  }
+  return false;
+}
 
 std::size_t productOfCounts(std::string_view expression) noexcept {
   std::size_t product = 1;

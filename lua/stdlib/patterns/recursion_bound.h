@@ -5,6 +5,11 @@
 
 namespace tarvel::lua::internal {
 
+// In a set, `%]` ends it early, and the rest of it stands outside as it is: an alternation, a
+// counted repetition or the escape of a control byte, which are found nowhere else. True also where
+// std::regex sees them in a set.
+bool mayHaveRestOfSet(std::string_view expression) noexcept;
+
 // By how much the counts of counted repetitions multiply the states of an expression at most.
 std::size_t productOfCounts(std::string_view expression) noexcept;
 

@@ -103,13 +103,6 @@ bool isPlainText(std::string_view pattern) noexcept {
 
 }  // namespace
 
-void PatternMatch::set(std::string_view subject, std::size_t offset, std::size_t length) {
-  start = offset;
-  end = offset + length;
-  captures.clear();
-  text = subject.substr(offset, length);
-}
-
 PatternSearcher::PatternSearcher(PatternCache& cache, StringObject& pattern, Site site, bool plain)
     : meter_(cache.meter()), site_(site), text_(pattern.view()) {
   meter_.spend(stepsForBytes(text_.size()), site);
@@ -121,6 +114,7 @@ bool PatternSearcher::find(std::string_view subject, std::size_t from, PatternMa
   const std::size_t start = findText(meter_, subject, text_, from, site_);
   if (start == std::string_view::npos) return false;
   match.set(subject, start, text_.size());
+  match.captures = {};
   return true;
 }
 

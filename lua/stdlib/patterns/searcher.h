@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
+#include "lua/stdlib/patterns/pattern_match.h"
 #include "lua/value/errors.h"
 #include "lua/value/heap.h"
 #include "lua/value/string_object.h"
@@ -19,18 +19,6 @@
 namespace tarvel::lua::internal {
 
 class PatternExpression;
-
-// The views are into the subject.
-struct PatternMatch {
-  std::size_t start = 0;  // offset of the first byte
-  std::size_t end = 0;    // offset past the last byte
-  // One per group of the expression; empty for a group that took no part.
-  std::vector<std::string_view> captures;
-  std::string_view text;
-
-  // Becomes the match of plain text at an offset.
-  void set(std::string_view subject, std::size_t offset, std::size_t length);
-};
 
 // The compiled patterns of one interpreter, the latest few. A pattern that is rejected is not kept,
 // so it is rejected afresh each time.

@@ -8,6 +8,10 @@
 
 namespace tarvel::lua::internal {
 
+// Where `text`, which is not empty, stands first in the subject; the subject's end if nowhere.
+// Takes time in proportion to the lengths, whatever they are made of.
+const char* findTextIn(std::string_view subject, std::string_view text) noexcept;
+
 // Where `text` stands first in what follows the offset `from` (at most the subject's length); npos
 // if nowhere. Counts the bytes that are looked at.
 std::size_t findText(WorkMeter& meter, std::string_view subject, std::string_view text,
