@@ -12,7 +12,7 @@
 namespace tarvel::lua::internal {
 
 void failNotCallable(const Value& callee, Site site) {
-  failRuntime(site, std::string("attempt to call a ") + describeValueType(callee) + " value");
+  failRuntime(site, {"attempt to call a ", describeValueType(callee), " value"});
 }
 
 void failStackOverflow(Site site) { failRuntime(site, "stack overflow", FailureKind::Stack); }
