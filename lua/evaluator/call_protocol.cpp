@@ -91,6 +91,16 @@ template <class Supervision>
 
 }  // namespace
 
+[[gnu::noinline]] Value destroyAndRelease(Value* slot, Value* end, Value* callee,
+                                          Value completion) noexcept {
+  const Value unused = *slot;
+  slot->tag = kNil;
+  destroyObject(unused);
+  clearSlots(slot + 1, end);
+  if (callee != nullptr) clearSlot(*callee);
+  return completion;
+}
+
 Value keepFailure(LuaVM::Impl& interpreter, ProtectedRuntimeError&& error) noexcept {
   return interpreter.pendingFailure.set(std::move(error));
 }
@@ -126,7 +136,7 @@ template <class Supervision>
     failStackOverflow(site);
   for (std::uint32_t i = count; i < body->parameterCount; ++i) frame[1 + i] = Value();
   for (std::uint32_t i = body->parameterCount; i < count; ++i) clearSlot(frame[1 + i]);
-  return runBody<Supervision>(body, frame, site);
+  return runBody<Supervision, AllResults>(body, frame, site);
 }
 
 template Value finishWithoutSingleValue<Unsupervised>(Value*, const FunctionExpr*, Value);

@@ -71,7 +71,7 @@ Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count
   if (body != nullptr && body->parameterCount == count &&
       interpreter.stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes))
       [[likely]] {
-    return internal::runBody<internal::Unsupervised>(body, frame, site);
+    return internal::runBody<internal::Unsupervised, internal::AllResults>(body, frame, site);
   }
   return internal::callAny<internal::Unsupervised>(interpreter, frame, count, site);
 }
@@ -138,10 +138,11 @@ bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const V
   frame[1] = retain(first);
   frame[2] = retain(second);
   if (options.supervised) internal::Supervised::step(heap.meter(), site);
-  Value result = options.supervised
-                     ? internal::callFixed<internal::Supervised, 2>(*this, stack, frame, site)
-                     : internal::callFixed<internal::Unsupervised, 2>(*this, stack, frame, site);
-  if (!isSingleValue(result)) result = internal::firstOf(*this, result);
+  using internal::OneResult;
+  const Value result =
+      options.supervised
+          ? internal::callFixed<internal::Supervised, OneResult, 2>(*this, stack, frame, site)
+          : internal::callFixed<internal::Unsupervised, OneResult, 2>(*this, stack, frame, site);
   drop(result);
   return result.isTruthy();
 }
