@@ -7,7 +7,6 @@
 #include "lua/evaluator/node_functions.h"
 #include "lua/frontend/lexer.h"
 #include "lua/frontend/parser.h"
-#include "lua/frontend/resolver.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/host_stack.h"
@@ -49,8 +48,7 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
                            internal::Places(heap, source));
   internal::Parser(source, chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk(parameters);
-  internal::Resolver(*chunk, globals).resolveChunk();
-  stack.announceFrame(internal::FramePlanner(*chunk, heap).planChunk());
+  stack.announceFrame(internal::FramePlanner(*chunk, heap, globals).planChunk());
   internal::selectNodeFunctions(*this, *chunk);
   return chunk;
 }
