@@ -11,7 +11,7 @@
 #include "lua/value/site_table.h"
 #include "lua/value/value.h"
 
-// The tree that the parser builds, the resolver binds, the frame planner lays out and the evaluator
+// The tree that the parser builds and binds, the frame planner lays out and the evaluator
 // walks. A chunk's nodes live in the chunk's arena and are plain data; closures keep the chunk
 // alive. The tree belongs to one interpreter (its literals are that interpreter's strings) and is
 // immutable once it runs, but for the lookup hints.
