@@ -32,10 +32,10 @@ TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, Site site)
   text_.string->length = 0;
 }
 
-void TextBuilder::append(std::string_view bytes) {
+void TextBuilder::appendSlowly(std::string_view bytes) {
   makeRoom(bytes.size());
-  if (bytes.size() >= kBytesPerStep) return appendLong(bytes);
-  text_.string->append(bytes);
+  inPieces(heap_.meter(), bytes, site_,
+           [this](std::string_view piece) { text_.string->append(piece); });
 }
 
 void TextBuilder::makeRoom(std::size_t bytes) {
@@ -44,11 +44,6 @@ void TextBuilder::makeRoom(std::size_t bytes) {
   } catch (const std::bad_alloc&) {
     failNotEnoughMemory(site_);
   }
-}
-
-void TextBuilder::appendLong(std::string_view bytes) {
-  inPieces(heap_.meter(), bytes, site_,
-           [this](std::string_view piece) { text_.string->append(piece); });
 }
 
 void TextBuilder::append(const Value& value) {
