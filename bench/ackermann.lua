@@ -16,3 +16,4 @@ for round = 1, n do
 end
 print(total)
 -- expect: 30750
+-- small: 1

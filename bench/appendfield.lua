@@ -13,3 +13,4 @@ for round = 1, n do
 end
 print(length)
 -- expect: 1350000
+-- small: 1

@@ -49,3 +49,4 @@ for round = 1, n do
 end
 print(found .. " " .. steps)
 -- expect: 17280 591600
+-- small: 1

@@ -41,3 +41,4 @@ for round = 1, n do
 end
 print(letters .. " " .. digits .. " " .. blanks .. " " .. others .. " " .. deepest)
 -- expect: 541800 336700 399400 327200 5
+-- small: 1

@@ -26,3 +26,4 @@ for i = 1, n / 6 do
 end
 print(byOne() .. " " .. byThree() .. " " .. eighths .. " " .. total)
 -- expect: 1500001 4500003 750000 3375000
+-- small: 3000

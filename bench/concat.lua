@@ -14,3 +14,4 @@ for round = 1, n / 50 do
 end
 print(length)
 -- expect: 23627295
+-- small: 300

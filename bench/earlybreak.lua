@@ -46,3 +46,4 @@ for i = 1, n do
 end
 print(empty .. " " .. letters .. " " .. positions)
 -- expect: 40000 160000 968000
+-- small: 100

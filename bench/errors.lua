@@ -24,3 +24,4 @@ for i = 1, n do
 end
 print(account.balance .. " " .. failed .. " " .. letters)
 -- expect: -757371 29700 535194
+-- small: 300

@@ -10,3 +10,4 @@ end
 
 print(fib(n))
 -- expect: 2178309
+-- small: 18

@@ -8,3 +8,4 @@ for i = 1, n do
 end
 print(length)
 -- expect: 11199927
+-- small: 300

@@ -19,3 +19,4 @@ for start = 1, n do
 end
 print(best .. " " .. longest)
 -- expect: 26623 307
+-- small: 60

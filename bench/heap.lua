@@ -53,3 +53,4 @@ for i = 1, n do
 end
 print(checksum)
 -- expect: 705583
+-- small: 100

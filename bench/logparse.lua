@@ -25,3 +25,4 @@ for i, line in ipairs(lines) do
 end
 print(counts.INFO .. " " .. counts.WARN .. " " .. counts.ERROR .. " " .. total .. " " .. letters .. " " .. slowest)
 -- expect: 13468 13312 13220 18010934 2440324 u699
+-- small: 100

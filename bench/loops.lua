@@ -16,3 +16,4 @@ for i = 1, n do
 end
 print(hits .. " " .. above .. " " .. rest)
 -- expect: 1102530 3947235 3950235
+-- small: 60

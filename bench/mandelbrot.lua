@@ -24,3 +24,4 @@ for row = 0, height - 1 do
 end
 print(total .. " " .. inside)
 -- expect: 2333690 19869
+-- small: 4

@@ -37,3 +37,4 @@ for i = 1, n do
 end
 print(math.floor(sum))
 -- expect: 3644670
+-- small: 12

@@ -35,3 +35,4 @@ for i = 1, n do
 end
 print(plain:read() .. " " .. wrapped:read() .. " " .. sum)
 -- expect: 1000000 63 1000000
+-- small: 1500

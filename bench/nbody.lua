@@ -104,3 +104,4 @@ for step = 1, n do
 end
 print(millionths(before) .. " " .. millionths(energy(bodies)) .. " " .. millionths(bodies[2].x))
 -- expect: -170398 -170397 3972047
+-- small: 40

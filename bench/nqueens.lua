@@ -38,3 +38,4 @@ for round = 1, n do
 end
 print(total)
 -- expect: 7040
+-- small: 1

@@ -23,3 +23,4 @@ for i = 1, n do
 end
 print(math.floor(sum * 100 + 0.5) .. " " .. refused .. " " .. letters)
 -- expect: 1857075810000 26800 2288895
+-- small: 1000

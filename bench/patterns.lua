@@ -32,3 +32,4 @@ for i, line in ipairs(lines) do
 end
 print(errors .. " " .. days .. " " .. times .. " " .. fields .. " " .. words .. " " .. masked)
 -- expect: 5036 390000 9039064 367113 140000 1140644
+-- small: 60

@@ -22,3 +22,4 @@ end
 permute(items, 1, n)
 print(orders .. " " .. checksum)
 -- expect: 362880 868137
+-- small: 6

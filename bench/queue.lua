@@ -23,3 +23,4 @@ while head <= tail do
 end
 print(sum .. " " .. longest)
 -- expect: 547621 499999
+-- small: 1500

@@ -17,3 +17,4 @@ for round = 1, n do
 end
 print(lines .. " " .. bytes .. " " .. longest)
 -- expect: 600000 9256500 16
+-- small: 1

@@ -14,3 +14,4 @@ for round = 1, n do
 end
 print(count .. " " .. math.floor(sum * 100 + 0.5))
 -- expect: 300000 4895848317500
+-- small: 1

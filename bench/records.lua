@@ -38,3 +38,4 @@ for i, order in ipairs(orders) do
 end
 print(kept .. " " .. totals.north .. " " .. totals.south .. " " .. totals.east .. " " .. totals.west)
 -- expect: 4958 2050546 2084181 2023490 2050507
+-- small: 100

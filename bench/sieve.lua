@@ -23,3 +23,4 @@ for n = 1, limit do
 end
 print(count)
 -- expect: 148933
+-- small: 4000

@@ -18,3 +18,4 @@ for i = 1, #values, 1000 do
 end
 print(values[1] .. " " .. values[#values] .. " " .. checksum)
 -- expect: 999985 5 706025
+-- small: 400

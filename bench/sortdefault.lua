@@ -25,3 +25,4 @@ end
 print(numbers[1] .. " " .. numbers[#numbers] .. " " .. names[1] .. " " .. names[#names] .. " " ..
     names[math.floor(n / 6)] .. " " .. checksum)
 -- expect: 1 999992 name0 name99999 name55191 608854
+-- small: 600

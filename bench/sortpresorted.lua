@@ -27,3 +27,4 @@ for number, valueAt in ipairs(shapes) do
 end
 print(checksum)
 -- expect: 905750
+-- small: 500

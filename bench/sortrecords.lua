@@ -22,3 +22,4 @@ for i, person in ipairs(people) do
 end
 print(people[1].name .. " " .. people[n].name .. " " .. checksum)
 -- expect: name119 name80 841667
+-- small: 300

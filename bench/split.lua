@@ -19,3 +19,4 @@ for i = 1, n do
 end
 print(count .. " " .. letters)
 -- expect: 660000 467940
+-- small: 150

@@ -22,3 +22,4 @@ for i = 1, n do
 end
 print(count .. " " .. letters)
 -- expect: 360000 833970
+-- small: 150

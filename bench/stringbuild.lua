@@ -18,3 +18,4 @@ for round = 1, n do
 end
 print(#joined .. " " .. string.sub(joined, -16) .. " " .. length .. " " .. string.sub(last, -9))
 -- expect: 3944999 98,item999,item0 600000 <8><9><0>
+-- small: 1

@@ -14,3 +14,4 @@ for round = 1, n do
 end
 print(total)
 -- expect: 280
+-- small: 1

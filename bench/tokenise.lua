@@ -55,3 +55,4 @@ for round = 1, n do
 end
 print(counts.name .. " " .. counts.number .. " " .. counts.sign .. " " .. length)
 -- expect: 48000 24000 96000 396000
+-- small: 2

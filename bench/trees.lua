@@ -21,3 +21,4 @@ for round = 1, n do
 end
 print(total)
 -- expect: 655350
+-- small: 1

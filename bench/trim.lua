@@ -16,3 +16,4 @@ for i, text in ipairs(padded) do
 end
 print(once .. " " .. twice)
 -- expect: 516000 516000
+-- small: 200

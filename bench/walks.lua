@@ -14,3 +14,4 @@ end
 
 print(walk(0, 0, n, 1, 7) .. " " .. walk(0, 0, n, 2, 6))
 -- expect: 52901 16601
+-- small: 4

@@ -25,12 +25,13 @@ std::uint32_t nestingLimit() {
       std::min(std::size_t{kDeepestNesting}, hostStackRoom() / stack_cost::kParserLevel));
 }
 
-void requireParameterNames(std::span<const std::string_view> names, const std::string& chunkName,
-                           MemoryCharge& memory) {
+void requireParameterNames(std::span<const std::string_view> names, const std::string& chunkName) {
   for (const std::string_view name : names) {
-    const std::vector<Token> tokens = Lexer(name, chunkName, memory).tokenise();
-    if (tokens.size() != 2 || tokens[0].kind != TokenKind::Identifier || tokens[0].text != name) {
-      failParse(chunkName, 1, 1, "a parameter cannot be named '" + std::string(name) + "'");
+    Lexer lexer(name, chunkName);
+    const Token first = lexer.next();
+    for (Token token = first; token.kind != TokenKind::EndOfFile;) token = lexer.next();
+    if (first.kind != TokenKind::Identifier || first.text != name) {
+      failParse(chunkName, {1, 1}, "a parameter cannot be named '" + std::string(name) + "'");
     }
   }
 }
@@ -43,12 +44,10 @@ internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
                                                   const std::string& chunkName,
                                                   std::span<const std::string_view> parameters) {
   internal::ChunkReference chunk(new internal::ResolvedChunk(heap));
-  internal::MemoryCharge tokenMemory(heap);
-  internal::requireParameterNames(parameters, chunkName, tokenMemory);
-  std::vector<internal::Token> tokens = internal::Lexer(source, chunkName, tokenMemory).tokenise();
+  internal::requireParameterNames(parameters, chunkName);
   chunk->sites = sites.add(internal::OwnedValue(Value(strings.intern(chunkName))),
-                           internal::Places(heap, tokens));
-  internal::Parser(std::move(tokens), chunkName, *chunk, strings, internal::nestingLimit())
+                           internal::Places(heap, source));
+  internal::Parser(source, chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk(parameters);
   internal::Resolver(*chunk, globals).resolveChunk();
   stack.announceFrame(internal::FramePlanner(*chunk, heap).planChunk());

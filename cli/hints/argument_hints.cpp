@@ -78,7 +78,7 @@ std::string argumentCountHint(const ScriptTokens& tokens, const ScriptNames& nam
     const std::vector<Argument> arguments = readArguments(tokens, i + 1);
     const std::size_t count = arguments.size() + (isMethod ? 1 : 0);
     const std::string place =
-        "in line " + std::to_string(tokens[i].line) + " " + std::string(refusal.function);
+        "in line " + std::to_string(tokens[i].place.line) + " " + std::string(refusal.function);
     if (count > refusal.most) {
       return place + " gets too many arguments: " + surplusHint(refusal.function);
     }

@@ -72,7 +72,7 @@ std::string patternHint(std::string_view message, const ScriptTokens& tokens) {
     if (pattern == ScriptTokens::kNone) continue;
     const std::string fault = faultIn(tokens[pattern].text);
     if (fault.empty()) continue;
-    return "in line " + std::to_string(tokens[pattern].line) + " " + fault;
+    return "in line " + std::to_string(tokens[pattern].place.line) + " " + fault;
   }
   return "in a pattern - * + ? repeat what precedes them, and ( ) [ ] group: write %- and so on "
          "for the characters";

@@ -22,11 +22,34 @@ std::size_t offsetOf(std::string_view source, Place place) {
   return std::min(lineStart + place.column - 1, source.size());
 }
 
-std::vector<Token> tokenise(std::string_view source) {
+std::string textOf(const Token& token) {
+  if (!token.hasEscapes) return std::string(token.text);
+  std::string contents;
+  appendDecoded(contents, token.text);
+  return contents;
+}
+
+std::vector<ScriptToken> tokenise(std::string_view source) {
   const HeapOwner heap;
   MemoryCharge memory(heap.get());
   const std::string chunkName;
-  return Lexer(source, chunkName, memory).tokenise();
+  Lexer lexer(source, chunkName);
+  std::vector<ScriptToken> tokens;
+  std::uint32_t line = 1;
+  std::size_t lineStart = 0;
+  std::size_t lineEnd = source.find('\n');
+  for (Token token; tokens.empty() || token.kind != TokenKind::EndOfFile;) {
+    token = lexer.next();
+    for (; lineEnd < token.position; lineEnd = source.find('\n', lineStart)) {
+      lineStart = lineEnd + 1;
+      ++line;
+    }
+    // Twice, because the vector doubles as it grows.
+    memory.add(2 * sizeof(ScriptToken) + token.text.size());
+    const auto column = static_cast<std::uint32_t>(token.position - lineStart + 1);
+    tokens.push_back({token.kind, textOf(token), {line, column}});
+  }
+  return tokens;
 }
 
 bool opensBracket(TokenKind kind) {
@@ -48,22 +71,23 @@ ScriptTokens::ScriptTokens(std::string_view source, Place place)
   } catch (const std::runtime_error&) {
     tokens_ = tokenise(textBefore());
   }
-  const auto isThere = [place](const Token& token) {
-    return token.line == place.line && token.column == place.column;
+  const auto isThere = [place](const ScriptToken& token) {
+    return token.place.line == place.line && token.place.column == place.column;
   };
   const auto found = std::ranges::find_if(tokens_, isThere);
   if (found != tokens_.end()) failed_ = static_cast<std::size_t>(found - tokens_.begin());
 }
 
 bool ScriptTokens::isWord(std::size_t index, std::string_view text) const {
-  const Token& token = (*this)[index];
+  const ScriptToken& token = (*this)[index];
   return token.kind != TokenKind::String && token.text == text;
 }
 
 bool ScriptTokens::touchesNext(std::size_t index) const {
-  const Token& token = (*this)[index];
-  const Token& next = (*this)[index + 1];
-  return token.line == next.line && token.column + token.text.size() == next.column;
+  const ScriptToken& token = (*this)[index];
+  const ScriptToken& next = (*this)[index + 1];
+  return token.place.line == next.place.line &&
+         token.place.column + token.text.size() == next.place.column;
 }
 
 std::size_t ScriptTokens::closingBracket(std::size_t open) const {
@@ -87,13 +111,13 @@ std::size_t ScriptTokens::openingBracket(std::size_t close) const {
 }
 
 std::string_view ScriptTokens::textBehind(std::size_t index) const {
-  const Token& token = (*this)[index];
-  const std::string_view text = source_.substr(offsetOf(source_, {token.line, token.column}));
+  const ScriptToken& token = (*this)[index];
+  const std::string_view text = source_.substr(offsetOf(source_, token.place));
   return text.substr(std::min(token.text.size(), text.size()));
 }
 
 std::string ScriptTokens::text(std::size_t index) const {
-  const Token& token = (*this)[index];
+  const ScriptToken& token = (*this)[index];
   return token.kind == TokenKind::String ? '"' + token.text + '"' : token.text;
 }
 

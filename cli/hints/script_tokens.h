@@ -10,6 +10,12 @@
 
 namespace tarvel::lua::internal {
 
+struct ScriptToken {
+  TokenKind kind;
+  std::string text;  // as written; of a string literal, the decoded contents
+  Place place;       // of the first byte
+};
+
 // A script's tokens, for a look around the place where it failed. Borrows the source.
 class ScriptTokens {
  public:
@@ -29,7 +35,7 @@ class ScriptTokens {
   std::string_view textAfter() const { return source_.substr(offset_); }
 
   // The end for every index outside, such as that before the first.
-  const Token& operator[](std::size_t index) const {
+  const ScriptToken& operator[](std::size_t index) const {
     return index < tokens_.size() ? tokens_[index] : tokens_.back();
   }
   TokenKind kind(std::size_t index) const { return (*this)[index].kind; }
@@ -53,7 +59,7 @@ class ScriptTokens {
  private:
   std::string_view source_;
   std::size_t offset_;  // of the place
-  std::vector<Token> tokens_;
+  std::vector<ScriptToken> tokens_;
   std::size_t failed_ = kNone;
 };
 

@@ -88,14 +88,14 @@ std::string longStringHint(const Fault& fault) {
 
 bool isNumber(TokenKind kind) { return kind == TokenKind::Integer || kind == TokenKind::Number; }
 
-bool isHexadecimal(const Token& number) {
+bool isHexadecimal(const ScriptToken& number) {
   return number.text.size() > 1 && (number.text[1] == 'x' || number.text[1] == 'X');
 }
 
 // Whether the number at the index goes on as `e5` or `p4` does.
 bool hasExponent(const ScriptTokens& tokens, std::size_t index) {
   if (!isNumber(tokens.kind(index)) || !tokens.touchesNext(index)) return false;
-  const Token& next = tokens[index + 1];
+  const ScriptToken& next = tokens[index + 1];
   const std::string_view letters = isHexadecimal(tokens[index]) ? "pP" : "eE";
   if (next.kind != TokenKind::Identifier || letters.find(next.text[0]) == std::string_view::npos) {
     return false;
@@ -121,7 +121,7 @@ std::string numberHint(const Fault& fault) {
                              fault.is(fault.at - 2, TokenKind::Integer) &&
                              tokens.touchesNext(fault.at - 2);
   if (!endsWithPoint) return {};
-  const Token& number = tokens[fault.at - 2];
+  const ScriptToken& number = tokens[fault.at - 2];
   if (isHexadecimal(number)) return "hexadecimal numbers have no fraction";
   return "numbers do not end with the point: write " + number.text + ".0";
 }
@@ -162,7 +162,7 @@ std::string decrementHint(const Fault& fault) {
 std::string operatorHint(const Fault& fault) {
   const std::size_t before = fault.at - 1;
   if (isPair(fault, before, TokenKind::Slash, TokenKind::Slash)) {
-    const bool beginsLine = fault.tokens[before].line > fault.tokens[before - 1].line;
+    const bool beginsLine = fault.tokens[before].place.line > fault.tokens[before - 1].place.line;
     return beginsLine ? kComments : "there is no operator //: write math.floor(x / y)";
   }
   if (isPair(fault, before, TokenKind::Less, TokenKind::Less) ||
@@ -186,7 +186,7 @@ std::string operatorHint(const Fault& fault) {
 // ---- Statements and calls -----------------------------------------------------------------------
 
 std::string statementHint(const Fault& fault) {
-  const Token& before = fault.tokens[fault.at - 1];
+  const ScriptToken& before = fault.tokens[fault.at - 1];
   const bool followsName = fault.at > 0 && before.kind == TokenKind::Identifier;
   if (fault.message == "expected function call" && followsName) {
     const bool isName = fault.is(fault.at, TokenKind::Identifier);

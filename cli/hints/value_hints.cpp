@@ -126,8 +126,8 @@ std::size_t stepThatIsSet(const ScriptTokens& tokens, const Chain& chain, bool i
 // is none.
 std::uint32_t lineThatCalls(const ScriptTokens& tokens, const Chain& chain) {
   for (const Chain::Step& step : chain.steps) {
-    const std::uint32_t line = tokens[step.first].line;
-    if (step.kind == StepKind::Call && line > tokens[step.first - 1].line) return line;
+    const std::uint32_t line = tokens[step.first].place.line;
+    if (step.kind == StepKind::Call && line > tokens[step.first - 1].place.line) return line;
   }
   return 0;
 }

@@ -9,59 +9,78 @@ namespace tarvel::lua::internal {
 
 namespace {
 
+// ---- Bytes --------------------------------------------------------------------------------------
+
 // Classes of bytes are spelled out because those of the standard library depend on the locale.
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
-bool isNameStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
+enum ByteClass : std::uint8_t { kBlank = 1, kDigit = 2, kHexDigit = 4, kNameStart = 8 };
 
-struct Keyword {
-  std::string_view text;
-  TokenKind kind;
-};
+constexpr std::uint8_t classesOf(char c) {
+  const bool isLower = c >= 'a' && c <= 'z';
+  const bool isUpper = c >= 'A' && c <= 'Z';
+  const bool isDigit = c >= '0' && c <= '9';
+  const bool isHexLetter = (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+  unsigned classes = 0;
+  if (c == ' ' || (c >= '\t' && c <= '\r')) classes |= kBlank;
+  if (isDigit) classes |= kDigit;
+  if (isDigit || isHexLetter) classes |= kHexDigit;
+  if (isLower || isUpper || c == '_') classes |= kNameStart;
+  return static_cast<std::uint8_t>(classes);
+}
 
-// By length, so that a name is compared only with the few keywords of its own length.
-constexpr Keyword kKeywords[] = {
-    {"do", TokenKind::Do},
-    {"if", TokenKind::If},
-    {"in", TokenKind::In},
-    {"or", TokenKind::Or},
-    {"and", TokenKind::And},
-    {"end", TokenKind::End},
-    {"for", TokenKind::For},
-    {"nil", TokenKind::Nil},
-    {"not", TokenKind::Not},
-    {"else", TokenKind::Else},
-    {"then", TokenKind::Then},
-    {"true", TokenKind::True},
-    {"break", TokenKind::Break},
-    {"false", TokenKind::False},
-    {"local", TokenKind::Local},
-    {"while", TokenKind::While},
-    {"elseif", TokenKind::Elseif},
-    {"return", TokenKind::Return},
-    {"function", TokenKind::Function},
-};
-constexpr std::size_t kLongestKeyword = 8;  // bytes
-
-// Element n: how many keywords are shorter than n bytes.
-constexpr auto kShorterKeywords = [] {
-  std::array<std::size_t, kLongestKeyword + 2> shorter{};
-  for (std::size_t length = 0; length < shorter.size(); ++length) {
-    for (const Keyword& keyword : kKeywords) shorter[length] += keyword.text.size() < length;
-  }
-  return shorter;
+constexpr auto kClasses = [] {
+  std::array<std::uint8_t, 256> classes{};
+  for (std::size_t i = 0; i < classes.size(); ++i) classes[i] = classesOf(static_cast<char>(i));
+  return classes;
 }();
-static_assert(kShorterKeywords.back() == std::size(kKeywords));
+
+bool isIn(unsigned classes, char c) { return (kClasses[static_cast<unsigned char>(c)] & classes); }
+
+// The first position from `position` on whose byte is in none of the classes.
+std::size_t skipClass(unsigned classes, std::string_view source, std::size_t position) {
+  while (position < source.size() && isIn(classes, source[position])) ++position;
+  return position;
+}
+
+// ---- Keywords -----------------------------------------------------------------------------------
+
+// In the order of their kinds, which is that of the alphabet.
+constexpr std::string_view kKeywords[] = {
+    "and", "break", "do",  "else", "elseif", "end",    "false", "for",  "function", "if",
+    "in",  "local", "nil", "not",  "or",     "return", "then",  "true", "while"};
+constexpr std::size_t kShortestKeyword = 2;  // bytes
+constexpr std::size_t kLongestKeyword = 8;
+
+// Element n: how many keywords begin with one of the first n letters of the alphabet.
+constexpr auto kKeywordsBefore = [] {
+  std::array<std::uint8_t, 'z' - 'a' + 2> before{};
+  for (std::size_t letter = 0; letter < before.size(); ++letter) {
+    for (const std::string_view keyword : kKeywords) {
+      before[letter] += static_cast<std::size_t>(keyword[0] - 'a') < letter;
+    }
+  }
+  return before;
+}();
 
 TokenKind kindOfName(std::string_view name) {
-  if (name.size() > kLongestKeyword) return TokenKind::Identifier;
-  const Keyword* end = kKeywords + kShorterKeywords[name.size() + 1];
-  for (const Keyword* keyword = kKeywords + kShorterKeywords[name.size()]; keyword != end;
-       ++keyword) {
-    if (keyword->text == name) return keyword->kind;
+  const auto letter = static_cast<std::size_t>(name[0]) - 'a';
+  if (name.size() < kShortestKeyword || name.size() > kLongestKeyword || letter > 'z' - 'a') {
+    return TokenKind::Identifier;
+  }
+  for (std::size_t i = kKeywordsBefore[letter]; i < kKeywordsBefore[letter + 1]; ++i) {
+    if (kKeywords[i] == name) {
+      return static_cast<TokenKind>(static_cast<std::size_t>(TokenKind::And) + i);
+    }
   }
   return TokenKind::Identifier;
+}
+
+// ---- Places and escapes -------------------------------------------------------------------------
+
+Place placeOf(std::string_view source, std::size_t position) {
+  const std::string_view before = source.substr(0, position);
+  const std::size_t lineStart = before.rfind('\n') + 1;  // 0 where there is none
+  return {static_cast<std::uint32_t>(std::ranges::count(before, '\n') + 1),
+          static_cast<std::uint32_t>(position - lineStart + 1)};
 }
 
 // What a backslash followed by `c` stands for. Deliberate: an unknown
@@ -83,54 +102,66 @@ char unescape(char c) {
 
 }  // namespace
 
-void failParse(const std::string& chunkName, std::uint32_t line, std::uint32_t column,
-               const std::string& message) {
-  throw UnparsedError(FailureKind::Syntax, chunkName, line, column, message);
+void appendDecoded(std::string& contents, std::string_view text) {
+  for (std::size_t position = 0;;) {
+    const std::size_t backslash = text.find('\\', position);
+    contents.append(text.substr(position, backslash - position));
+    if (backslash == std::string_view::npos) return;
+    contents += unescape(text[backslash + 1]);
+    position = backslash + 2;
+  }
 }
 
-std::vector<Token> Lexer::tokenise() {
-  std::vector<Token> tokens;
-  for (skipBlanksAndComments(); !atEnd(); skipBlanksAndComments()) {
-    Token token = readToken();
-    // Twice, because the vector doubles as it grows.
-    memory_.add(2 * sizeof(Token) + token.text.size());
-    tokens.push_back(std::move(token));
-  }
-  tokens.push_back(lexeme(TokenKind::EndOfFile, position_));
-  return tokens;
+// ---- Failures -----------------------------------------------------------------------------------
+
+void failParse(const std::string& chunkName, Place place, const std::string& message) {
+  throw UnparsedError(FailureKind::Syntax, chunkName, place.line, place.column, message);
 }
+
+void Lexer::failAt(std::size_t position, const std::string& message) const {
+  failParse(chunkName_, placeOf(source_, position), message);
+}
+
+void Lexer::reject(const Token& token, const std::string& message) {
+  while (next().kind != TokenKind::EndOfFile) continue;
+  failAt(token.position, message);
+}
+
+// ---- Tokens -------------------------------------------------------------------------------------
 
 // Only long brackets without `=` exist: `--[==[` starts a comment of one line.
 void Lexer::skipBlanksAndComments() {
   for (;;) {
-    while (!atEnd() && isBlank(source_[position_])) next();
-    if (!startsWith("--")) return;
-    if (startsWith("--[[")) {
+    position_ = skipClass(kBlank, source_, position_);
+    if (peek() != '-' || peek(1) != '-') return;
+    if (peek(2) == '[' && peek(3) == '[') {
       position_ += 4;
-      readLongString(line_, columnOf(position_));
+      readLongBracket(position_);
     } else {
       position_ = std::min(source_.find('\n', position_), source_.size());
     }
   }
 }
 
-Token Lexer::readToken() {
+Token Lexer::next() {
+  skipBlanksAndComments();
+  if (atEnd()) return lexeme(TokenKind::EndOfFile, position_);
   const char first = source_[position_];
-  if (isNameStart(first)) return readName();
-  if (isDigit(first)) return readNumber();
+  if (isIn(kNameStart, first)) return readName();
+  if (isIn(kDigit, first)) return readNumber();
   if (first == '"' || first == '\'') return readQuotedString();
-  if (startsWith("[[")) {
-    Token token = lexeme(TokenKind::String, position_);
-    position_ += 2;
-    token.text = readLongString(token.line, token.column);
-    return token;
-  }
+  if (first == '[' && peek(1) == '[') return readLongString();
   return readPunctuator();
+}
+
+bool Lexer::isAtAssign() {
+  skipBlanksAndComments();
+  return peek() == '=' && peek(1) != '=';
 }
 
 Token Lexer::readName() {
   const std::size_t start = position_;
-  while (isNameStart(peek()) || isDigit(peek())) ++position_;
+  position_ = skipClass(kNameStart | kDigit, source_, start + 1);
   return lexeme(kindOfName(source_.substr(start, position_ - start)), start);
 }
 
@@ -139,44 +170,47 @@ Token Lexer::readName() {
 Token Lexer::readNumber() {
   const std::size_t start = position_;
   if (peek() == '0' && (peek(1) == 'x' || peek(1) == 'X')) {
-    position_ += 2;
-    while (isHexDigit(peek())) ++position_;
+    position_ = skipClass(kHexDigit, source_, start + 2);
     return lexeme(TokenKind::Integer, start);
   }
-  while (isDigit(peek())) ++position_;
-  if (peek() != '.' || !isDigit(peek(1))) return lexeme(TokenKind::Integer, start);
-  ++position_;
-  while (isDigit(peek())) ++position_;
+  position_ = skipClass(kDigit, source_, start + 1);
+  if (peek() != '.' || !isIn(kDigit, peek(1))) return lexeme(TokenKind::Integer, start);
+  position_ = skipClass(kDigit, source_, position_ + 1);
   return lexeme(TokenKind::Number, start);
 }
 
 Token Lexer::readQuotedString() {
-  Token token = lexeme(TokenKind::String, position_);
-  const char quote = next();
-  for (;;) {
-    const std::size_t start = position_;
-    while (!atEnd() && source_[position_] != quote && source_[position_] != '\\') next();
-    token.text.append(source_, start, position_ - start);
-    if (atEnd()) failParse(chunkName_, token.line, token.column, "unterminated string literal");
-    if (next() == quote) return token;
-    if (atEnd()) failParse(chunkName_, token.line, token.column, "unterminated string escape");
-    token.text += unescape(next());
+  const std::size_t start = position_;
+  const char quote = source_[start];
+  bool hasEscapes = false;
+  for (++position_;; position_ += 2) {
+    while (!atEnd() && source_[position_] != quote && source_[position_] != '\\') ++position_;
+    if (atEnd()) failAt(start, "unterminated string literal");
+    if (source_[position_] == quote) break;
+    if (position_ + 1 == source_.size()) failAt(start, "unterminated string escape");
+    hasEscapes = true;
   }
+  ++position_;
+  return {TokenKind::String, hasEscapes, start, source_.substr(start + 1, position_ - start - 2)};
 }
 
-std::string Lexer::readLongString(std::uint32_t line, std::uint32_t column) {
+Token Lexer::readLongString() {
   const std::size_t start = position_;
-  const std::size_t end = source_.find("]]", start);
-  if (end == std::string_view::npos) {
-    failParse(chunkName_, line, column, "unterminated long string literal");
-  }
-  while (position_ < end + 2) next();
-  return std::string(source_.substr(start, end - start));
+  position_ += 2;
+  return {TokenKind::String, false, start, readLongBracket(start)};
+}
+
+std::string_view Lexer::readLongBracket(std::size_t start) {
+  const std::size_t end = source_.find("]]", position_);
+  if (end == std::string_view::npos) failAt(start, "unterminated long string literal");
+  const std::string_view contents = source_.substr(position_, end - position_);
+  position_ = end + 2;
+  return contents;
 }
 
 Token Lexer::readPunctuator() {
   const std::size_t start = position_;
-  const char first = next();
+  const char first = source_[position_++];
   switch (first) {
     case '(':
       return lexeme(TokenKind::LeftParen, start);
@@ -218,24 +252,10 @@ Token Lexer::readPunctuator() {
       return lexeme(skip('=') ? TokenKind::GreaterEqual : TokenKind::Greater, start);
     case '~':
       if (skip('=')) return lexeme(TokenKind::NotEqual, start);
-      failParse(chunkName_, line_, columnOf(start), "unexpected '~'");
+      failAt(start, "unexpected '~'");
     default:
-      failParse(chunkName_, line_, columnOf(start),
-                std::string("unexpected character '") + first + "'");
+      failAt(start, std::string("unexpected character '") + first + "'");
   }
-}
-
-Token Lexer::lexeme(TokenKind kind, std::size_t start) const {
-  return {kind, std::string(source_.substr(start, position_ - start)), line_, columnOf(start)};
-}
-
-char Lexer::next() {
-  const char c = source_[position_++];
-  if (c == '\n') {
-    ++line_;
-    lineStart_ = position_;
-  }
-  return c;
 }
 
 bool Lexer::skip(char expected) {

@@ -1,68 +1,70 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "lua/frontend/token.h"
-#include "lua/value/memory_charge.h"
+#include "lua/value/site_table.h"
 
 namespace tarvel::lua::internal {
 
 // Rejects a chunk: throws UnparsedError, a std::runtime_error "chunkName:line:column: message".
 // Lexer and parser report every fault of a source text through this, so all of them have one shape.
-[[noreturn]] void failParse(const std::string& chunkName, std::uint32_t line, std::uint32_t column,
-                            const std::string& message);
+[[noreturn]] void failParse(const std::string& chunkName, Place place, const std::string& message);
 
-// Turns the text of one chunk into tokens. Borrows what it is given, which must outlive it; the
-// tokens are charged to `memory`.
+// Turns the text of one chunk into tokens, one after the other. Borrows what it is given, which
+// must outlive it and its tokens.
 class Lexer {
  public:
-  Lexer(std::string_view source, const std::string& chunkName, MemoryCharge& memory)
-      : source_(source), chunkName_(chunkName), memory_(memory) {}
+  Lexer(std::string_view source, const std::string& chunkName)
+      : source_(source), chunkName_(chunkName) {}
 
-  // Returns all tokens of the text, the last of which is the only EndOfFile. Throws what failParse
-  // throws at the first byte that fits no token and at a string or comment that does not end, and
-  // std::bad_alloc. To be called once.
-  std::vector<Token> tokenise();
+  // The next token; from the end of the text on, EndOfFile. Throws what failParse throws at the
+  // first byte that fits no token and at a string or comment that does not end.
+  Token next();
+
+  // Whether the next token is `=`.
+  bool isAtAssign();
+
+  // Rejects the chunk because of a token that has been read. Deliberate: a text that does not
+  // consist of tokens is rejected for that, wherever it is, and for nothing else.
+  [[noreturn]] void reject(const Token& token, const std::string& message);
 
  private:
   void skipBlanksAndComments();
-  Token readToken();
   Token readName();
   Token readNumber();
   Token readQuotedString();
+  Token readLongString();
   Token readPunctuator();
 
   // Reads on from behind an opening "[[" to behind the closing "]]" and returns what is between
-  // them, byte for byte. `line` and `column` are only what the error names when there is no end.
-  std::string readLongString(std::uint32_t line, std::uint32_t column);
+  // them, byte for byte. `start` is only what the error names when there is no end.
+  std::string_view readLongBracket(std::size_t start);
 
-  // A token whose text is everything consumed since `start`, on this line.
-  Token lexeme(TokenKind kind, std::size_t start) const;
+  // A token that consists of everything from `start` to the next unread byte.
+  Token lexeme(TokenKind kind, std::size_t start) const {
+    return {kind, false, start, source_.substr(start, position_ - start)};
+  }
+
+  [[noreturn]] void failAt(std::size_t position, const std::string& message) const;
 
   bool atEnd() const { return position_ == source_.size(); }
-  bool startsWith(std::string_view text) const {
-    return source_.substr(position_).starts_with(text);
-  }
   // The byte `ahead` of the next one; a zero byte past the end, which no caller looks for.
   char peek(std::size_t ahead = 0) const {
     return position_ + ahead < source_.size() ? source_[position_ + ahead] : '\0';
   }
-  char next();
   bool skip(char expected);
-  std::uint32_t columnOf(std::size_t position) const {
-    return static_cast<std::uint32_t>(position - lineStart_ + 1);
-  }
 
   std::string_view source_;
   const std::string& chunkName_;
-  MemoryCharge& memory_;
-  std::size_t position_ = 0;   // of the next unread byte
-  std::size_t lineStart_ = 0;  // position of the current line's first byte
-  std::uint32_t line_ = 1;
+  std::size_t position_ = 0;  // of the next unread byte
 };
+
+// The contents of a string literal: the bytes of its token with the escapes in them decoded.
+void appendDecoded(std::string& contents, std::string_view text);
 
 }  // namespace tarvel::lua::internal

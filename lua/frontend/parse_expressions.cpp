@@ -57,7 +57,7 @@ bool isUnaryOperator(TokenKind kind) {
 Expr* Parser::parseExpression() {
   Expr* left = parseAnd();
   while (at(TokenKind::Or)) {
-    const Token& op = take();
+    const Operator op = takeOperator();
     left = makeBinary(left, op, parseAnd());
   }
   return left;
@@ -66,7 +66,7 @@ Expr* Parser::parseExpression() {
 Expr* Parser::parseAnd() {
   Expr* left = parseComparison();
   while (at(TokenKind::And)) {
-    const Token& op = take();
+    const Operator op = takeOperator();
     left = makeBinary(left, op, parseComparison());
   }
   return left;
@@ -74,8 +74,8 @@ Expr* Parser::parseAnd() {
 
 Expr* Parser::parseComparison() {
   Expr* left = parseConcat();
-  while (isComparison(current().kind)) {
-    const Token& op = take();
+  while (isComparison(current_.kind)) {
+    const Operator op = takeOperator();
     left = makeBinary(left, op, parseConcat());
   }
   return left;
@@ -100,7 +100,7 @@ Expr* Parser::parseConcatChain(Expr* first) {
 Expr* Parser::parseSum() {
   Expr* left = parseFactor();
   while (at(TokenKind::Plus) || at(TokenKind::Minus)) {
-    const Token& op = take();
+    const Operator op = takeOperator();
     left = makeBinary(left, op, parseFactor());
   }
   return left;
@@ -108,18 +108,18 @@ Expr* Parser::parseSum() {
 
 Expr* Parser::parseFactor() {
   Expr* left = parseUnary();
-  while (isFactorOperator(current().kind)) {
-    const Token& op = take();
+  while (isFactorOperator(current_.kind)) {
+    const Operator op = takeOperator();
     left = makeBinary(left, op, parseUnary());
   }
   return left;
 }
 
 Expr* Parser::parseUnary() {
-  if (!isUnaryOperator(current().kind)) return parsePrefixExpression();
-  const Token& op = take();
+  if (!isUnaryOperator(current_.kind)) return parsePrefixExpression();
+  const Operator op = takeOperator();
   Expr* operand = parseOperand();
-  return complete(make<UnaryExpr>(op.kind, operand, siteOf(op)), operand);
+  return complete(make<UnaryExpr>(op.kind, operand, op.site), operand);
 }
 
 Expr* Parser::parseOperand() {
@@ -137,14 +137,13 @@ Expr* Parser::parsePrefixExpression() {
 }
 
 Expr* Parser::parsePrimary() {
-  const Token& token = current();
-  switch (token.kind) {
+  switch (current_.kind) {
     case TokenKind::Integer:
-      return takeLiteral(integerOrFloat(token.text));
+      return takeLiteral(integerOrFloat(current_.text));
     case TokenKind::Number:
-      return takeLiteral(Value(decimalNumber(token.text)));
+      return takeLiteral(Value(decimalNumber(current_.text)));
     case TokenKind::String:
-      return takeLiteral(Value(internLiteral(token.text)));
+      return takeLiteral(Value(internLiteral(current_)));
     case TokenKind::Nil:
       return takeLiteral(Value());
     case TokenKind::True:
@@ -158,10 +157,15 @@ Expr* Parser::parsePrimary() {
     case TokenKind::LeftParen:
       return parseParenthesised();
     case TokenKind::Identifier:
-      return makeVariable(names_.find(token.text), takeSite());
+      return parseVariable();
     default:
-      errorAt(token, "expected expression");
+      fail("expected expression");
   }
+}
+
+Expr* Parser::parseVariable() {
+  Name* name = names_.find(current_.text);
+  return makeVariable(name, takeSite());
 }
 
 // No node is made for the parentheses, so `(f())` is the call itself.
@@ -178,7 +182,7 @@ Expr* Parser::parseInnerExpression() {
 }
 
 Expr* Parser::parseSuffix(Expr* object, Site site) {
-  switch (current().kind) {
+  switch (current_.kind) {
     case TokenKind::Dot:
       return parseField(object, site);
     case TokenKind::LeftBracket:
@@ -262,9 +266,10 @@ ArenaList<TableExpr::Field> Parser::parseTableFields() {
 TableExpr::Field Parser::parseTableField() {
   if (at(TokenKind::LeftBracket)) return parseKeyedField();
   const Site site = currentSite();
-  if (at(TokenKind::Identifier) && tokens_[index_ + 1].kind == TokenKind::Assign) {
-    StringObject* name = internName(take().text);
-    expect(TokenKind::Assign, "expected '=' after table field name");
+  if (at(TokenKind::Identifier) && lexer_.isAtAssign()) {
+    StringObject* name = internName(current_.text);
+    take();
+    take();
     return {TableExpr::FieldKind::Named, name, nullptr, parseExpression(), site};
   }
   return {TableExpr::FieldKind::Positional, nullptr, nullptr, parseExpression(), site};
@@ -321,8 +326,8 @@ VariableExpr* Parser::makeVariable(Name* name, Site site) {
   return complete(make<VariableExpr>(name, site));
 }
 
-Expr* Parser::makeBinary(Expr* left, const Token& op, Expr* right) {
-  return complete(make<BinaryExpr>(left, op.kind, right, siteOf(op)), left, right);
+Expr* Parser::makeBinary(Expr* left, Operator op, Expr* right) {
+  return complete(make<BinaryExpr>(left, op.kind, right, op.site), left, right);
 }
 
 Expr* Parser::completeCall(CallExpr* call, const Expr* calleeOrObject) {

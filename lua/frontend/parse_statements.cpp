@@ -4,15 +4,13 @@
 #include <utility>
 #include <vector>
 
-#include "lua/frontend/lexer.h"
 #include "lua/frontend/parser.h"
 
 namespace tarvel::lua::internal {
 
-Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
+Parser::Parser(std::string_view source, const std::string& chunkName, ResolvedChunk& chunk,
                StringPool& strings, std::uint32_t nestingLimit)
-    : tokens_(std::move(tokens)),
-      chunkName_(std::move(chunkName)),
+    : lexer_(source, chunkName),
       chunk_(chunk),
       strings_(strings),
       names_(chunk, strings),
@@ -20,6 +18,7 @@ Parser::Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& 
       firstSite_(chunk.sites.first()) {}
 
 ArenaList<Node*> Parser::parseChunk(std::span<const std::string_view> parameters) {
+  take();
   chunk_.main = makeFunction(internName("<chunk>"), currentSite());
   std::vector<Name*> names;
   for (const std::string_view name : parameters) names.push_back(names_.find(name));
@@ -41,7 +40,7 @@ Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
   std::vector<Node*> statements;
   for (;;) {
     while (skip(TokenKind::Semicolon)) continue;
-    const TokenKind kind = current().kind;
+    const TokenKind kind = current_.kind;
     if (kind == TokenKind::EndOfFile || std::ranges::find(terminators, kind) != terminators.end()) {
       break;
     }
@@ -51,7 +50,7 @@ Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
 }
 
 Stmt* Parser::parseStatement() {
-  switch (current().kind) {
+  switch (current_.kind) {
     case TokenKind::Return:
       return parseReturn();
     case TokenKind::While:
@@ -75,7 +74,7 @@ Stmt* Parser::parseStatement() {
 
 Stmt* Parser::parseReturn() {
   const Site site = takeSite();
-  switch (current().kind) {
+  switch (current_.kind) {
     case TokenKind::Semicolon:
     case TokenKind::Else:
     case TokenKind::Elseif:
@@ -88,7 +87,7 @@ Stmt* Parser::parseReturn() {
 }
 
 Stmt* Parser::parseBreak() {
-  if (functions_.back().loops == 0) errorAt(current(), "break outside a loop");
+  if (functions_.back().loops == 0) fail("break outside a loop");
   return make<BreakStmt>(takeSite());
 }
 
@@ -212,7 +211,7 @@ Parser::DeclaredName Parser::parseDeclaredName() {
 
 AssignTarget Parser::asFunctionTarget(Expr* expression) {
   if (expression->kind != ExprKind::Variable && expression->kind != ExprKind::Field) {
-    errorAt(current(), "invalid function target");
+    fail("invalid function target");
   }
   return {expression};
 }
@@ -223,7 +222,7 @@ Stmt* Parser::parseAssignmentOrCall() {
   const Site site = currentSite();
   Expr* expression = parsePrefixExpression();
   if (at(TokenKind::Assign) || at(TokenKind::Comma)) return parseAssignment(expression, site);
-  if (expression->kind != ExprKind::Call) errorAt(current(), "expected function call");
+  if (expression->kind != ExprKind::Call) fail("expected function call");
   return make<ExpressionStmt>(static_cast<CallExpr*>(expression), site);
 }
 
@@ -247,25 +246,47 @@ AssignTarget Parser::asAssignTarget(Expr* expression) {
     case ExprKind::Index:
       return {expression};
     default:
-      errorAt(current(), "invalid assignment target");
+      fail("invalid assignment target");
   }
 }
 
 // ---- The cursor, nesting and errors ----
 
+Site Parser::takeSite() {
+  const Site site = currentSite();
+  take();
+  return site;
+}
+
+Parser::Operator Parser::takeOperator() {
+  const TokenKind kind = current_.kind;
+  return {kind, takeSite()};
+}
+
 bool Parser::skip(TokenKind kind) {
   if (!at(kind)) return false;
-  ++index_;
+  take();
   return true;
 }
 
-const Token& Parser::expect(TokenKind kind, const char* message) {
-  if (!at(kind)) errorAt(current(), message);
-  return take();
+void Parser::expect(TokenKind kind, const char* message) {
+  if (!at(kind)) fail(message);
+  take();
 }
 
 Name* Parser::expectName(const char* message) {
-  return names_.find(expect(TokenKind::Identifier, message).text);
+  if (!at(TokenKind::Identifier)) fail(message);
+  Name* name = names_.find(current_.text);
+  take();
+  return name;
+}
+
+StringObject* Parser::internLiteral(const Token& literal) {
+  if (!literal.hasEscapes) return chunk_.own(strings_.intern(literal.text));
+  strings_.heap().requireRoom(literal.text.size());
+  decoded_.clear();
+  appendDecoded(decoded_, literal.text);
+  return chunk_.own(strings_.intern(decoded_));
 }
 
 void Parser::noteHeight(std::uint32_t height) {
@@ -275,10 +296,8 @@ void Parser::noteHeight(std::uint32_t height) {
   open.function->nesting = std::max(open.function->nesting, levels);
 }
 
-void Parser::errorAt(const Token& token, const char* message) const {
-  failParse(chunkName_, token.line, token.column, message);
-}
+void Parser::fail(const char* message) { lexer_.reject(current_, message); }
 
-void Parser::failTooDeep() const { errorAt(current(), "source is nested too deeply"); }
+void Parser::failTooDeep() { fail("source is nested too deeply"); }
 
 }  // namespace tarvel::lua::internal

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "lua/frontend/lexer.h"
 #include "lua/frontend/name_table.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/frontend/token.h"
@@ -28,15 +29,15 @@ namespace tarvel::lua::internal {
 // the frames of the recursive functions hold no strings and no tokens.
 class Parser {
  public:
-  // `tokens` ends with its only EndOfFile; the chunk's sites number them. `strings` supplies the
+  // The chunk's sites number the bytes of the source. `strings` supplies the
   // chunk's names and literals; the limit is at most kDeepestNesting.
-  Parser(std::vector<Token> tokens, std::string chunkName, ResolvedChunk& chunk,
+  Parser(std::string_view source, const std::string& chunkName, ResolvedChunk& chunk,
          StringPool& strings, std::uint32_t nestingLimit);
 
-  // Parses all tokens: makes `chunk.main`, a function with these parameters, and returns the
-  // statements of its body. Throws what
-  // failParse throws at the first token that does not fit and where the nesting limit is exceeded
-  // ("source is nested too deeply"), and std::bad_alloc. To be called once.
+  // Parses all of the source: makes `chunk.main`, a function with these parameters, and returns the
+  // statements of its body. Throws what the lexer throws; what failParse throws at the first token
+  // that does not fit and where the nesting limit is exceeded ("source is nested too deeply"); and
+  // std::bad_alloc. To be called once.
   ArenaList<Node*> parseChunk(std::span<const std::string_view> parameters = {});
 
  private:
@@ -61,6 +62,12 @@ class Parser {
 
    private:
     Parser& parser_;
+  };
+
+  // An operator, whose operands may still have to be read.
+  struct Operator {
+    TokenKind kind;
+    Site site;
   };
 
   // Statements (parse_statements.cpp).
@@ -106,6 +113,7 @@ class Parser {
   Expr* parseOperand();
   Expr* parsePrefixExpression();
   Expr* parsePrimary();
+  Expr* parseVariable();
   // Reads what may follow an expression in a chain that starts at `site`; null when the chain is at
   // its end.
   Expr* parseSuffix(Expr* object, Site site);
@@ -128,7 +136,7 @@ class Parser {
   // Nodes.
   Expr* takeLiteral(Value value);
   VariableExpr* makeVariable(Name* name, Site site);
-  Expr* makeBinary(Expr* left, const Token& op, Expr* right);
+  Expr* makeBinary(Expr* left, Operator op, Expr* right);
   Expr* completeCall(CallExpr* call, const Expr* calleeOrObject);
   FunctionExpr* makeFunction(StringObject* name, Site site);
 
@@ -157,34 +165,31 @@ class Parser {
   void noteHeight(std::uint32_t height);
 
   // The tokens.
-  const Token& current() const { return tokens_[index_]; }
-  bool at(TokenKind kind) const { return current().kind == kind; }
-  const Token& take() { return tokens_[index_++]; }  // never EndOfFile
-  // Sites number the tokens: see parseScript.
-  Site currentSite() const { return firstSite_ + static_cast<Site>(index_); }
-  Site takeSite() { return firstSite_ + static_cast<Site>(index_++); }
-  Site siteOf(const Token& token) const {
-    return firstSite_ + static_cast<Site>(&token - tokens_.data());
-  }
+  bool at(TokenKind kind) const { return current_.kind == kind; }
+  void take() { current_ = lexer_.next(); }
+  Site currentSite() const { return firstSite_ + static_cast<Site>(current_.position); }
+  Site takeSite();
+  Operator takeOperator();
   bool skip(TokenKind kind);
   // These fail with `message` at the current token.
-  const Token& expect(TokenKind kind, const char* message);
+  void expect(TokenKind kind, const char* message);
   Name* expectName(const char* message);
 
   StringObject* internName(std::string_view text) { return names_.find(text)->text; }
-  StringObject* internLiteral(std::string_view text) { return chunk_.own(strings_.intern(text)); }
+  StringObject* internLiteral(const Token& literal);
 
-  [[noreturn, gnu::noinline]] void errorAt(const Token& token, const char* message) const;
-  [[noreturn, gnu::noinline]] void failTooDeep() const;
+  // Fail at the current token.
+  [[noreturn, gnu::noinline]] void fail(const char* message);
+  [[noreturn, gnu::noinline]] void failTooDeep();
 
-  const std::vector<Token> tokens_;
-  const std::string chunkName_;
+  Lexer lexer_;
+  Token current_;
+  std::string decoded_;  // the latest string literal with escapes
   ResolvedChunk& chunk_;
   StringPool& strings_;
   NameTable names_;
   const std::uint32_t nestingLimit_;
   const Site firstSite_;
-  std::size_t index_ = 0;
   std::uint32_t depth_ = 0;              // levels that are open
   std::vector<OpenFunction> functions_;  // innermost last; the chunk itself first
 };

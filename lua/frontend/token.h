@@ -1,7 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <string_view>
 
 namespace tarvel::lua::internal {
 
@@ -88,10 +89,10 @@ constexpr bool isComparison(TokenKind kind) noexcept {
 }
 
 struct Token {
-  TokenKind kind;
-  std::string text;      // the lexeme; of a string literal, the decoded contents
-  std::uint32_t line;    // 1-based, of the first byte
-  std::uint32_t column;  // 1-based, in bytes
+  TokenKind kind = TokenKind::EndOfFile;
+  bool hasEscapes = false;     // a string literal: its text is to be decoded
+  std::size_t position = 0;    // of the first byte in the source
+  std::string_view text = {};  // in the source: the lexeme; of a string literal, what it delimits
 };
 
 }  // namespace tarvel::lua::internal

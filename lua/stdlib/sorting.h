@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <type_traits>
@@ -9,8 +10,7 @@
 // scripts need not be consistent, nor is the default order with NaN; then the result is some
 // permutation of the elements, after a bounded number of comparisons all the same.
 //
-// An order that throws leaves the range with elements doubled and missing, so what is sorted must
-// not own anything.
+// An order that throws leaves some permutation, too, so elements may own what they stand for.
 
 namespace tarvel::lua::internal {
 
@@ -21,31 +21,49 @@ constexpr std::ptrdiff_t kShortRun = 16;
 // From here on three medians of three choose the pivot.
 constexpr std::ptrdiff_t kLongRun = 256;
 
+// An element taken out of its place, which goes where the hole is in the end, also when the order
+// throws.
+template <class T>
+class Displaced {
+ public:
+  explicit Displaced(T* place) : element_(*place), hole_(place) {}
+  ~Displaced() { *hole_ = element_; }
+  Displaced(const Displaced&) = delete;
+  Displaced& operator=(const Displaced&) = delete;
+
+  const T& element() const { return element_; }
+  // Fills the hole with the element at `place`, where the hole is then.
+  void moveHole(T* place) {
+    *hole_ = *place;
+    hole_ = place;
+  }
+
+ private:
+  const T element_;
+  T* hole_;
+};
+
 template <class T, class Less>
 void insertionSort(T* first, T* last, Less& less) {
   for (T* next = first + 1; next < last; ++next) {
-    const T element = *next;
-    T* hole = next;
-    while (hole > first && less(element, hole[-1])) {
-      *hole = hole[-1];
-      --hole;
+    Displaced<T> displaced(next);
+    for (T* hole = next; hole > first && less(displaced.element(), hole[-1]); --hole) {
+      displaced.moveHole(hole - 1);
     }
-    *hole = element;
   }
 }
 
 template <class T, class Less>
 void siftDown(T* heap, std::ptrdiff_t root, std::ptrdiff_t size, Less& less) {
-  const T element = heap[root];
+  Displaced<T> displaced(heap + root);
   for (;;) {
     std::ptrdiff_t child = 2 * root + 1;
     if (child >= size) break;
     if (child + 1 < size && less(heap[child], heap[child + 1])) ++child;
-    if (!less(element, heap[child])) break;
-    heap[root] = heap[child];
+    if (!less(displaced.element(), heap[child])) break;
+    displaced.moveHole(heap + child);
     root = child;
   }
-  heap[root] = element;
 }
 
 template <class T, class Less>
@@ -116,12 +134,26 @@ void sortWithin(T* first, T* last, int levelsLeft, Less& less) {
   insertionSort(first, last, less);
 }
 
+// Whether the range was in order, or is so now because it was in the reverse of it. Looks no
+// further than where neither can be.
+template <class T, class Less>
+bool wasOrdered(T* first, T* last, Less& less) {
+  if (last - first < 2) return true;
+  const bool descends = less(first[1], first[0]);
+  for (T* next = first + 2; next < last; ++next) {
+    if (less(next[0], next[-1]) != descends) return false;
+  }
+  if (descends) std::reverse(first, last);
+  return true;
+}
+
 }  // namespace sorting
 
 // Sorts [first, last); `less(a, b)` says whether a goes before b.
 template <class T, class Less>
 void introspectiveSort(T* first, T* last, Less less) {
   static_assert(std::is_trivially_copyable_v<T>);
+  if (sorting::wasOrdered(first, last, less)) return;
   const auto levels = static_cast<int>(std::bit_width(static_cast<std::size_t>(last - first)));
   sorting::sortWithin(first, last, 2 * levels, less);
 }

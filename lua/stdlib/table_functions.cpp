@@ -2,9 +2,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
@@ -13,6 +13,7 @@
 #include "lua/stdlib/text_builder.h"
 #include "lua/value/completion.h"
 #include "lua/value/metered_work.h"
+#include "lua/value/value_list.h"
 
 // table.remove, concat, sort. A sequence usually stands in the table's array part as a whole, but
 // may go on in the hash part.
@@ -84,6 +85,29 @@ std::size_t expectedLength(const Value& value) noexcept {
   return value.isString() ? value.string->length : kUsualNumberLength;
 }
 
+char* copyBytes(std::string_view bytes, char* out) noexcept {
+  std::memcpy(out, bytes.data(), bytes.size());
+  return out + bytes.size();
+}
+
+// The joined text of strings, of which there is one at least, owned; nil where another value is
+// among them.
+Value joinStrings(Heap& heap, const Value* first, const Value* last, std::string_view separator,
+                  Site site) {
+  std::size_t length = 0;
+  for (const Value* element = first; element != last; ++element) {
+    if (!element->isString()) return Value();
+    length += (element != first ? separator.size() : 0) + element->string->length;
+    if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
+  }
+  StringObject* const joined = createText(heap, length, site);
+  char* out = copyBytes(first->string->view(), joined->data());
+  for (const Value* element = first + 1; element != last; ++element) {
+    out = copyBytes(element->string->view(), copyBytes(separator, out));
+  }
+  return Value(joined);
+}
+
 }  // namespace
 
 Value tableConcat(LuaVM& vm, ValueSpan args, Site site) {
@@ -96,6 +120,11 @@ Value tableConcat(LuaVM& vm, ValueSpan args, Site site) {
   if (count == 0) return interpreter.makeString({});
 
   WorkMeter& meter = interpreter.heap.meter();
+  if (!meter.isSupervised() && count <= static_cast<std::int64_t>(table.arraySize())) {
+    const Value* const first = &table.element(0);
+    const Value joined = joinStrings(interpreter.heap, first, first + count, separator, site);
+    if (!joined.isNil()) return joined;
+  }
   std::size_t length = expectedLength(table.getInteger(1));
   forEachKey(meter, 2, count, site, [&](std::int64_t key) {
     length += separator.size() + expectedLength(table.getInteger(key));
@@ -184,29 +213,34 @@ class CountedOrder {
   Order order_;
 };
 
-// The order in which elements stand while they are being sorted: borrowed values, in the
-// interpreter's own memory, so that sorts nested without end are refused in time.
-class SortedOrder {
+// A copy of a table's elements, which it owns, in the interpreter's own memory, so that sorts
+// nested without end are refused in time.
+class SortedElements {
  public:
-  SortedOrder(Heap& heap, std::size_t count)
-      : first_(static_cast<Value*>(heap.allocate(count * sizeof(Value)))), count_(count) {}
-  ~SortedOrder() { Heap::release(first_, count_ * sizeof(Value)); }
-  SortedOrder(const SortedOrder&) = delete;
-  SortedOrder& operator=(const SortedOrder&) = delete;
+  // `count` is the table's length, at least 1. Throws std::bad_alloc and what ends a run.
+  SortedElements(Heap& heap, const Table& table, std::int64_t count, Site site)
+      : elements_(heap, static_cast<std::size_t>(count)) {
+    forEachKey(heap.meter(), 1, count, site,
+               [&](std::int64_t key) { elements_.push(retain(table.getInteger(key))); });
+  }
 
-  Value* begin() const noexcept { return first_; }
-  Value* end() const noexcept { return first_ + count_; }
+  Value* begin() noexcept { return elements_.begin(); }
+  Value* end() noexcept { return elements_.end(); }
+
+  void moveTo(Table& table) {
+    std::int64_t key = 0;
+    for (Value& element : *this) table.setInteger(++key, std::exchange(element, Value()));
+  }
 
  private:
-  Value* first_;
-  std::size_t count_;
+  ValueList elements_;
 };
 
 bool isNumber(const Value& value) noexcept { return value.isNumber(); }
 bool isString(const Value& value) noexcept { return value.isString(); }
 
 template <class Order>
-void sortBy(WorkMeter& meter, const SortedOrder& elements, Site site) {
+void sortBy(WorkMeter& meter, SortedElements& elements, Site site) {
   if (meter.isSupervised()) {
     introspectiveSort(elements.begin(), elements.end(), CountedOrder<Order>(meter, site));
   } else {
@@ -214,7 +248,7 @@ void sortBy(WorkMeter& meter, const SortedOrder& elements, Site site) {
   }
 }
 
-void sortInDefaultOrder(WorkMeter& meter, const SortedOrder& elements, Site site) {
+void sortInDefaultOrder(WorkMeter& meter, SortedElements& elements, Site site) {
   bool allNumbers = true;
   bool allStrings = true;
   const auto count = static_cast<std::size_t>(elements.end() - elements.begin());
@@ -232,6 +266,22 @@ void sortInDefaultOrder(WorkMeter& meter, const SortedOrder& elements, Site site
   }
 }
 
+// Sorts in the default order without a copy where nothing can end the sort halfway. False, and
+// nothing done, elsewhere.
+bool sortInPlace(const WorkMeter& meter, Table& table, std::int64_t count) {
+  if (meter.isSupervised() || count > static_cast<std::int64_t>(table.arraySize())) return false;
+  Value* const first = &table.element(0);
+  Value* const last = first + count;
+  if (std::all_of(first, last, isNumber)) {
+    introspectiveSort(first, last, NumberOrder());
+  } else if (std::all_of(first, last, isString)) {
+    introspectiveSort(first, last, StringOrder());
+  } else {
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 // Equal elements may change places. An error, or the run's end, leaves the table as it was.
@@ -246,27 +296,19 @@ Value tableSort(LuaVM::Impl& interpreter, Value* frame, std::uint32_t argumentCo
   const std::int64_t count = table.length();
   if (count < 2) return ReturnSignal::noValues();
 
-  // A comparator may change the table and drop what it holds, so a copy shares the elements until
-  // they are written back.
-  const OwnedValue copy(Value(Table::create(interpreter.heap, static_cast<std::uint32_t>(count))));
-  Table& elements = *copy.get().table;
-  const SortedOrder order(interpreter.heap, static_cast<std::size_t>(count));
   WorkMeter& meter = interpreter.heap.meter();
-  forEachKey(meter, 1, count, site, [&](std::int64_t key) {
-    const Value element = table.getInteger(key);
-    elements.setInteger(key, retain(element));
-    new (order.begin() + (key - 1)) Value(element);
-  });
+  if (!hasComparator && sortInPlace(meter, table, count)) return ReturnSignal::noValues();
+  // A comparator may change the table and drop what it holds.
+  SortedElements elements(interpreter.heap, table, count, site);
   if (hasComparator) {
-    introspectiveSort(order.begin(), order.end(), [&](const Value& a, const Value& b) {
+    introspectiveSort(elements.begin(), elements.end(), [&](const Value& a, const Value& b) {
       return interpreter.callPredicate(args[1], a, b, site);
     });
   } else {
-    sortInDefaultOrder(meter, order, site);
+    sortInDefaultOrder(meter, elements, site);
   }
   meter.spend(static_cast<std::uint64_t>(count) / kElementsPerStep, site);
-  std::int64_t key = 0;
-  for (const Value& element : order) table.setInteger(++key, retain(element));
+  elements.moveTo(table);
   return ReturnSignal::noValues();
 }
 

@@ -46,6 +46,12 @@ void TextBuilder::makeRoom(std::size_t bytes) {
   }
 }
 
+void TextBuilder::addFilled(std::size_t bytes) noexcept {
+  StringObject& text = *text_.string;
+  text.length += bytes;
+  text.data()[text.length] = '\0';
+}
+
 void TextBuilder::append(const Value& value) {
   if (value.isString()) return append(value.string->view());
   rendering_.clear();

@@ -5,9 +5,20 @@
 
 namespace tarvel::lua::internal {
 
+Places::Places(Heap& heap, std::string_view text)
+    : lineStarts_(HeapAllocator<std::uint32_t>(heap)), size_(text.size() + 1) {
+  if (size_ > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+  lineStarts_.reserve(static_cast<std::size_t>(std::ranges::count(text, '\n')));
+  for (std::size_t end = text.find('\n'); end != std::string_view::npos;
+       end = text.find('\n', end + 1)) {
+    lineStarts_.push_back(static_cast<std::uint32_t>(end + 1));
+  }
+}
+
 Place Places::operator[](std::uint32_t index) const noexcept {
   const auto nextLine = std::ranges::upper_bound(lineStarts_, index);
-  return {static_cast<std::uint32_t>(nextLine - lineStarts_.begin()), columns_[index]};
+  const std::uint32_t lineStart = nextLine == lineStarts_.begin() ? 0 : *(nextLine - 1);
+  return {static_cast<std::uint32_t>(nextLine - lineStarts_.begin() + 1), index - lineStart + 1};
 }
 
 void SiteRange::clear() noexcept {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,40 +15,25 @@
 
 namespace tarvel::lua::internal {
 
-// Where a token begins: line and column, in bytes, both from 1.
+// Where something stands in a text: line and column, in bytes, both from 1.
 struct Place {
   std::uint32_t line = 0;
   std::uint32_t column = 0;
 };
 
-// A chunk's places, one for each token, in the order of the text. They stay as long as the chunk,
-// so a place takes no more than its column; few people ask for lines.
+// A chunk's places, one for each byte of the text and one for its end, in the order of the text.
+// They stay as long as the chunk, so they take no more than it takes to find the lines.
 class Places {
  public:
-  // A Token has `line` and `column`.
-  template <class Token>
-  Places(Heap& heap, const std::vector<Token>& tokens)
-      : columns_(tokens.size(), HeapAllocator<std::uint32_t>(heap)),
-        lineStarts_(HeapAllocator<std::uint32_t>(heap)) {
-    std::uint32_t* column = columns_.data();
-    std::uint32_t line = 0;
-    for (const Token& token : tokens) {
-      if (token.line > line) {
-        line = token.line;
-        lineStarts_.resize(line, static_cast<std::uint32_t>(column - columns_.data()));
-      }
-      *column++ = token.column;
-    }
-  }
+  // Throws std::bad_alloc, also for a text of 4 GB: sites could not number its bytes.
+  Places(Heap& heap, std::string_view text);
 
-  std::size_t size() const noexcept { return columns_.size(); }
+  std::size_t size() const noexcept { return size_; }
   Place operator[](std::uint32_t index) const noexcept;
 
  private:
-  using Numbers = std::vector<std::uint32_t, HeapAllocator<std::uint32_t>>;
-
-  Numbers columns_;
-  Numbers lineStarts_;  // for each line, how many places are before it
+  std::vector<std::uint32_t, HeapAllocator<std::uint32_t>> lineStarts_;  // from the second line on
+  std::size_t size_;
 };
 
 class SiteTable;

@@ -35,6 +35,8 @@ class ValueList {
 
   std::size_t size() const noexcept { return size_; }
   const Value& operator[](std::size_t index) const noexcept { return values_[index]; }
+  Value* begin() noexcept { return values_; }
+  Value* end() noexcept { return values_ + size_; }
 
  private:
   static constexpr std::size_t kFirstCapacity = 8;

@@ -19,16 +19,20 @@ std::string tokensOf(std::string_view source) {
   std::string text;
   try {
     const TestHeap heap;
-    MemoryCharge memory(heap.get());
+    const Places places(heap.get(), source);
     const std::string chunkName = "t";
-    for (const Token& token : Lexer(source, chunkName, memory).tokenise()) {
+    Lexer lexer(source, chunkName);
+    for (Token token; text.empty() || token.kind != TokenKind::EndOfFile;) {
+      token = lexer.next();
       const char* const kind = token.kind == TokenKind::Identifier ? "name"
                                : token.kind == TokenKind::Integer  ? "integer"
                                : token.kind == TokenKind::Number   ? "float"
                                : token.kind == TokenKind::String   ? "string"
                                                                    : "";
-      text.append(text.empty() ? "" : " ").append(kind).append("(").append(token.text).append(")");
-      text += std::to_string(token.line) + ":" + std::to_string(token.column);
+      text.append(text.empty() ? "" : " ").append(kind).append("(");
+      token.hasEscapes ? appendDecoded(text, token.text) : void(text.append(token.text));
+      const Place place = places[static_cast<std::uint32_t>(token.position)];
+      text += ")" + std::to_string(place.line) + ":" + std::to_string(place.column);
     }
   } catch (const std::runtime_error& error) {
     return error.what();

@@ -394,7 +394,7 @@ TEST_F(Memory, WhatIsFreeServesAgain) {
       "few, texts = nil for i = 1, 10 do string.rep('x', 150000000) end return true");
 }
 
-// What a run returns is copied, and a chunk's tokens and tree take many times its text.
+// What a run returns is copied, and a chunk's tree takes many times its text.
 TEST_F(Memory, RunningOutAroundARunIsAnErrorToo) {
   const auto runOut = [](const std::string& source, bool systemEnforces) {
     LuaVM vm;
@@ -406,8 +406,8 @@ TEST_F(Memory, RunningOutAroundARunIsAnErrorToo) {
   for (const std::string& source : {
            std::string("local a = {1} for i = 1, 40 do a = {a, a} end return a"),
            std::string("local t = {} while true do t = {t} end"),
-           "return {" + repeated("1,", 2000000) + "}",
-           repeated("1 ", 8000000),
+           "return {" + repeated("1,", 8000000) + "}",
+           repeated("f() ", 4000000),
        }) {
     for (const bool systemEnforces : {true, false}) {
       EXPECT_EXIT(runOut(source, systemEnforces), ::testing::ExitedWithCode(0), "");

@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "lua/frontend/lexer.h"
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/value_support.h"
 
@@ -19,9 +18,7 @@ class ParsedChunk {
  public:
   explicit ParsedChunk(std::string_view source, std::uint32_t nestingLimit = 1000) {
     const std::string chunkName = "t";
-    MemoryCharge memory(heap_.get());
-    Parser parser(Lexer(source, chunkName, memory).tokenise(), chunkName, chunk_, strings_,
-                  nestingLimit);
+    Parser parser(source, chunkName, chunk_, strings_, nestingLimit);
     parser.parseChunk();
   }
 
