@@ -1,5 +1,8 @@
 #include <fcntl.h>
 #include <pthread.h>
+#if __has_include(<stdio_ext.h>)
+#include <stdio_ext.h>
+#endif
 #include <tarvel/lua/lua_vm.h>
 #include <unistd.h>
 
@@ -149,6 +152,14 @@ void surviveFileSizeLimit() {
   sigaction(SIGXFSZ, &action, nullptr);
 }
 
+// Only one thread at a time uses standard output here, so each piece of text that a script writes
+// can do without a lock.
+void useOutputWithoutLock() {
+#ifdef FSETLOCKING_BYCALLER
+  __fsetlocking(stdout, FSETLOCKING_BYCALLER);
+#endif
+}
+
 // What a script printed must not get lost silently.
 int finishStandardOutput(int status) {
   const bool failedBefore = std::ferror(stdout) != 0;
@@ -219,5 +230,6 @@ int runWithLargeStack(Arguments arguments) {
 int main(int argc, char** argv) {
   tarvel::lua::occupyStandardDescriptors();
   tarvel::lua::surviveFileSizeLimit();
+  tarvel::lua::useOutputWithoutLock();
   return tarvel::lua::runWithLargeStack({argc, argv});
 }

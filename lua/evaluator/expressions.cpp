@@ -55,6 +55,7 @@ void chooseNegation(UnaryExpr& unary) {
   if (!isLiteral(*unary.operand) || !literalValue(*unary.operand).isNumber()) return;
   unary.constant = negateValue(literalValue(*unary.operand), unary.site);
   unary.execute = evaluateNegatedNumber;
+  unary.leaf = Leaf::Constant;
 }
 
 Value evaluateLength(const Node* node, Value* base) {
@@ -191,6 +192,7 @@ bool testValue(const Node* node, Value* base) {
 void chooseLiteral(LiteralExpr& literal) {
   literal.execute = literal.value.isCounted() ? evaluateStringLiteral : evaluateScalarLiteral;
   literal.test = testLiteral;
+  literal.leaf = Leaf::Constant;
 }
 
 void chooseUnary(UnaryExpr& unary) {

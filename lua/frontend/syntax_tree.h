@@ -97,20 +97,39 @@ enum class ExprKind : std::uint8_t {
   Concat = 9,
 };
 
+// How an operand can be read in place, by the node that uses it: without a call, a reference or any
+// effect (leaves.h). Written by the node's chooser.
+enum class Leaf : std::uint8_t {
+  None,
+  Frame,     // a frame variable
+  Constant,  // a literal, or a negated number
+  Shared,    // a variable that this closure captured, or a global
+  // `a[i]`, `a[i + 2]`, `a[i - 1]` with a frame variable i. The object is a frame variable, an
+  // Element, or any other leaf that is a variable or an access to one.
+  Element,
+  ElementOfElement,
+  ElementOfLeaf,
+  ConstantElement,  // `a[1]` of a frame variable
+  Field,            // `o.f` of a frame variable
+  FieldOfLeaf,
+  Product,  // of two frame variables
+};
+
 struct Expr : Node {
   Expr(ExprKind exprKind, Site nodeSite) : Node(nodeSite), kind(exprKind) {}
 
-  ExprKind kind : 6;
+  ExprKind kind : 4;
+  Leaf leaf : 4 = Leaf::None;
+  TokenKind op : 6 = TokenKind::EndOfFile;  // of a unary or binary operator
   // Evaluating it may run a function of the script or the host: it contains a call, or an access,
   // which may be to a property of a native object.
   bool mayRunCode : 1 = false;
   // A variable, an access path from one whose keys are peekable or run no code, or the length of
   // one.
   bool peekable : 1 = false;
-  TokenKind op = TokenKind::EndOfFile;  // of a unary or binary operator
-  std::uint16_t height = 1;             // levels of the tree from here down; see kDeepestNesting
-  ConditionFunction test = nullptr;     // the value's truthiness
-  NodeFunction peek = nullptr;          // see access_objects.h; only where `peekable` allows it
+  std::uint16_t height = 1;          // levels of the tree from here down; see kDeepestNesting
+  ConditionFunction test = nullptr;  // the value's truthiness
+  NodeFunction peek = nullptr;       // see access_objects.h; only where `peekable` allows it
 };
 
 struct LiteralExpr : Expr {
@@ -226,7 +245,8 @@ struct IndexExpr : Expr {
   Expr* object;
   Expr* key;
   SlotOffset objectOffset = 0;       // of an object that is a frame variable
-  SlotOffset keyOffset = 0;          // of a key that is a frame variable
+  SlotOffset keyOffset = 0;          // of a key that is a frame variable, or one with a bias
+  std::int32_t elementBias = -1;     // what to add to that key, or to 0, for the array's index
   SlotOffset temporariesOffset = 0;  // the object; as a target: the value, then the object
 };
 

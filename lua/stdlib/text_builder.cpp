@@ -46,6 +46,12 @@ void TextBuilder::makeRoom(std::size_t bytes) {
   }
 }
 
+void TextBuilder::addFilled(std::size_t bytes) noexcept {
+  StringObject& text = *text_.string;
+  text.length += bytes;
+  text.data()[text.length] = '\0';
+}
+
 void TextBuilder::appendLong(std::string_view bytes) {
   inPieces(heap_.meter(), bytes, site_,
            [this](std::string_view piece) { text_.string->append(piece); });

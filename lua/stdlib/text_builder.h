@@ -44,6 +44,13 @@ class TextBuilder {
   // Appends the printable form.
   void append(const Value& value);
 
+  // Room for so many more bytes behind the text; those that the caller fills there are added.
+  char* makeSpace(std::size_t bytes) {
+    makeRoom(bytes);
+    return text_.string->data() + text_.string->length;
+  }
+  void addFilled(std::size_t bytes) noexcept;
+
   // The finished string, owned by the caller. The builder is empty afterwards and of no further
   // use.
   Value take() noexcept;
