@@ -86,11 +86,10 @@ IteratorState* IteratorState::createIpairs(Heap& heap, Table& table) {
   return iterator;
 }
 
-IteratorState* IteratorState::createGmatch(Heap& heap, ValueList&& items,
-                                           std::uint32_t valuesPerMatch) {
+IteratorState* IteratorState::createGmatch(Heap& heap, ValueList&& values, Step step) {
   auto* const iterator =
-      new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Gmatch, std::move(items));
-  iterator->itemSize = valuesPerMatch;
+      new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Gmatch, std::move(values));
+  iterator->step = step;
   return iterator;
 }
 

@@ -63,6 +63,13 @@ class Table : public Object {
     return isEntryOf(key, hint) ? entries_[hint].value : Value();
   }
 
+  // The element at an index of the array part; false when that does not reach so far.
+  bool tryElement(std::uint64_t index, Value& out) const noexcept {
+    if (index >= arraySize_) return false;
+    out = array_[index];
+    return true;
+  }
+
   // Store an owned value. On failure (std::bad_alloc) the value is dropped and the table unchanged.
   void set(TableKey key, Value owned);
   void setInteger(std::int64_t key, Value owned) {
