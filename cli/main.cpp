@@ -1,5 +1,8 @@
 #include <fcntl.h>
 #include <pthread.h>
+#if __has_include(<stdio_ext.h>)
+#include <stdio_ext.h>
+#endif
 #include <tarvel/lua/lua_vm.h>
 #include <unistd.h>
 
@@ -90,7 +93,7 @@ int compileScript(LuaVM& vm, Arguments arguments) {
   const std::string path = arguments.at(2);
   const ScriptContainer container{path, readScriptFile(path, "failed to open file: ")};
   try {
-    vm.load(container.source, container.chunkName).value();
+    checkScript(vm, container.source, container.chunkName).value();
   } catch (const LuaException& rejection) {
     throw FailedRun(rejection.what(), helpFor(rejection.error(), container.source));
   }
@@ -147,6 +150,14 @@ void surviveFileSizeLimit() {
   action.sa_handler = [](int) {};
   action.sa_flags = SA_RESTART;
   sigaction(SIGXFSZ, &action, nullptr);
+}
+
+// Only one thread at a time uses standard output here, so each piece of text that a script writes
+// can do without a lock.
+void useOutputWithoutLock() {
+#ifdef FSETLOCKING_BYCALLER
+  __fsetlocking(stdout, FSETLOCKING_BYCALLER);
+#endif
 }
 
 // What a script printed must not get lost silently.
@@ -219,5 +230,6 @@ int runWithLargeStack(Arguments arguments) {
 int main(int argc, char** argv) {
   tarvel::lua::occupyStandardDescriptors();
   tarvel::lua::surviveFileSizeLimit();
+  tarvel::lua::useOutputWithoutLock();
   return tarvel::lua::runWithLargeStack({argc, argv});
 }

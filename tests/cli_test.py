@@ -146,6 +146,18 @@ Usage:
 
 
 class StandardOutputTest(ProgramTest):
+    def test_lines_of_every_length(self):
+        script = self.write("script.lua", """
+            for n = 90, 260 do
+              print(("x"):rep(n), -n, n / 4, "")
+              print("", ("y"):rep(n))
+              io.write(("z"):rep(n), n, "\\n")
+            end""")
+        lines = []
+        for n in range(90, 261):
+            lines.append(f"{'x' * n}\t{-n}\t{n / 4:g}\t\n\t{'y' * n}\n{'z' * n}{n}\n")
+        self.check(script, stdout="".join(lines))
+
     def test_full_device(self):
         error = self.failure(1, "failed")
         at_once = self.failure(1, "failed to write file")

@@ -16,103 +16,123 @@ namespace tarvel::lua::internal {
 
 namespace {
 
-// What the operator's inline cases leave. Takes over the owned operands.
-template <class Op, class Left, class Right>
-[[gnu::noinline]] Value finishArithmetic(const Node* node, Value* base, Value ownedLeft,
-                                         Value ownedRight) {
-  const OwnedValue leftGuard(ownedLeft);
-  const OwnedValue rightGuard(ownedRight);
-  const auto* const binary = static_cast<const BinaryExpr*>(node);
-  return evaluateArithmetic(reload<Left>(binary, base, ownedLeft), Op::kToken,
-                            reload<Right>(binary, base, ownedRight), node->site);
-}
+// Where the result of a node's arithmetic goes, as a policy.
 
-template <class Op>
-struct Arithmetic {
-  using Result = Value;
-
-  template <class Left, class Right>
-  static Value apply(const Node* node, Value* base, Value left, Value right) {
-    Value result;
-    if (tryArithmetic<Op>(left, right, result)) [[likely]]
-      return result;
-    return finishArithmetic<Op, Left, Right>(node, base, onlyOwned<Left>(left),
-                                             onlyOwned<Right>(right));
+struct AsValue {
+  static const BinaryExpr* operation(const Node* node) noexcept {
+    return static_cast<const BinaryExpr*>(node);
   }
-
-  [[gnu::noinline]] static Value rightAfterCounted(const Node* node, Value* base, Value left) {
-    const OwnedValue leftGuard(left);
-    const auto* const binary = static_cast<const BinaryExpr*>(node);
-    const OwnedValue right(evaluateExpression(binary->right, base));
-    return evaluateArithmetic(left, Op::kToken, right.get(), node->site);
-  }
-
-  template <class Left, class Right>
-  struct Execute {
-    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
-      return withOperands<Arithmetic, Left, Right>(static_cast<const BinaryExpr*>(node), node,
-                                                   base);
-    }
-  };
+  static Value put(const Node*, Value*, Value result) noexcept { return result; }
 };
 
-// `x = a + b`, where x is a frame variable that never owns anything: one node for the statement.
-template <class Op>
-struct ArithmeticStore {
-  using Result = Value;
-
-  template <class Left, class Right>
-  static Value apply(const Node* node, Value* base, Value left, Value right) {
-    Value result;
-    if (!tryArithmetic<Op>(left, right, result)) [[unlikely]] {
-      return finish<Left, Right>(node, base, onlyOwned<Left>(left), onlyOwned<Right>(right));
-    }
+// `x = a + b`, where x is a frame variable that owns nothing: one node for the statement.
+struct IntoLocal {
+  static const BinaryExpr* operation(const Node* node) noexcept {
+    return static_cast<const BinaryExpr*>(static_cast<const AssignmentStmt*>(node)->value);
+  }
+  static Value put(const Node* node, Value* base, Value result) noexcept {
     slotAt(base, static_cast<const AssignmentStmt*>(node)->targetOffset) = result;
     return normalCompletion();
   }
+};
+
+template <class Place>
+[[gnu::noinline]] Value putNormalized(const Node* node, Value* base, double result) {
+  return Place::put(node, base, normalizeWhole(result));
+}
+
+// Operands of which at least one has to be evaluated.
+template <class Op, class Place>
+struct Evaluated {
+  using Result = Value;
 
   template <class Left, class Right>
-  [[gnu::noinline]] static Value finish(const Node* node, Value* base, Value ownedLeft,
-                                        Value ownedRight) {
-    const auto* const statement = static_cast<const AssignmentStmt*>(node);
-    slotAt(base, statement->targetOffset) =
-        finishArithmetic<Op, Left, Right>(statement->value, base, ownedLeft, ownedRight);
-    return normalCompletion();
+  [[gnu::always_inline]] static bool tryApply(const Node* node, Value* base, Value left,
+                                              Value right, Value& out) {
+    Value result;
+    const Outcome outcome = tryArithmetic<Op>(left, right, result);
+    if (outcome == Outcome::Nothing) return false;
+    out = outcome == Outcome::Done ? Place::put(node, base, result)
+                                   : putNormalized<Place>(node, base, result.number);
+    return true;
   }
 
-  [[gnu::noinline]] static Value rightAfterCounted(const Node* node, Value* base, Value left) {
-    const auto* const statement = static_cast<const AssignmentStmt*>(node);
-    slotAt(base, statement->targetOffset) =
-        Arithmetic<Op>::rightAfterCounted(statement->value, base, left);
-    return normalCompletion();
+  // Takes over both operands.
+  [[gnu::noinline]] static Value ofOwned(const Node* node, Value* base, Value left, Value right) {
+    const OwnedValue leftGuard(left);
+    const OwnedValue rightGuard(right);
+    Value result;
+    if (tryApply<LeftOther, RightOther>(node, base, left, right, result)) return result;
+    const Site site = Place::operation(node)->site;
+    return Place::put(node, base, evaluateArithmetic(left, Op::kToken, right, site));
   }
 
+  template <class Right>
+  [[gnu::noinline]] static Value rightAfter(const Node* node, Value* base, Value left) {
+    OwnedValue leftGuard(left);
+    const Value right = evaluateExpression(Place::operation(node)->right, base);
+    return ofOwned(node, base, leftGuard.take(), right);
+  }
+
+  // The left operand is a frame variable or a literal.
+  [[gnu::noinline]] static Value leftBehind(const Node* node, Value* base, Value right) {
+    return ofOwned(node, base, evaluateExpression(Place::operation(node)->left, base), right);
+  }
+
+  [[gnu::noinline]] static Value evaluateBoth(const Node* node, Value* base) {
+    Value left;
+    Value right;
+    Value result;
+    return withEvaluated<Evaluated, LeftOther, RightOther>(Place::operation(node), node, base, left,
+                                                           right, result);
+  }
+};
+
+template <class Op, class Place>
+struct Arithmetic {
   template <class Left, class Right>
   struct Execute {
-    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
-      const auto* const value =
-          static_cast<const BinaryExpr*>(static_cast<const AssignmentStmt*>(node)->value);
-      return withOperands<ArithmeticStore, Left, Right>(value, node, base);
+    static Value run(const Node* node, Value* base) {
+      const BinaryExpr* const operation = Place::operation(node);
+      Value left;
+      Value right;
+      Value result;
+      if constexpr (Left::kInPlace && Right::kInPlace) {
+        if (!Left::tryLoad(operation, base, left) || !Right::tryLoad(operation, base, right))
+            [[unlikely]] {
+          return Evaluated<Op, Place>::evaluateBoth(node, base);
+        }
+        const Outcome outcome = tryArithmetic<Op>(left, right, result);
+        if (outcome == Outcome::Done) [[likely]]
+          return Place::put(node, base, result);
+        if (outcome == Outcome::Float) return putNormalized<Place>(node, base, result.number);
+        return Evaluated<Op, Place>::evaluateBoth(node, base);
+      } else {
+        return withEvaluated<Evaluated<Op, Place>, Left, Right>(operation, node, base, left, right,
+                                                                result);
+      }
     }
   };
 };
 
-constexpr std::size_t kShapes = std::tuple_size_v<LeftOperands>;
-
-// The entry of `Form`, Arithmetic or ArithmeticStore, for an operator and its operands' shapes.
-template <template <class> class Form>
+template <class Place>
 NodeFunction functionFor(TokenKind op, OperandShapes shapes) {
   switch (op) {
     case TokenKind::Plus:
-      return chooseByShapes<Form<Add>::template Execute, NodeFunction, kShapes>(shapes);
+      return chooseByShapes<Arithmetic<Add, Place>::template Execute, NodeFunction, kAllShapes>(
+          shapes);
     case TokenKind::Minus:
-      return chooseByShapes<Form<Subtract>::template Execute, NodeFunction, kShapes>(shapes);
+      return chooseByShapes<Arithmetic<Subtract, Place>::template Execute, NodeFunction,
+                            kAllShapes>(shapes);
     case TokenKind::Star:
-      return chooseByShapes<Form<Multiply>::template Execute, NodeFunction, kShapes>(shapes);
+      return chooseByShapes<Arithmetic<Multiply, Place>::template Execute, NodeFunction,
+                            kAllShapes>(shapes);
     case TokenKind::Slash:
-      return chooseByShapes<Form<Divide>::template Execute, NodeFunction, kShapes>(shapes);
+      return chooseByShapes<Arithmetic<Divide, Place>::template Execute, NodeFunction, kAllShapes>(
+          shapes);
     case TokenKind::Percent:
-      return chooseByShapes<Form<Modulo>::template Execute, NodeFunction, kShapes>(shapes);
+      return chooseByShapes<Arithmetic<Modulo, Place>::template Execute, NodeFunction, kAllShapes>(
+          shapes);
     default:
       unreachable("not an arithmetic operator");
   }
@@ -121,14 +141,19 @@ NodeFunction functionFor(TokenKind op, OperandShapes shapes) {
 }  // namespace
 
 void chooseArithmetic(BinaryExpr& node) {
-  node.execute = functionFor<Arithmetic>(node.op, placeOperands(node));
+  const OperandShapes shapes = placeOperands(node);
+  node.execute = functionFor<AsValue>(node.op, shapes);
   node.test = testValue;
+  if (node.op == TokenKind::Star && shapes.left == OperandShape::Frame &&
+      shapes.right == OperandShape::Frame) {
+    node.leaf = Leaf::Product;
+  }
 }
 
 void chooseArithmeticStore(AssignmentStmt& statement) {
   const auto& value = static_cast<const BinaryExpr&>(*statement.value);
   assert(isChosen(value));
-  statement.execute = functionFor<ArithmeticStore>(value.op, operandShapes(value));
+  statement.execute = functionFor<IntoLocal>(value.op, operandShapes(value));
 }
 
 }  // namespace tarvel::lua::internal

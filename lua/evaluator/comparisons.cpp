@@ -1,5 +1,5 @@
 #include <cassert>
-#include <cstddef>
+#include <type_traits>
 
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/node_functions.h"
@@ -97,98 +97,141 @@ struct EqualityRule {
       out = isSame == WhenEqual;
       return isSame || firstByte(left.string) != firstByte(right.string);
     }
-    return false;
+    if (!left.isNumber() || !right.isNumber()) return false;
+    out = numbersEqual(left, right) == WhenEqual;
+    return true;
   }
   static bool decide(const Node*, const Value& left, const Value& right) noexcept {
     return valuesEqual(left, right) == WhenEqual;
   }
 };
 
-template <class Rule, class Left, class Right>
-[[gnu::noinline]] bool finishComparison(const Node* node, Value* base, Value ownedLeft,
-                                        Value ownedRight) {
-  const OwnedValue leftGuard(ownedLeft);
-  const OwnedValue rightGuard(ownedRight);
-  const auto* const binary = static_cast<const BinaryExpr*>(node);
-  return Rule::decide(node, reload<Left>(binary, base, ownedLeft),
-                      reload<Right>(binary, base, ownedRight));
-}
-
+// Operands of which at least one has to be evaluated.
 template <class Rule>
-struct Comparison {
+struct Evaluated {
   using Result = bool;
 
   template <class Left, class Right>
-  static bool apply(const Node* node, Value* base, Value left, Value right) {
-    bool result = false;
-    if (Rule::template tryFast<Left::kOwned, Right::kOwned>(left, right, result)) [[likely]]
-      return result;
-    return finishComparison<Rule, Left, Right>(node, base, onlyOwned<Left>(left),
-                                               onlyOwned<Right>(right));
+  [[gnu::always_inline]] static bool tryApply(const Node*, Value*, Value left, Value right,
+                                              bool& out) noexcept {
+    return Rule::template tryFast<!Left::kInPlace, !Right::kInPlace>(left, right, out);
   }
 
-  [[gnu::noinline]] static bool rightAfterCounted(const Node* node, Value* base, Value left) {
+  // Takes over both operands.
+  [[gnu::noinline]] static bool ofOwned(const Node* comparison, Value*, Value left, Value right) {
     const OwnedValue leftGuard(left);
-    const auto* const binary = static_cast<const BinaryExpr*>(node);
-    const OwnedValue right(evaluateExpression(binary->right, base));
-    return Rule::decide(node, left, right.get());
+    const OwnedValue rightGuard(right);
+    return Rule::decide(comparison, left, right);
   }
 
+  template <class Right>
+  [[gnu::noinline]] static bool rightAfter(const Node* node, Value* base, Value left) {
+    OwnedValue leftGuard(left);
+    const auto* const comparison = static_cast<const BinaryExpr*>(node);
+    Value right;
+    if constexpr (std::is_same_v<Right, Constant>) {
+      right = retain(comparison->constant);  // needs no base, so the common path need not keep it
+    } else {
+      right = evaluateExpression(comparison->right, base);
+    }
+    return ofOwned(node, base, leftGuard.take(), right);
+  }
+
+  // The left operand is a frame variable or a literal.
+  [[gnu::noinline]] static bool leftBehind(const Node* comparison, Value* base, Value right) {
+    const Value left = evaluateExpression(static_cast<const BinaryExpr*>(comparison)->left, base);
+    return ofOwned(comparison, base, left, right);
+  }
+
+  [[gnu::noinline]] static bool evaluateBoth(const Node* node, Value* base) {
+    const auto* const comparison = static_cast<const BinaryExpr*>(node);
+    Value left;
+    Value right;
+    bool result = false;
+    if (tryOperand(comparison->left, base, left) && tryOperand(comparison->right, base, right))
+      return Rule::decide(node, left, right);
+    return withEvaluated<Evaluated, LeftOther, RightOther>(comparison, comparison, base, left,
+                                                           right, result);
+  }
+};
+
+const IfStmt* asIf(const Node* node) noexcept { return static_cast<const IfStmt*>(node); }
+
+// Goes on where an `if` has been decided.
+[[gnu::always_inline]] inline Value branch(const Node* statement, Value* base, bool condition) {
+  if (condition) return executeStatement(asIf(statement)->thenNode, base);
+  const Node* const otherwise = asIf(statement)->otherwiseNode;
+  return otherwise == nullptr ? normalCompletion() : executeStatement(otherwise, base);
+}
+
+// For operands that could not be read in place, or that tryFast leaves.
+template <class Rule>
+[[gnu::noinline]] Value branchEvaluated(const Node* statement, Value* base) {
+  return branch(statement, base, Evaluated<Rule>::evaluateBoth(asIf(statement)->condition, base));
+}
+
+template <class Operand>
+constexpr bool kHasShortWay = Operand::kInPlace && !Operand::kIsOfAnyKind;
+
+template <class Rule>
+struct Comparison {
   template <class Left, class Right>
   struct Condition {
-    [[gnu::flatten]] static bool run(const Node* node, Value* base) {
-      return withOperands<Comparison, Left, Right>(static_cast<const BinaryExpr*>(node), node,
-                                                   base);
+    static bool run(const Node* node, Value* base) {
+      const auto* const comparison = static_cast<const BinaryExpr*>(node);
+      Value left;
+      Value right;
+      bool result = false;
+      if constexpr (Left::kInPlace && Right::kInPlace) {
+        if (!Left::tryLoad(comparison, base, left) || !Right::tryLoad(comparison, base, right))
+            [[unlikely]] {
+          return Evaluated<Rule>::evaluateBoth(node, base);
+        }
+        if (Rule::template tryFast<false, false>(left, right, result)) [[likely]]
+          return result;
+        return Evaluated<Rule>::evaluateBoth(node, base);
+      } else {
+        return withEvaluated<Evaluated<Rule>, Left, Right>(comparison, node, base, left, right,
+                                                           result);
+      }
     }
   };
 
   template <class Left, class Right>
   struct AsValue {
     [[gnu::flatten]] static Value run(const Node* node, Value* base) {
-      return Value(Condition<Left, Right>::run(node, base));
+      if constexpr (kHasShortWay<Left> && kHasShortWay<Right>) {
+        return Value(Condition<Left, Right>::run(node, base));
+      } else {
+        return Value(evaluateCondition(static_cast<const BinaryExpr*>(node), base));
+      }
     }
   };
 
-  // `if` on this comparison, with nothing or something to do when it is false.
+  // `if` on this comparison.
   template <class Left, class Right>
   struct If {
-    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
-      const auto* const statement = static_cast<const IfStmt*>(node);
-      if (!Condition<Left, Right>::run(statement->condition, base)) return normalCompletion();
-      return executeStatement(statement->thenNode, base);
-    }
-  };
-
-  template <class Left, class Right>
-  struct IfElse {
-    [[gnu::flatten]] static Value run(const Node* node, Value* base) {
-      const auto* const statement = static_cast<const IfStmt*>(node);
-      const Node* const chosen = Condition<Left, Right>::run(statement->condition, base)
-                                     ? statement->thenNode
-                                     : statement->otherwiseNode;
-      return executeStatement(chosen, base);
+    static Value run(const Node* node, Value* base) {
+      const auto* const condition = static_cast<const BinaryExpr*>(asIf(node)->condition);
+      Value left;
+      Value right;
+      bool result = false;
+      if constexpr (Left::kInPlace && Right::kInPlace) {
+        if (!Left::tryLoad(condition, base, left) || !Right::tryLoad(condition, base, right))
+            [[unlikely]] {
+          return branchEvaluated<Rule>(node, base);
+        }
+        if (!Rule::template tryFast<false, false>(left, right, result)) [[unlikely]]
+          return branchEvaluated<Rule>(node, base);
+        return branch(node, base, result);
+      } else {
+        result = withEvaluated<Evaluated<Rule>, Left, Right>(condition, condition, base, left,
+                                                             right, result);
+        return branch(node, base, result);
+      }
     }
   };
 };
-
-// Products are rare here, so the last shape has no functions.
-constexpr std::size_t kShapes = static_cast<std::size_t>(OperandShape::Product);
-static_assert(kShapes + 1 == std::tuple_size_v<LeftOperands>);
-
-// A field is tried as a number, which is useless where it is compared with a literal that is none.
-OperandShapes comparisonShapes(const BinaryExpr& node) noexcept {
-  OperandShapes shapes = operandShapes(node);
-  const auto isOtherLiteral = [](const Expr& operand) {
-    return isLiteral(operand) && !literalValue(operand).isNumber();
-  };
-  if (shapes.left == OperandShape::Field && isOtherLiteral(*node.right)) {
-    shapes.left = OperandShape::Other;
-  }
-  if (shapes.right == OperandShape::Field && isOtherLiteral(*node.left)) {
-    shapes.right = OperandShape::Other;
-  }
-  return shapes;
-}
 
 // Calls `use` with the Comparison of an operator.
 template <class Use>
@@ -214,11 +257,10 @@ void withComparison(TokenKind op, Use use) {
 }  // namespace
 
 void chooseComparison(BinaryExpr& node) {
-  placeOperands(node);
-  const OperandShapes shapes = comparisonShapes(node);
+  const OperandShapes shapes = placeOperands(node);
   withComparison(node.op, [&]<class Kind>(Kind) {
-    node.execute = chooseByShapes<Kind::template AsValue, NodeFunction, kShapes>(shapes);
-    node.test = chooseByShapes<Kind::template Condition, ConditionFunction, kShapes>(shapes);
+    node.execute = chooseByShapes<Kind::template AsValue, NodeFunction, kCommonShapes>(shapes);
+    node.test = chooseByShapes<Kind::template Condition, ConditionFunction, kCommonShapes>(shapes);
   });
 }
 
@@ -227,12 +269,9 @@ bool chooseFusedIf(IfStmt& statement) {
   const auto& condition = static_cast<const BinaryExpr&>(*statement.condition);
   if (!isComparison(condition.op)) return false;
   assert(isChosen(condition));
-  const bool hasElse = statement.otherwiseNode != nullptr;
-  const OperandShapes shapes = comparisonShapes(condition);
+  const OperandShapes shapes = operandShapes(condition);
   withComparison(condition.op, [&]<class Kind>(Kind) {
-    statement.execute = hasElse
-                            ? chooseByShapes<Kind::template IfElse, NodeFunction, kShapes>(shapes)
-                            : chooseByShapes<Kind::template If, NodeFunction, kShapes>(shapes);
+    statement.execute = chooseByShapes<Kind::template If, NodeFunction, kCommonShapes>(shapes);
   });
   return true;
 }

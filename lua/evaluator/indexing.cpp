@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <string>
 #include <type_traits>
 
@@ -277,11 +278,57 @@ void chooseKey(IndexExpr& index) {
   }
 }
 
+constexpr std::int64_t kMostBias = 1 << 30;
+
 template <class Object>
 void chooseFieldObject(FieldExpr& field) {
   field.execute = readField<Object>;
   field.peek = peekField<Object>;
   field.test = testField<Object>;
+}
+
+// ---- In place -----------------------------------------------------------------------------------
+
+bool isLeafObject(const Expr& object) noexcept {
+  return object.leaf == Leaf::Shared || object.leaf == Leaf::Element || object.leaf == Leaf::Field;
+}
+
+Leaf fieldLeaf(const FieldExpr& field) noexcept {
+  if (field.object->leaf == Leaf::Frame) return Leaf::Field;
+  return isLeafObject(*field.object) ? Leaf::FieldOfLeaf : Leaf::None;
+}
+
+// Notes in the node what to add to a key that is a frame variable, or `i + 2` or `i - 1` with one
+// i. A key that is neither is no leaf.
+bool placeKey(IndexExpr& index) noexcept {
+  if (isFrameVariable(*index.key)) {
+    index.keyOffset = frameOffsetOf(*index.key);
+    return true;
+  }
+  if (index.key->kind != ExprKind::Binary) return false;
+  const auto& sum = static_cast<const BinaryExpr&>(*index.key);
+  if (sum.left->leaf != Leaf::Frame || sum.right->leaf != Leaf::Constant) return false;
+  if (sum.op != TokenKind::Plus && sum.op != TokenKind::Minus) return false;
+  const Value distance = literalValue(*sum.right);
+  if (!distance.isInteger() || std::abs(distance.integer) > kMostBias) return false;
+  const auto bias = static_cast<std::int32_t>(distance.integer);
+  index.keyOffset = frameOffsetOf(*sum.left);
+  index.elementBias += sum.op == TokenKind::Plus ? bias : -bias;
+  return true;
+}
+
+Leaf indexLeaf(IndexExpr& index) noexcept {
+  const Expr& object = *index.object;
+  if (placeKey(index)) {
+    if (object.leaf == Leaf::Frame) return Leaf::Element;
+    if (object.leaf == Leaf::Element) return Leaf::ElementOfElement;
+    return isLeafObject(object) ? Leaf::ElementOfLeaf : Leaf::None;
+  }
+  if (index.key->leaf != Leaf::Constant || object.leaf != Leaf::Frame) return Leaf::None;
+  const Value key = literalValue(*index.key);
+  if (!key.isInteger() || key.integer < 1 || key.integer > kMostBias) return Leaf::None;
+  index.elementBias = static_cast<std::int32_t>(key.integer - 1);
+  return Leaf::ConstantElement;
 }
 
 bool isGlobalVariable(const Expr& expression) noexcept {
@@ -306,6 +353,7 @@ Value evaluatePath(const Expr* path, Value* base) {
 }
 
 void chooseField(FieldExpr& field) {
+  field.leaf = fieldLeaf(field);
   if (isFrameVariable(*field.object)) {
     field.objectOffset = frameOffsetOf(*field.object);
     chooseFieldObject<FrameObject>(field);
@@ -320,7 +368,7 @@ void chooseField(FieldExpr& field) {
 }
 
 void chooseIndex(IndexExpr& index) {
-  if (isFrameVariable(*index.key)) index.keyOffset = frameOffsetOf(*index.key);
+  index.leaf = indexLeaf(index);
   if (isFrameVariable(*index.object)) {
     index.objectOffset = frameOffsetOf(*index.object);
     chooseKey<FrameObject>(index);

@@ -11,71 +11,90 @@
 
 namespace tarvel::lua::internal {
 
-// Each operator: its result for two integers and for two floats. False leaves the case to the rules
-// out of line.
+enum class Outcome : std::uint8_t {
+  Done,
+  Float,    // a float, which normalizeWhole has yet to see
+  Nothing,  // left to the rules out of line
+};
+
+inline Outcome doneIf(bool isDone) noexcept { return isDone ? Outcome::Done : Outcome::Nothing; }
+
+inline Outcome floatOutcome(double result, Value& out) noexcept {
+  out = Value(result);
+  return isClearlyFractional(result) ? Outcome::Done : Outcome::Float;
+}
+
+// Each operator: its result for two integers and for two floats.
 
 struct Add {
   static constexpr TokenKind kToken = TokenKind::Plus;
-  static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
+  static Outcome integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
     out.tag = kInteger;
-    return !__builtin_add_overflow(a, b, &out.integer);
+    return doneIf(!__builtin_add_overflow(a, b, &out.integer));
   }
-  static bool floats(double a, double b, Value& out) noexcept {
-    out = Value(a + b);
-    return isClearlyFractional(out.number);
+  static Outcome floats(double a, double b, Value& out) noexcept {
+    return floatOutcome(a + b, out);
   }
 };
 
 struct Subtract {
   static constexpr TokenKind kToken = TokenKind::Minus;
-  static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
+  static Outcome integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
     out.tag = kInteger;
-    return !__builtin_sub_overflow(a, b, &out.integer);
+    return doneIf(!__builtin_sub_overflow(a, b, &out.integer));
   }
-  static bool floats(double a, double b, Value& out) noexcept {
-    out = Value(a - b);
-    return isClearlyFractional(out.number);
+  static Outcome floats(double a, double b, Value& out) noexcept {
+    return floatOutcome(a - b, out);
   }
 };
 
 struct Multiply {
   static constexpr TokenKind kToken = TokenKind::Star;
-  static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
+  static Outcome integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
     out.tag = kInteger;
-    return !__builtin_mul_overflow(a, b, &out.integer);
+    return doneIf(!__builtin_mul_overflow(a, b, &out.integer));
   }
-  static bool floats(double a, double b, Value& out) noexcept {
-    out = Value(a * b);
-    return isClearlyFractional(out.number);
+  static Outcome floats(double a, double b, Value& out) noexcept {
+    return floatOutcome(a * b, out);
   }
 };
 
 struct Divide {
   static constexpr TokenKind kToken = TokenKind::Slash;
-  static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
+  static Outcome integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
     out = Value(static_cast<double>(a) / static_cast<double>(b));
-    return b != 0;
+    return doneIf(b != 0);
   }
-  static bool floats(double a, double b, Value& out) noexcept {
+  static Outcome floats(double a, double b, Value& out) noexcept {
     out = Value(a / b);
-    return !isZeroDivisor(b);
+    return doneIf(!isZeroDivisor(b));
   }
 };
 
 struct Modulo {
   static constexpr TokenKind kToken = TokenKind::Percent;
-  static bool integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
+  static Outcome integers(std::int64_t a, std::int64_t b, Value& out) noexcept {
     // A 32-bit division is several times as fast on many processors.
-    if (static_cast<std::uint64_t>(a | b) >> 32 != 0 || b == 0) return false;
-    out = Value(
-        static_cast<std::int64_t>(static_cast<std::uint32_t>(a) % static_cast<std::uint32_t>(b)));
-    return true;
+    if (static_cast<std::uint64_t>(a | b) >> 32 == 0 && b != 0) [[likely]] {
+      out = Value(
+          static_cast<std::int64_t>(static_cast<std::uint32_t>(a) % static_cast<std::uint32_t>(b)));
+      return Outcome::Done;
+    }
+    if (b <= 0) return Outcome::Nothing;
+    out = Value(a % b);
+    return Outcome::Done;
   }
-  static bool floats(double, double, Value&) noexcept { return false; }
+  // Of whole floats, as `n / 2` gives them: the remainder of exact floats is exact.
+  static Outcome floats(double a, double b, Value& out) noexcept {
+    std::int64_t dividend = 0;
+    std::int64_t divisor = 0;
+    if (!exactInteger(a, dividend) || !exactInteger(b, divisor)) return Outcome::Nothing;
+    return integers(dividend, divisor, out);
+  }
 };
 
 template <class Op>
-inline bool tryArithmetic(Value left, Value right, Value& out) noexcept {
+[[gnu::always_inline]] inline Outcome tryArithmetic(Value left, Value right, Value& out) noexcept {
   if (left.tag == kInteger && right.tag == kInteger) [[likely]] {
     return Op::integers(left.integer, right.integer, out);
   }
@@ -84,7 +103,7 @@ inline bool tryArithmetic(Value left, Value right, Value& out) noexcept {
   }
   double a = 0;
   double b = 0;
-  if (!tryAsFloat(left, a) || !tryAsFloat(right, b)) return false;
+  if (!tryAsFloat(left, a) || !tryAsFloat(right, b)) return Outcome::Nothing;
   return Op::floats(a, b, out);
 }
 

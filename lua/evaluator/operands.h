@@ -4,211 +4,180 @@
 #include <cassert>
 #include <cstddef>
 #include <tuple>
-#include <type_traits>
 #include <utility>
 
 #include "lua/evaluator/execute.h"
-#include "lua/evaluator/inline_arithmetic.h"
+#include "lua/evaluator/leaves.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/frontend/syntax_tree.h"
-#include "lua/value/table.h"
 #include "lua/value/value.h"
 
-// Operand policies: how the functions of binary operators get at an operand. A frame variable and a
-// literal are borrowed and can be read at any time, also after the other operand has run, because
-// no callee can change them. A field or a product of frame variables is tried in place: where it
-// gives a number without any effect, that is the operand. Any other operand is evaluated in its
-// turn and owned; `Any` is the policy after a try that failed.
+// Operand policies: how the functions of binary operators get at an operand. One that is in place
+// is borrowed and read without any effect: a frame variable and a literal always, and also after
+// the other operand has run, because no callee can change them; a leaf where it can be (leaves.h).
+// Any other operand is evaluated in its turn and owned.
 
 namespace tarvel::lua::internal {
 
 struct LeftFrame {
-  using Any = LeftFrame;
-  static constexpr bool kOwned = false;
-  static constexpr bool kTried = false;
-  static Value load(const BinaryExpr* node, Value* base) noexcept {
-    return slotAt(base, node->leftOffset);
+  static constexpr bool kInPlace = true;
+  static constexpr bool kIsLeaf = false;
+  static constexpr bool kIsOfAnyKind = false;
+  static bool tryLoad(const BinaryExpr* node, Value* base, Value& out) noexcept {
+    out = slotAt(base, node->leftOffset);
+    return true;
   }
 };
 
 struct RightFrame {
-  using Any = RightFrame;
-  static constexpr bool kOwned = false;
-  static constexpr bool kTried = false;
-  static Value load(const BinaryExpr* node, Value* base) noexcept {
-    return slotAt(base, node->rightOffset);
+  static constexpr bool kInPlace = true;
+  static constexpr bool kIsLeaf = false;
+  static constexpr bool kIsOfAnyKind = false;
+  static bool tryLoad(const BinaryExpr* node, Value* base, Value& out) noexcept {
+    out = slotAt(base, node->rightOffset);
+    return true;
   }
 };
 
 struct Constant {
-  using Any = Constant;
-  static constexpr bool kOwned = false;
-  static constexpr bool kTried = false;
-  static Value load(const BinaryExpr* node, Value*) noexcept { return node->constant; }
-};
-
-struct LeftOther {
-  using Any = LeftOther;
-  static constexpr bool kOwned = true;
-  static constexpr bool kTried = false;
-  static Value load(const BinaryExpr* node, Value* base) {
-    return evaluateExpression(node->left, base);
+  static constexpr bool kInPlace = true;
+  static constexpr bool kIsLeaf = false;
+  static constexpr bool kIsOfAnyKind = false;
+  static bool tryLoad(const BinaryExpr* node, Value*, Value& out) noexcept {
+    out = node->constant;
+    return true;
   }
 };
 
-struct RightOther {
-  using Any = RightOther;
-  static constexpr bool kOwned = true;
-  static constexpr bool kTried = false;
-  static Value load(const BinaryExpr* node, Value* base) {
-    return evaluateExpression(node->right, base);
-  }
-};
+using TryLeaf = bool (*)(const Expr*, Value*, Value&) noexcept;
 
-// A field that holds a number, of a record that a frame variable holds, and which the hint finds.
-inline bool tryField(const Expr* operand, Value* base, Value& out) noexcept {
-  const auto* const field = static_cast<const FieldExpr*>(operand);
-  const Value object = slotAt(base, field->objectOffset);
-  if (object.tag != kTable) return false;
-  out = object.table->getHinted(field->name, field->hint);
-  return out.isNumber();
-}
-
-// The product of two frame variables that hold numbers.
-inline bool tryProduct(const Expr* operand, Value* base, Value& out) noexcept {
-  const auto* const product = static_cast<const BinaryExpr*>(operand);
-  return tryArithmetic<Multiply>(LeftFrame::load(product, base), RightFrame::load(product, base),
-                                 out);
-}
-
-template <bool (*Try)(const Expr*, Value*, Value&) noexcept>
-struct LeftTried {
-  using Any = LeftOther;
-  static constexpr bool kOwned = true;
-  static constexpr bool kTried = true;
-  static bool tryLoad(const BinaryExpr* node, Value* base, Value& out) noexcept {
+template <TryLeaf Try>
+struct Left {
+  static constexpr bool kInPlace = true;
+  static constexpr bool kIsLeaf = true;
+  static constexpr bool kIsOfAnyKind = Try == tryLeaf;
+  [[gnu::always_inline]] static bool tryLoad(const BinaryExpr* node, Value* base,
+                                             Value& out) noexcept {
     return Try(node->left, base, out);
   }
 };
 
-template <bool (*Try)(const Expr*, Value*, Value&) noexcept>
-struct RightTried {
-  using Any = RightOther;
-  static constexpr bool kOwned = true;
-  static constexpr bool kTried = true;
-  static bool tryLoad(const BinaryExpr* node, Value* base, Value& out) noexcept {
+template <TryLeaf Try>
+struct Right {
+  static constexpr bool kInPlace = true;
+  static constexpr bool kIsLeaf = true;
+  static constexpr bool kIsOfAnyKind = Try == tryLeaf;
+  [[gnu::always_inline]] static bool tryLoad(const BinaryExpr* node, Value* base,
+                                             Value& out) noexcept {
     return Try(node->right, base, out);
   }
 };
 
-using LeftField = LeftTried<tryField>;
-using RightField = RightTried<tryField>;
-using LeftProduct = LeftTried<tryProduct>;
-using RightProduct = RightTried<tryProduct>;
+struct LeftOther {
+  static constexpr bool kInPlace = false;
+  static constexpr bool kIsLeaf = false;
+  static constexpr bool kIsOfAnyKind = false;
+};
 
-// An operand for code off the common path: what was evaluated where it is owned, otherwise loaded
-// again, so that the common path need not keep it at hand.
-template <class Operand>
-inline Value reload(const BinaryExpr* node, Value* base, Value owned) {
-  if constexpr (Operand::kOwned) {
-    return owned;
-  } else {
-    return Operand::load(node, base);
-  }
-}
-template <class Operand>
-inline Value onlyOwned(Value operand) noexcept {
-  return Operand::kOwned ? operand : Value();
-}
+struct RightOther {
+  static constexpr bool kInPlace = false;
+  static constexpr bool kIsLeaf = false;
+  static constexpr bool kIsOfAnyKind = false;
+};
 
-// Evaluates the operands of `node` and passes them to `Use::apply<Left, Right>(statement, base,
-// left, right)`, which drops those that are owned, also when it raises an error. `statement` is the
-// node that is being executed: the operator itself, or a statement that it is fused into.
+// Evaluates the operands of `node`, of which at least one is not in place, and passes them to
+// `Use::tryApply`, which does the common cases. The other functions of `Use` have the rest: they
+// take over what has been evaluated and load again what is in place, so that the common path need
+// not keep it at hand. `statement` is the node that is being executed: the operator itself, or a
+// statement that it is fused into. The caller provides the variables: with variables of its own,
+// once it is inlined, the compiler would not let the caller end in a jump.
 template <class Use, class Left, class Right>
-typename Use::Result withOperands(const BinaryExpr* node, const Node* statement, Value* base);
-
-// Evaluates the right operand behind an owned left one.
-template <class Right>
-inline Value loadRight(const BinaryExpr* node, Value* base) {
-  if constexpr (Right::kTried) {
-    Value right;
-    return Right::tryLoad(node, base, right) ? right : Right::Any::load(node, base);
-  } else {
-    return Right::load(node, base);
-  }
-}
-
-// Starts over, with nothing tried. Out of line, so that the tries need no frame of their own.
-template <class Use, class Left, class Right>
-[[gnu::noinline]] typename Use::Result withAnyOperands(const BinaryExpr* node,
-                                                       const Node* statement, Value* base) {
-  return withOperands<Use, typename Left::Any, typename Right::Any>(node, statement, base);
-}
-
-template <class Use, class Left, class Right>
-inline typename Use::Result withOperands(const BinaryExpr* node, const Node* statement,
-                                         Value* base) {
-  Value left;
-  Value right;
-  if constexpr (Left::kTried) {
-    if (!Left::tryLoad(node, base, left)) [[unlikely]]
-      return withAnyOperands<Use, Left, Right>(node, statement, base);
-  } else if constexpr (Left::kOwned) {
-    left = Left::load(node, base);
-    if constexpr (Right::kOwned) {
-      // Evaluating the right operand may raise an error, which must not lose the left one.
+[[gnu::always_inline]] inline typename Use::Result withEvaluated(const BinaryExpr* node,
+                                                                 const Node* statement, Value* base,
+                                                                 Value& left, Value& right,
+                                                                 typename Use::Result& result) {
+  if constexpr (!Left::kInPlace) {
+    left = evaluateExpression(node->left, base);
+    // Evaluating the right operand may raise an error, which must not lose the left one.
+    if constexpr (!Right::kInPlace || Right::kIsLeaf) {
       if (left.isCounted()) [[unlikely]]
-        return Use::rightAfterCounted(statement, base, left);
+        return Use::template rightAfter<Right>(statement, base, left);
     }
+  } else if constexpr (Left::kIsLeaf) {
+    // What stands there may change, so only what needs no reference is taken in advance.
+    if (!Left::tryLoad(node, base, left) || left.isCounted()) [[unlikely]]
+      return Use::evaluateBoth(statement, base);
   }
-  if constexpr (Right::kTried && (Left::kTried || !Left::kOwned)) {
+  if constexpr (Right::kInPlace) {
     if (!Right::tryLoad(node, base, right)) [[unlikely]]
-      return withAnyOperands<Use, Left, Right>(node, statement, base);
+      return Use::template rightAfter<Right>(statement, base, left);
   } else {
-    right = loadRight<Right>(node, base);
+    right = evaluateExpression(node->right, base);
   }
-  if constexpr (!Left::kOwned) left = Left::load(node, base);
-  return Use::template apply<Left, Right>(statement, base, left, right);
+  if constexpr (Left::kInPlace && !Left::kIsLeaf) {
+    Left::tryLoad(node, base, left);
+  }
+  if (Use::template tryApply<Left, Right>(statement, base, left, right, result)) [[likely]]
+    return result;
+  if constexpr (Right::kInPlace) {
+    return Use::template rightAfter<Right>(statement, base, left);
+  } else if constexpr (Left::kInPlace && !Left::kIsLeaf) {
+    return Use::leftBehind(statement, base, right);
+  } else {
+    return Use::ofOwned(statement, base, left, right);
+  }
 }
 
 // What an operand looks like: the number of its policy in the lists.
-enum class OperandShape : std::size_t { Frame, Constant, Other, Field, Product };
-using LeftOperands = std::tuple<LeftFrame, Constant, LeftOther, LeftField, LeftProduct>;
-using RightOperands = std::tuple<RightFrame, Constant, RightOther, RightField, RightProduct>;
+enum class OperandShape : std::size_t {
+  Frame,
+  Constant,
+  Field,
+  Element,
+  Leaf,  // of any kind
+  Other,
+  ElementOfElement,
+  Product
+};
+using LeftOperands =
+    std::tuple<LeftFrame, Constant, Left<tryField>, Left<tryElement>, Left<tryLeaf>, LeftOther,
+               Left<tryElementOfElement>, Left<tryProduct>>;
+using RightOperands =
+    std::tuple<RightFrame, Constant, Right<tryField>, Right<tryElement>, Right<tryLeaf>, RightOther,
+               Right<tryElementOfElement>, Right<tryProduct>>;
 
-template <OperandShape Shape, class Left, class Right>
-constexpr bool kHasPolicies =
-    std::is_same_v<std::tuple_element_t<static_cast<std::size_t>(Shape), LeftOperands>, Left>&&
-        std::is_same_v<std::tuple_element_t<static_cast<std::size_t>(Shape), RightOperands>, Right>;
-static_assert(kHasPolicies<OperandShape::Frame, LeftFrame, RightFrame>);
-static_assert(kHasPolicies<OperandShape::Constant, Constant, Constant>);
-static_assert(kHasPolicies<OperandShape::Other, LeftOther, RightOther>);
-static_assert(kHasPolicies<OperandShape::Field, LeftField, RightField>);
-static_assert(kHasPolicies<OperandShape::Product, LeftProduct, RightProduct>);
+// How many of the shapes, the first ones, an operator has functions for.
+constexpr std::size_t kAllShapes = std::tuple_size_v<LeftOperands>;
+constexpr std::size_t kCommonShapes = static_cast<std::size_t>(OperandShape::ElementOfElement);
 
 struct OperandShapes {
   OperandShape left;
   OperandShape right;
 };
 
-inline bool isProductOfFrameVariables(const Expr& operand) noexcept {
-  if (operand.kind != ExprKind::Binary) return false;
-  const auto& binary = static_cast<const BinaryExpr&>(operand);
-  return binary.op == TokenKind::Star && isFrameVariable(*binary.left) &&
-         isFrameVariable(*binary.right);
-}
-
 inline OperandShape operandShape(const Expr& operand) noexcept {
-  if (isFrameVariable(operand)) return OperandShape::Frame;
-  if (isLiteral(operand)) return OperandShape::Constant;
-  if (operand.kind == ExprKind::Field &&
-      isFrameVariable(*static_cast<const FieldExpr&>(operand).object))
-    return OperandShape::Field;
-  if (isProductOfFrameVariables(operand)) return OperandShape::Product;
-  return OperandShape::Other;
+  switch (operand.leaf) {
+    case Leaf::Frame:
+      return OperandShape::Frame;
+    case Leaf::Constant:
+      return OperandShape::Constant;
+    case Leaf::None:
+      return OperandShape::Other;
+    case Leaf::Field:
+      return OperandShape::Field;
+    case Leaf::Element:
+      return OperandShape::Element;
+    case Leaf::ElementOfElement:
+      return OperandShape::ElementOfElement;
+    case Leaf::Product:
+      return OperandShape::Product;
+    default:
+      return OperandShape::Leaf;
+  }
 }
 
 inline OperandShapes operandShapes(const BinaryExpr& node) noexcept {
+  assert(isChosen(*node.left) && isChosen(*node.right));
   OperandShapes shapes{operandShape(*node.left), operandShape(*node.right)};
   // Only one constant fits into a node; two literal operands are rare.
   if (shapes.left == OperandShape::Constant && shapes.right == OperandShape::Constant)
@@ -219,7 +188,6 @@ inline OperandShapes operandShapes(const BinaryExpr& node) noexcept {
 // Writes where the operands are into the node, which its function and those of nodes that it is
 // fused into read: offsets of frame variables, and the constant.
 inline OperandShapes placeOperands(BinaryExpr& node) noexcept {
-  assert(isChosen(*node.left) && isChosen(*node.right));
   const OperandShapes shapes = operandShapes(node);
   if (shapes.left == OperandShape::Frame) node.leftOffset = frameOffsetOf(*node.left);
   if (shapes.right == OperandShape::Frame) node.rightOffset = frameOffsetOf(*node.right);
@@ -228,30 +196,49 @@ inline OperandShapes placeOperands(BinaryExpr& node) noexcept {
   return shapes;
 }
 
-// The functions for one left operand with each of the first right ones.
-template <template <class, class> class Function, class Pointer, class Left, std::size_t... Rights>
-constexpr auto functionsByRight(std::index_sequence<Rights...>) {
-  return std::array<Pointer, sizeof...(Rights)>{
-      Function<Left, std::tuple_element_t<Rights, RightOperands>>::run...};
+// The shape as which one is treated that has no functions, among the first `known`. To keep the
+// functions few, a leaf of any kind beside another leaf makes that one of any kind, too.
+constexpr OperandShape servedShape(OperandShape shape, OperandShape beside,
+                                   std::size_t known) noexcept {
+  const bool isKnown = static_cast<std::size_t>(shape) < known;
+  if (shape == OperandShape::Product)
+    return isKnown && beside != OperandShape::Leaf ? shape : OperandShape::Other;
+  if (shape == OperandShape::ElementOfElement && !isKnown) return OperandShape::Leaf;
+  const bool isSpecificLeaf = shape == OperandShape::Field || shape == OperandShape::Element ||
+                              shape == OperandShape::ElementOfElement;
+  return isSpecificLeaf && beside == OperandShape::Leaf ? OperandShape::Leaf : shape;
 }
 
-template <template <class, class> class Function, class Pointer, std::size_t... Lefts>
-constexpr auto functionsByShapes(std::index_sequence<Lefts...> lefts) {
-  return std::array{
-      functionsByRight<Function, Pointer, std::tuple_element_t<Lefts, LeftOperands>>(lefts)...};
+constexpr OperandShapes servedShapes(OperandShapes shapes, std::size_t known) noexcept {
+  const OperandShape left = servedShape(shapes.left, shapes.right, known);
+  const OperandShape right = servedShape(shapes.right, left, known);
+  return {servedShape(left, right, known), right};
 }
 
-// The function for the shapes of the operands, of which the first `Known` have functions of their
-// own; the others count as `Other`.
+template <template <class, class> class Function, std::size_t Left, std::size_t Right,
+          std::size_t Known>
+constexpr auto functionForShapes() {
+  constexpr OperandShapes kShapes =
+      servedShapes({static_cast<OperandShape>(Left), static_cast<OperandShape>(Right)}, Known);
+  return Function<
+      std::tuple_element_t<static_cast<std::size_t>(kShapes.left), LeftOperands>,
+      std::tuple_element_t<static_cast<std::size_t>(kShapes.right), RightOperands>>::run;
+}
+
+// Indexed by the shape of the left operand times kAllShapes plus that of the right one.
+template <template <class, class> class Function, class Pointer, std::size_t Known,
+          std::size_t... Pairs>
+constexpr auto functionsByShapes(std::index_sequence<Pairs...>) {
+  return std::array<Pointer, sizeof...(Pairs)>{
+      functionForShapes<Function, Pairs / kAllShapes, Pairs % kAllShapes, Known>()...};
+}
+
 template <template <class, class> class Function, class Pointer, std::size_t Known>
 Pointer chooseByShapes(OperandShapes shapes) noexcept {
-  static constexpr auto kFunctions =
-      functionsByShapes<Function, Pointer>(std::make_index_sequence<Known>());
-  const auto indexOf = [](OperandShape shape) {
-    const auto index = static_cast<std::size_t>(shape);
-    return index < Known ? index : static_cast<std::size_t>(OperandShape::Other);
-  };
-  return kFunctions[indexOf(shapes.left)][indexOf(shapes.right)];
+  static constexpr auto kFunctions = functionsByShapes<Function, Pointer, Known>(
+      std::make_index_sequence<kAllShapes * kAllShapes>());
+  return kFunctions[static_cast<std::size_t>(shapes.left) * kAllShapes +
+                    static_cast<std::size_t>(shapes.right)];
 }
 
 }  // namespace tarvel::lua::internal

@@ -98,13 +98,7 @@ bool valuesEqual(const Value& left, const Value& right) noexcept {
         return left.object == right.object;
     }
   }
-  if (left.isInteger() && right.isFloat()) {
-    return std::fabs(static_cast<double>(left.integer) - right.number) <= kNumberEpsilon;
-  }
-  if (left.isFloat() && right.isInteger()) {
-    return std::fabs(left.number - static_cast<double>(right.integer)) <= kNumberEpsilon;
-  }
-  return false;
+  return left.isNumber() && right.isNumber() && numbersEqual(left, right);
 }
 
 bool compareValues(const Value& left, const Value& right, TokenKind op, Site site) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #include "lua/frontend/token.h"
@@ -28,8 +29,16 @@ inline Value divideNumbers(const Value& left, const Value& right) {
   return Value(left.asFloat() / right.asFloat());
 }
 
-// An integer and a float are equal within the epsilon, two floats only exactly; this difference is
-// deliberate: integers that became floats stay equal to themselves, floats keep their order.
+// Two numbers of which one at least is a float. An integer and a float are equal within the
+// epsilon, two floats only exactly; this difference is deliberate: integers that became floats stay
+// equal to themselves, floats keep their order.
+inline bool numbersEqual(const Value& left, const Value& right) noexcept {
+  if (left.tag == right.tag) return left.number == right.number;
+  const double whole = static_cast<double>(left.isInteger() ? left.integer : right.integer);
+  const double other = left.isInteger() ? right.number : left.number;
+  return std::fabs(whole - other) <= kNumberEpsilon;
+}
+
 bool valuesEqual(const Value& left, const Value& right) noexcept;
 
 // An ordering operator on two numbers or two strings. Any other pair raises "ordered comparisons

@@ -42,6 +42,21 @@ struct InGlobals {
   static Value& slot(const Node* node, Value*) noexcept { return *asVariable(node)->cell; }
 };
 
+Leaf leafOf(const VariableExpr& variable) noexcept {
+  switch (variable.home) {
+    case VariableHome::Frame:
+      return Leaf::Frame;
+    case VariableHome::CapturedValue:
+    case VariableHome::CapturedEnvironment:
+    case VariableHome::Global:
+      return Leaf::Shared;
+    case VariableHome::OwnEnvironment:
+    case VariableHome::RunningFunction:
+      break;
+  }
+  return Leaf::None;
+}
+
 template <class Home>
 void choose(VariableExpr& variable) {
   variable.execute = [](const Node* node, Value* base) { return retain(Home::slot(node, base)); };
@@ -52,6 +67,7 @@ void choose(VariableExpr& variable) {
 }  // namespace
 
 void chooseVariable(VariableExpr& variable) {
+  variable.leaf = leafOf(variable);
   switch (variable.home) {
     case VariableHome::Frame:
       return choose<InFrame>(variable);

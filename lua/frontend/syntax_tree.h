@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -9,7 +11,7 @@
 #include "lua/value/site_table.h"
 #include "lua/value/value.h"
 
-// The tree that the parser builds, the resolver binds, the frame planner lays out and the evaluator
+// The tree that the parser builds and binds, the frame planner lays out and the evaluator
 // walks. A chunk's nodes live in the chunk's arena and are plain data; closures keep the chunk
 // alive. The tree belongs to one interpreter (its literals are that interpreter's strings) and is
 // immutable once it runs, but for the lookup hints.
@@ -58,8 +60,8 @@ struct Name {
 
   StringObject* text;  // kept alive by the chunk
   std::uint32_t hash;
-  LocalVariable* local = nullptr;  // while the chunk is resolved, its innermost declaration
-  Value* cell = nullptr;           // of the global of this name, once one is mentioned
+  LocalVariable* local = nullptr;  // while the chunk is read, its innermost declaration
+  VariableExpr* global = nullptr;  // the global of this name, once it is mentioned
 };
 
 // One declared local name: a parameter, a loop variable, or a name of a local declaration.
@@ -71,6 +73,8 @@ struct LocalVariable {
   const FunctionExpr* declaredIn;
   const FunctionExpr* function = nullptr;  // of `local function`, the function that it names
   LocalVariable* next = nullptr;           // of the same block, in order of declaration
+  VariableExpr* mention = nullptr;         // the latest, and the function that it is in
+  const FunctionExpr* mentionedIn = nullptr;
   SlotOffset offset = 0;  // of its slot in the frame, which holds it or owns its Environment
   bool arriving = false;  // a parameter or loop variable
   bool captured = false;  // a function nested in the declaring one refers to it
@@ -97,22 +101,46 @@ enum class ExprKind : std::uint8_t {
   Concat = 9,
 };
 
+// How an operand can be read in place, by the node that uses it: without a call, a reference or any
+// effect (leaves.h). Written by the node's chooser.
+enum class Leaf : std::uint8_t {
+  None,
+  Frame,     // a frame variable
+  Constant,  // a literal, or a negated number
+  Shared,    // a variable that this closure captured, or a global
+  // `a[i]`, `a[i + 2]`, `a[i - 1]` with a frame variable i. The object is a frame variable, an
+  // Element, or any other leaf that is a variable or an access to one.
+  Element,
+  ElementOfElement,
+  ElementOfLeaf,
+  ConstantElement,  // `a[1]` of a frame variable
+  Field,            // `o.f` of a frame variable
+  FieldOfLeaf,
+  Product,  // of two frame variables
+};
+
 struct Expr : Node {
   Expr(ExprKind exprKind, Site nodeSite) : Node(nodeSite), kind(exprKind) {}
 
-  ExprKind kind : 6;
+  ExprKind kind : 4;
+  Leaf leaf : 4 = Leaf::None;
+  TokenKind op : 6 = TokenKind::EndOfFile;  // of a unary or binary operator
   // Evaluating it may run a function of the script or the host: it contains a call, or an access,
   // which may be to a property of a native object.
   bool mayRunCode : 1 = false;
   // A variable, an access path from one whose keys are peekable or run no code, or the length of
   // one.
   bool peekable : 1 = false;
-  TokenKind op = TokenKind::EndOfFile;  // of a unary or binary operator
-  std::uint16_t height = 1;             // levels of the tree from here down; see kDeepestNesting
-  ConditionFunction test = nullptr;     // the value's truthiness
-  NodeFunction peek = nullptr;          // see access_objects.h; only where `peekable` allows it
+  std::uint16_t height = 1;          // levels of the tree from here down; see kDeepestNesting
+  ConditionFunction test = nullptr;  // the value's truthiness
+  NodeFunction peek = nullptr;       // see access_objects.h; only where `peekable` allows it
 };
 
+// A value as its tag and what is beside it.
+using ValueWords = std::array<std::uint64_t, 2>;
+inline ValueWords wordsOf(const Value& value) noexcept { return std::bit_cast<ValueWords>(value); }
+
+// Equal literals of a chunk may be one node.
 struct LiteralExpr : Expr {
   LiteralExpr(Value literal, Site nodeSite) : Expr(ExprKind::Literal, nodeSite), value(literal) {}
 
@@ -129,9 +157,12 @@ enum class VariableHome : std::uint8_t {
   Global,
 };
 
+// All mentions of a variable in a function, or of a global in a chunk, may be one node.
 struct VariableExpr : Expr {
-  VariableExpr(Name* variableName, Site nodeSite)
-      : Expr(ExprKind::Variable, nodeSite), name(variableName) {}
+  VariableExpr(const Name& globalName, Site nodeSite)
+      : Expr(ExprKind::Variable, nodeSite), name(&globalName) {}
+  VariableExpr(LocalVariable& local, Site nodeSite)
+      : Expr(ExprKind::Variable, nodeSite), variable(&local), home(VariableHome::Frame) {}
 
   // The local that the name is bound to; null for a global.
   LocalVariable* local() const noexcept {
@@ -139,8 +170,8 @@ struct VariableExpr : Expr {
   }
 
   union {
-    Name* name;               // until the resolver has bound it
     LocalVariable* variable;  // of a local
+    const Name* name;         // Global, until its frame is planned
     Value* cell;              // Global
   };
   union {
@@ -189,11 +220,33 @@ struct ConcatExpr : Expr {
 struct TableExpr : Expr {
   enum class FieldKind : std::uint8_t { Positional = 0, Named = 1, Keyed = 2 };
   struct Field {
+    Field(FieldKind fieldKind, Site fieldSite, Expr* fieldValue)
+        : kind(fieldKind), site(fieldSite), value(fieldValue) {}
+
+    bool isConstant() const noexcept { return constantTag != kNoConstant; }
+    Value constant() const noexcept {
+      return std::bit_cast<Value>(ValueWords{constantTag, constantBits});
+    }
+    // Most of what long constructors list are literals: these need no nodes of their own.
+    void setConstant(const Value& literal) noexcept {
+      constantTag = static_cast<std::uint8_t>(literal.tag);
+      constantBits = wordsOf(literal)[1];
+    }
+
     FieldKind kind;
-    StringObject* name;  // Named
-    Expr* key;           // Keyed
-    Expr* value;
+    std::uint8_t constantTag = kNoConstant;
     Site site;  // of the field's first token
+    union {
+      StringObject* name = nullptr;  // Named
+      Expr* key;                     // Keyed
+    };
+    union {
+      Expr* value;
+      std::uint64_t constantBits;  // of a constant: the Value without its tag
+    };
+
+   private:
+    static constexpr std::uint8_t kNoConstant = 255;
   };
 
   TableExpr(ArenaList<Field> tableFields, Site nodeSite)
@@ -226,7 +279,8 @@ struct IndexExpr : Expr {
   Expr* object;
   Expr* key;
   SlotOffset objectOffset = 0;       // of an object that is a frame variable
-  SlotOffset keyOffset = 0;          // of a key that is a frame variable
+  SlotOffset keyOffset = 0;          // of a key that is a frame variable, or one with a bias
+  std::int32_t elementBias = -1;     // what to add to that key, or to 0, for the array's index
   SlotOffset temporariesOffset = 0;  // the object; as a target: the value, then the object
 };
 

@@ -1,10 +1,8 @@
 #include <algorithm>
-#include <cerrno>
-#include <cmath>
-#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "lua/evaluator/execute.h"
@@ -12,12 +10,13 @@
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
+#include "lua/stdlib/number_text.h"
 #include "lua/stdlib/results.h"
+#include "lua/stdlib/short_text.h"
 #include "lua/stdlib/text_builder.h"
 #include "lua/value/completion.h"
 #include "lua/value/iterator_state.h"
 #include "lua/value/metered_work.h"
-#include "lua/value/number_rules.h"
 
 // print, tostring, tonumber, type, assert, error, pcall, pairs, ipairs.
 
@@ -25,6 +24,10 @@ namespace tarvel::lua::internal {
 
 // That the process's output cannot take it shows when the stream is closed at the end.
 MultiValue basePrint(LuaVM& vm, ValueSpan args, Site site) {
+  if (ShortText line; line.addAll(args, '\t') && line.add('\n')) {
+    writeToStandard(StandardStream::Output, vm, line.view(), site);
+    return MultiValue(Value());
+  }
   LuaVM::Impl::of(vm).printValues(args, site, [&vm, site](std::string_view text) {
     writeToStandard(StandardStream::Output, vm, text, site);
   });
@@ -37,46 +40,6 @@ Value baseToString(LuaVM& vm, ValueSpan args, Site) {
   return LuaVM::Impl::of(vm).makeString(args[0].toString());
 }
 
-namespace {
-
-// In bytes. The C library's conversions cannot be interrupted, so a supervised interpreter gives
-// them no more than they read in some milliseconds.
-constexpr std::size_t kLongestNumber = std::size_t{256} << 10;
-// A byte of a number takes as long as so many bytes that are copied.
-constexpr std::size_t kConversionsOfNumber = 16;
-
-constexpr std::int64_t kLowestBase = 2;
-constexpr std::int64_t kHighestBase = 36;
-
-bool consumed(const StringObject& text, const char* end) noexcept {
-  return end == text.data() + text.length;
-}
-
-// Whether a text that strtod takes wholly is hexadecimal. A NaN may have an x between parentheses.
-bool isHexadecimal(std::string_view text) noexcept {
-  return text.substr(0, text.find('(')).find_first_of("xX") != std::string_view::npos;
-}
-
-// Leading white space is accepted as the C library does, trailing is not. A text with an embedded
-// zero byte is no number, because the conversion stops there.
-Value numberFromText(const StringObject& text, std::int64_t base) {
-  if (base < kLowestBase || base > kHighestBase) return Value();
-  char* end = nullptr;
-  errno = 0;
-  const long long integer = std::strtoll(text.data(), &end, static_cast<int>(base));
-  if (errno == 0 && consumed(text, end)) return Value(static_cast<std::int64_t>(integer));
-  if (base != 10 || isHexadecimal(text.view())) return Value();
-  errno = 0;
-  const double number = std::strtod(text.data(), &end);
-  if (errno != 0 || !consumed(text, end)) return Value();
-  // Deliberate: whole decimal text becomes an integer, as whole results of operators do. Infinity
-  // and NaN are not whole.
-  std::int64_t whole = 0;
-  return wholeNumber(number, whole) ? Value(whole) : Value(number);
-}
-
-}  // namespace
-
 Value baseToNumber(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("tonumber", args.size(), 1, 2);
   if (args[0].isNumber()) return args[0];
@@ -84,10 +47,10 @@ Value baseToNumber(LuaVM& vm, ValueSpan args, Site site) {
   const std::int64_t base = isGiven(args, 1) ? requireInteger("tonumber", args, 1, site) : 10;
   const StringObject& text = *args[0].string;
   WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
-  if (text.length > kLongestNumber && meter.isSupervised()) {
+  if (text.length > kLongestNumberText && meter.isSupervised()) {
     failRuntime(site, "text is too long for a number");
   }
-  meter.spend(stepsForBytes(text.length * kConversionsOfNumber), site);
+  meter.spend(stepsForNumberText(text.length), site);
   return numberFromText(text, base);
 }
 

@@ -40,9 +40,22 @@ class TextBuilder {
   TextBuilder(const TextBuilder&) = delete;
   TextBuilder& operator=(const TextBuilder&) = delete;
 
-  void append(std::string_view bytes);
+  void append(std::string_view bytes) {
+    if (bytes.size() < kBytesPerStep && bytes.size() <= text_.string->room()) [[likely]] {
+      text_.string->append(bytes);
+    } else {
+      appendSlowly(bytes);
+    }
+  }
   // Appends the printable form.
   void append(const Value& value);
+
+  // Room for so many more bytes behind the text; those that the caller fills there are added.
+  char* makeSpace(std::size_t bytes) {
+    makeRoom(bytes);
+    return text_.string->data() + text_.string->length;
+  }
+  void addFilled(std::size_t bytes) noexcept;
 
   // The finished string, owned by the caller. The builder is empty afterwards and of no further
   // use.
@@ -50,7 +63,7 @@ class TextBuilder {
 
  private:
   void makeRoom(std::size_t bytes);
-  [[gnu::noinline]] void appendLong(std::string_view bytes);
+  void appendSlowly(std::string_view bytes);
 
   Heap& heap_;
   Site site_;

@@ -25,9 +25,9 @@ inline std::int64_t saturatingInteger(double value) noexcept {
 
 // The integer that a float is, without any tolerance; false for any other float.
 inline bool exactInteger(double value, std::int64_t& out) noexcept {
-  if (!(value >= -kTwoTo63 && value < kTwoTo63) || value != std::trunc(value)) return false;
+  if (!(value >= -kTwoTo63 && value < kTwoTo63)) return false;
   out = static_cast<std::int64_t>(value);
-  return true;
+  return static_cast<double>(out) == value;
 }
 
 // A number as a float, for operators that mix the two kinds; false for any other value.

@@ -151,17 +151,10 @@ void Value::appendTo(std::string& out) const {
     case ValueKind::Nil:
       out.append("nil");
       return;
-    case ValueKind::Integer: {
-      std::array<char, 24> digits;
-      out.append(digits.data(),
-                 std::to_chars(digits.data(), digits.data() + digits.size(), integer).ptr);
-      return;
-    }
+    case ValueKind::Integer:
     case ValueKind::Float: {
-      std::array<char, 32> digits;
-      out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number,
-                                              std::chars_format::general, kFloatDigits)
-                                    .ptr);
+      std::array<char, kLongestNumber> digits;
+      out.append(digits.data(), writeNumber(digits.data()));
       return;
     }
     case ValueKind::Boolean:
@@ -185,6 +178,12 @@ void Value::appendTo(std::string& out) const {
       appendAddress(out, "iterator", iterator);
       return;
   }
+}
+
+char* Value::writeNumber(char* out) const noexcept {
+  char* const end = out + kLongestNumber;
+  if (tag == kInteger) return std::to_chars(out, end, integer).ptr;
+  return std::to_chars(out, end, number, std::chars_format::general, kFloatDigits).ptr;
 }
 
 std::string Value::toString() const {

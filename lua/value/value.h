@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <type_traits>
@@ -108,6 +109,9 @@ struct Value {
   // see one kind of number.
   std::string toString() const;
   void appendTo(std::string& out) const;
+  // The same of a number, into kLongestNumber bytes; returns its end. Needs no memory.
+  char* writeNumber(char* out) const noexcept;
+  static constexpr std::size_t kLongestNumber = 32;  // bytes
 
   // A float is truncated toward zero and saturates at the 64-bit limits, NaN gives 0. Any kind but
   // the two numbers throws std::runtime_error "value is not numeric".

@@ -39,6 +39,8 @@ const Form kForms[] = {
     {"t@.v", "local t@ = shaped(@)"},
     {"(p@ * q@)", "local p@, q@ = @, 1", "(same(@) * same(1))"},
     {"e@[i@]", "local e@, i@ = track({@}), 1"},
+    {"m@[i@][j@ - 1]", "local m@, i@, j@ = {track({0, @})}, 1, 3"},
+    {"e@[i@ + 1]", "local i@ = 1", "same(@)", "local e@ = track({0, @})"},
     // From here on each is combined with the others in one place only.
     {"(p@ * q@)", "local p@, q@ = 0.5, @", "(same(0.5) * same(@))"},
     {"(-~)", "", "(-same(~))"},
@@ -56,6 +58,18 @@ const Form kForms[] = {
     {"e@['v']", "", "same(@)", "local e@ = shaped(@)"},
     {"e@['u'][1].v", "local e@ = {u = {{v = @}}}"},
     {"same(e@)[same(1)]", "local e@ = {@}"},
+    {"e@[i@]", "local i@ = 1", "same(@)",
+     "local e@ = track({@}) undoOuter = function() e@ = {} end"},
+    {"e@[i@ + 1]", "local e@, i@ = track({0, @}), 1.0"},
+    {"e@[i@ - 3]", "local e@, i@ = {[100] = @}, 103"},
+    {"e@[i@ - 1]", "local e@, i@ = {[9223372036854775807] = @}, -9223372036854775807 - 1",
+     "same(nil)"},
+    {"m@[i@][1]", "local m@, i@ = {track({@})}, 1"},
+    {"m@[i@].v", "local m@, i@ = {shaped(@)}, 1"},
+    {"m@[i@].v", "local i@ = 1", "same(@)", "local m@ = {shaped(@)}"},
+    {"t@.u[i@]", "local t@, i@ = {u = track({@})}, 1"},
+    {"(T@.u[i@ + 1])", "local i@ = 0 T@ = {u = track({@})}"},
+    {"T@[i@]", "local i@ = 1 T@ = track({@})"},
     {"T@[same(1)]", "T@ = track({@})"},
     {"g@", "g@ = @"},
     {"@"},
@@ -73,7 +87,7 @@ const Form kForms[] = {
     {"(p@ - q@)", "local p@, q@ = @, 1", "(same(@) - same(1))"},
     // Changes everything that a left operand can have been read from.
     {"spoil(@)", "", "same(@)", "undoOuter = function() l = nil end"}};
-constexpr std::size_t kCoreForms = 6;
+constexpr std::size_t kCoreForms = 8;
 
 const char* const kBinaryOperators[] = {
     "+", "-", "*", "/", "%", "==", "~=", "<", "<=", ">", ">=", "..", "and", "or"};

@@ -16,25 +16,27 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
     const char* tree;  // of the last statement
   } cases[] = {
       // Arithmetic, fused into the assignment to a variable that only holds scalars.
-      {"n = n + m", "(ArithmeticStore<Add> Frame Frame n)"},
-      {"n = -1 % n", "(ArithmeticStore<Modulo> Constant Frame n)"},
-      {"n = n - t.x", "(ArithmeticStore<Subtract> Frame Field n)"},
-      {"n = n * n + m * m", "(ArithmeticStore<Add> Product Product n)"},
-      {"n = 1 / 2", "(ArithmeticStore<Divide> 1 Constant n)"},
-      {"n = g.x * 2", "(ArithmeticStore<Multiply> (readField<GlobalObject> global.g) Constant n)"},
+      {"n = n + m", "(Arithmetic<Add, IntoLocal> Frame Frame n)"},
+      {"n = -1 % n", "(Arithmetic<Modulo, IntoLocal> Constant Frame n)"},
+      {"n = n - t.x", "(Arithmetic<Subtract, IntoLocal> Frame Field n)"},
+      {"n = n * n + m * m", "(Arithmetic<Add, IntoLocal> Product Product n)"},
+      {"n = t[n][m - 2] + t[m + 1]", "(Arithmetic<Add, IntoLocal> ElementOfElement Element n)"},
+      {"n = t[n].x * t.x[m]", "(Arithmetic<Multiply, IntoLocal> Leaf Leaf n)"},
+      {"n = g - t[n]", "(Arithmetic<Subtract, IntoLocal> Leaf Leaf n)"},
+      {"n = 1 / 2", "(Arithmetic<Divide, IntoLocal> 1 Constant n)"},
+      {"n = g.x * 2", "(Arithmetic<Multiply, IntoLocal> Leaf Constant n)"},
       {"s = n + 1", "(storeLocal (Arithmetic<Add> Frame Constant) s)"},
       // Comparisons as values, as conditions, and with the `if` that they decide.
       {"m = n < t.x", "(storeScalarLocal (Comparison<OrderRule<Less>>::AsValue Frame Field) m)"},
       {"while n <= m do n = n + 1 end",
        "(executeWhile (Comparison<OrderRule<LessEqual>>::Condition Frame Frame) "
-       "(ArithmeticStore<Add> Frame Constant n))"},
+       "(Arithmetic<Add, IntoLocal> Frame Constant n))"},
       {"if n == 1 then n = 2 end",
        "(Comparison<EqualityRule<true>>::If Frame Constant (storeScalarLocal 2 n))"},
       {"if t.x ~= 's' then n = 2 end",
-       "(Comparison<EqualityRule<false>>::If (readField<FrameObject> t) Constant "
-       "(storeScalarLocal 2 n))"},
+       "(Comparison<EqualityRule<false>>::If Field Constant (storeScalarLocal 2 n))"},
       {"if n > m * m then n = 1 elseif t.x then n = 2 else n = 3 end",
-       "(Comparison<OrderRule<Greater>>::IfElse Frame (Arithmetic<Multiply> Frame Frame) "
+       "(Comparison<OrderRule<Greater>>::If Frame (Arithmetic<Multiply> Frame Frame) "
        "(storeScalarLocal 1 n) "
        "(executeIfElse (testField<FrameObject> t) (storeScalarLocal 2 n) (storeScalarLocal 3 n)))"},
       {"if not t then n = 1 end", "(executeIfNot t (storeScalarLocal 1 n))"},

@@ -65,7 +65,8 @@ std::string nameOf(Function function) {
       {std::regex(R"((\d)u\b)"), "$1"},
       {std::regex(R"(<Unsupervised>|Unsupervised, )"), ""},
       {std::regex("> >"), ">>"},
-      {std::regex(R"((Left|Right)(Tried<try(\w+)>|(Frame|Other)))"), "$3$4"},
+      {std::regex(R"((Left|Right)(<try(\w+)>|(Frame|Other)))"), "$3$4"},
+      {std::regex(", AsValue>"), ">"},
   };
   for (const auto& [pattern, replacement] : kReplacements)
     name = std::regex_replace(name, pattern, replacement);
@@ -149,7 +150,9 @@ class TreeWriter {
       case ExprKind::Concat:
         return write(as<ConcatExpr>(expression).operands);
       case ExprKind::Table:
-        for (const TableExpr::Field& field : as<TableExpr>(expression).fields) write(*field.value);
+        for (const TableExpr::Field& field : as<TableExpr>(expression).fields) {
+          field.isConstant() ? word(field.constant().toString()) : write(*field.value);
+        }
         return;
       case ExprKind::Field:
         return write(*as<FieldExpr>(expression).object);
@@ -171,7 +174,7 @@ class TreeWriter {
   // The values are evaluated first. Of a target that is no variable only the parts are executed.
   void write(const AssignmentStmt& statement) {
     const std::string name = nameOf(statement.execute);
-    if (name.starts_with("ArithmeticStore")) {
+    if (name.starts_with("Arithmetic")) {
       open(name, as<BinaryExpr>(*statement.value));
     } else {
       open(name);

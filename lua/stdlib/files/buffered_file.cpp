@@ -115,13 +115,18 @@ bool BufferedFile::readMore() {
     readEnd_ -= readStart_;
     readStart_ = 0;
   }
+  const std::size_t count = readInto(readBuffer_.get() + readEnd_, kBufferBytes - readEnd_);
+  readEnd_ += count;
+  return count > 0;
+}
+
+std::size_t BufferedFile::readInto(char* out, std::size_t most) {
   ssize_t count;
   do {
-    count = ::read(descriptor_, readBuffer_.get() + readEnd_, kBufferBytes - readEnd_);
+    count = ::read(descriptor_, out, most);
   } while (count < 0 && errno == EINTR);
   if (count < 0) failReading();
-  readEnd_ += static_cast<std::size_t>(count);
-  return count > 0;
+  return static_cast<std::size_t>(count);
 }
 
 std::size_t BufferedFile::estimateRest() const noexcept {

@@ -58,6 +58,9 @@ class BufferedFile {
   // Adds bytes to unread(), of which there must be fewer than kBufferBytes. False at the end of the
   // file; that may be asked again, because files grow. Throws FileError "failed to read file".
   bool readMore();
+  // Reads up to `most` bytes past an empty unread() straight to `out`, and returns how many; 0 at
+  // the end of the file. Throws as readMore.
+  std::size_t readInto(char* out, std::size_t most);
   void consume(std::size_t bytes) noexcept { readStart_ += bytes; }
   // How many bytes are left to read, unread() included: a guess, for reserving memory.
   std::size_t estimateRest() const noexcept;

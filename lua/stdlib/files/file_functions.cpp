@@ -13,6 +13,7 @@
 #include "lua/stdlib/files/native_handles.h"
 #include "lua/stdlib/files/standard_streams.h"
 #include "lua/stdlib/library.h"
+#include "lua/stdlib/short_text.h"
 #include "lua/stdlib/text_builder.h"
 #include "lua/value/errors.h"
 #include "lua/value/metered_work.h"
@@ -49,7 +50,17 @@ void writeArguments(LuaVM& vm, ValueSpan args, std::size_t first, Site site, con
   for (std::size_t i = first; i < args.size(); ++i) write(PrintableText(args[i]).view());
 }
 
+// Standard error is not buffered, and a function of the host's gets each argument by itself.
+bool mayBeJoined(StandardStream stream, LuaVM& vm) {
+  return stream == StandardStream::Output && !LuaVM::Impl::of(vm).options.output;
+}
+
 void writeToStream(StandardStream stream, LuaVM& vm, ValueSpan args, std::size_t first, Site site) {
+  const ValueSpan values(args.begin() + first, args.size() - first);
+  if (ShortText text; mayBeJoined(stream, vm) && text.addAll(values)) {
+    if (!writeToStandard(stream, vm, text.view(), site)) failRuntime(site, kFailedToWrite);
+    return;
+  }
   writeArguments(vm, args, first, site, [&](std::string_view text) {
     if (!writeToStandard(stream, vm, text, site)) failRuntime(site, kFailedToWrite);
   });

@@ -1,0 +1,134 @@
+#include <tarvel/lua/lua_vm.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "tests/fuzz/choices.h"
+
+// Reads texts, well-formed or not: raw bytes, or tokens in any order. What is not well-formed is
+// refused at a place inside the text, the same each time.
+
+namespace tarvel::lua::fuzz {
+
+namespace {
+
+std::string textOf(Choices choices) {
+  static const char* const kTokens[] = {"and",
+                                        "break",
+                                        "do",
+                                        "else",
+                                        "elseif",
+                                        "end",
+                                        "false",
+                                        "for",
+                                        "function",
+                                        "if",
+                                        "in",
+                                        "nil",
+                                        "local",
+                                        "not",
+                                        "or",
+                                        "return",
+                                        "then",
+                                        "true",
+                                        "while",
+                                        "a",
+                                        "b",
+                                        "f",
+                                        "+",
+                                        "-",
+                                        "*",
+                                        "/",
+                                        "%",
+                                        "..",
+                                        "#",
+                                        "==",
+                                        "~=",
+                                        "<",
+                                        "<=",
+                                        ">",
+                                        ">=",
+                                        "=",
+                                        "(",
+                                        ")",
+                                        "{",
+                                        "}",
+                                        "[",
+                                        "]",
+                                        ",",
+                                        ";",
+                                        ":",
+                                        ".",
+                                        "1",
+                                        "2.5",
+                                        "0x1F",
+                                        "''",
+                                        "\"s\"",
+                                        "[[",
+                                        "]]",
+                                        "--",
+                                        "--[[",
+                                        "\n",
+                                        "'",
+                                        "\\",
+                                        "@",
+                                        "\xc3",
+                                        "9999999999999999999",
+                                        "if a then",
+                                        "end end"};
+  std::string text;
+  while (!choices.isEmpty())
+    text.append(choices.of(kTokens)).push_back(choices.oneIn(9) ? '\n' : ' ');
+  return text;
+}
+
+bool isInside(std::string_view text, int line, int column) {
+  if (line < 1 || column < 1) return false;
+  for (; line > 1; --line) {
+    const std::size_t end = text.find('\n');
+    if (end == std::string_view::npos) return false;
+    text.remove_prefix(end + 1);
+  }
+  // The end of the line, or of the text, is a place too.
+  return static_cast<std::size_t>(column) <= std::min(text.find('\n'), text.size()) + 1;
+}
+
+std::string problemOf(const std::string& text) {
+  LuaVM vm;
+  const auto first = vm.load(text, "chunk");
+  if (first) return {};
+  const LuaError& error = first.error();
+  if (error.kind != LuaError::Kind::Syntax && error.kind != LuaError::Kind::Stack)
+    return "refused for another reason: " + error.message;
+  if (error.message.empty()) return "refused without a word";
+  if (!isInside(text, error.line, error.column))
+    return "refused outside the text: " + std::to_string(error.line) + ":" +
+           std::to_string(error.column) + ": " + error.message;
+  const LuaResult second = vm.runScriptString(text, "chunk");
+  const std::string expected = "chunk:" + std::to_string(error.line) + ":" +
+                               std::to_string(error.column) + ": " + error.message;
+  return second.error == expected ? "" : second.error + " instead of " + expected;
+}
+
+}  // namespace
+
+}  // namespace tarvel::lua::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace tarvel::lua::fuzz;
+  const std::span<const std::uint8_t> bytes(data, size);
+  const std::string raw(bytes.begin(), bytes.end());
+  for (const std::string& text : {raw, textOf(Choices(bytes))}) {
+    const std::string problem = problemOf(text);
+    if (problem.empty()) continue;
+    std::fprintf(stderr, "%s\n---- text\n%s\n", problem.c_str(), text.c_str());
+    std::abort();
+  }
+  return 0;
+}

@@ -1,0 +1,113 @@
+#include <tarvel/lua/lua_vm.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tests/fuzz/script_generator.h"
+
+// Runs the script that the bytes stand for in every placement, plain and supervised, and compares.
+
+namespace tarvel::lua::fuzz {
+
+namespace {
+
+constexpr std::uint64_t kMostSteps = 20000;
+
+struct Outcome {
+  std::string text;  // everything that was reported, and how the script ended
+  LuaError::Kind kind = LuaError::Kind::Script;
+  bool isOk = false;
+  std::uint64_t steps = 0;
+};
+
+std::string exactText(const LuaValue& value) {
+  switch (value.type) {
+    case LuaValue::Type::Float: {
+      char text[64];
+      std::snprintf(text, sizeof(text), "%a", std::get<double>(value.data));
+      return text;
+    }
+    case LuaValue::Type::Integer:
+    case LuaValue::Type::Boolean:
+    case LuaValue::Type::Nil:
+      return value.toString();
+    case LuaValue::Type::String:
+      return "'" + value.toString() + "'";
+    default:
+      return "a table or function";
+  }
+}
+
+Outcome runScript(const std::string& script, bool supervised, std::uint64_t steps) {
+  LuaOptions options;
+  options.supervised = supervised;
+  options.reach = LuaReach::None;
+  options.limits.steps = steps;
+  LuaVM vm(options);
+  Outcome outcome;
+  vm.bind("report", [&outcome](const std::vector<LuaValue>& values) {
+    for (const LuaValue& value : values) outcome.text.append(exactText(value)).append(" ");
+    outcome.text.append("\n");
+  });
+  const LuaResult result = vm.runScriptString(script, "script");
+  outcome.isOk = result.ok;
+  outcome.steps = vm.usage().steps;
+  if (result.detail != nullptr) {
+    outcome.kind = result.detail->kind;
+    outcome.text += std::to_string(result.detail->line) + ": " + result.detail->message;
+  }
+  return outcome;
+}
+
+std::string difference(const char* what, const std::string& script, const Outcome& first,
+                       const Outcome& second) {
+  return std::string(what) + "\n---- script\n" + script + "---- first\n" + first.text +
+         "\n---- second\n" + second.text + "\n";
+}
+
+// The same steps each time. All of them are enough; one less is not, except where the last work
+// was one that counts afterwards.
+std::string compareSteps(const std::string& script, const Outcome& first) {
+  const Outcome again = runScript(script, true, first.steps);
+  if (again.text != first.text || again.steps != first.steps)
+    return difference("another run with the steps of the first", script, first, again);
+  const Outcome shorter = runScript(script, true, first.steps - 1);
+  if (first.steps > 1 && shorter.kind != LuaError::Kind::Steps && shorter.text != first.text)
+    return difference("a step less", script, first, shorter);
+  return {};
+}
+
+// What differs, with the script; empty where all agree.
+std::string compareWays(std::span<const std::uint8_t> bytes) {
+  const std::string script = generateScript(bytes, Placement::Locals);
+  const Outcome expected = runScript(script, true, kMostSteps);
+  if (expected.kind == LuaError::Kind::Steps) return {};
+  if (expected.kind == LuaError::Kind::Syntax)
+    return difference("not well-formed", script, expected, expected);
+  if (std::string problem = compareSteps(script, expected); !problem.empty()) return problem;
+  for (int number = 0; number < kPlacements; ++number) {
+    const std::string placed = generateScript(bytes, static_cast<Placement>(number));
+    for (const bool supervised : {false, true}) {
+      const Outcome outcome = runScript(placed, supervised, 0);
+      if (outcome.text != expected.text || outcome.isOk != expected.isOk)
+        return difference(supervised ? "supervised" : "plain", placed, expected, outcome);
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+}  // namespace tarvel::lua::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string problem = tarvel::lua::fuzz::compareWays({data, size});
+  if (problem.empty()) return 0;
+  std::fputs(problem.c_str(), stderr);
+  std::abort();
+}
