@@ -93,7 +93,7 @@ int compileScript(LuaVM& vm, Arguments arguments) {
   const std::string path = arguments.at(2);
   const ScriptContainer container{path, readScriptFile(path, "failed to open file: ")};
   try {
-    vm.load(container.source, container.chunkName).value();
+    checkScript(vm, container.source, container.chunkName).value();
   } catch (const LuaException& rejection) {
     throw FailedRun(rejection.what(), helpFor(rejection.error(), container.source));
   }

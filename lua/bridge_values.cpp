@@ -50,37 +50,35 @@ bool Problem::expected(std::string_view what, const std::string& got) {
 }
 
 bool Problem::say(std::string text) {
-  text_ = std::move(text);
+  words_ = std::make_unique<Words>(Words{{}, std::move(text)});
   return false;
 }
 
-bool Problem::inField(std::string_view name) {
-  std::string path(name);
-  if (!path_.empty() && path_.front() != '[') path.append(".");
-  path_ = path.append(path_);
+bool Problem::inPart(std::string part) {
+  std::string& path = words_->path;
+  if (!path.empty() && path.front() != '[') part.append(".");
+  path.insert(0, part);
   return false;
 }
 
-bool Problem::inElement(std::size_t number) {
-  std::string path = "[" + std::to_string(number) + "]";
-  if (!path_.empty() && path_.front() != '[') path.append(".");
-  path_ = path.append(path_);
-  return false;
-}
+bool Problem::inField(std::string_view name) { return inPart(std::string(name)); }
+
+bool Problem::inElement(std::size_t number) { return inPart("[" + std::to_string(number) + "]"); }
 
 // A type that contains itself can meet a table that contains itself.
 bool Problem::enterDeep() {
   return !internal::isTooDeep(depth_) || say("a table that is nested too deeply");
 }
 
-std::string Problem::message() const { return path_.empty() ? text_ : path_ + ": " + text_; }
+std::string Problem::message() const {
+  if (words_ == nullptr) return {};
+  return words_->path.empty() ? words_->text : words_->path + ": " + words_->text;
+}
 
-LuaError Problem::toError(std::string_view name) const {
-  Problem named(*this);
-  if (!name.empty()) named.inField(name);
+LuaError Problem::toError() const {
   LuaError error;
   error.kind = LuaError::Kind::Value;
-  error.message = named.message();
+  error.message = message();
   return error;
 }
 
@@ -208,8 +206,9 @@ void ScriptSink::makeRoom() {
   internal::ValueStack& stack = internal::implOf(interpreter_).stack;
   constexpr std::size_t kStep = 16;  // places
   Value* const next = reinterpret_cast<Value*>(next_);
-  if (!stack.makeRoom(next + kStep, 0)) throw std::runtime_error("stack overflow");
-  end_ = reinterpret_cast<std::byte*>(next + kStep);
+  Value* const end = next + kStep;
+  if (!stack.hasRoom(end, 0) && !stack.makeRoom(end, 0)) throw std::runtime_error("stack overflow");
+  end_ = reinterpret_cast<std::byte*>(end);
 }
 
 void ScriptSink::put(RawValue value) {

@@ -103,8 +103,10 @@ class LuaVM::Impl {
   // Passes the line that `print` writes to `write`, piece by piece.
   void printValues(internal::ValueSpan values, Site site,
                    const std::function<void(std::string_view text)>& write);
-  // Lexes, parses, resolves and prepares a chunk for running. Throws UnparsedError, a
-  // std::runtime_error "chunk:line:column: message".
+  // Parses a chunk. Throws UnparsedError, a std::runtime_error "chunk:line:column: message".
+  internal::ChunkReference readScript(const std::string& source, const std::string& chunkName,
+                                      std::span<const std::string_view> parameters = {});
+  // As readScript, and prepares the chunk for running.
   internal::ChunkReference parseScript(const std::string& source, const std::string& chunkName,
                                        std::span<const std::string_view> parameters = {});
 

@@ -7,7 +7,6 @@
 #include "lua/evaluator/node_functions.h"
 #include "lua/frontend/lexer.h"
 #include "lua/frontend/parser.h"
-#include "lua/frontend/resolver.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/host_stack.h"
@@ -40,17 +39,23 @@ void requireParameterNames(std::span<const std::string_view> names, const std::s
 
 }  // namespace internal
 
-internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
-                                                  const std::string& chunkName,
-                                                  std::span<const std::string_view> parameters) {
+internal::ChunkReference LuaVM::Impl::readScript(const std::string& source,
+                                                 const std::string& chunkName,
+                                                 std::span<const std::string_view> parameters) {
   internal::ChunkReference chunk(new internal::ResolvedChunk(heap));
   internal::requireParameterNames(parameters, chunkName);
   chunk->sites = sites.add(internal::OwnedValue(Value(strings.intern(chunkName))),
                            internal::Places(heap, source));
   internal::Parser(source, chunkName, *chunk, strings, internal::nestingLimit())
       .parseChunk(parameters);
-  internal::Resolver(*chunk, globals).resolveChunk();
-  stack.announceFrame(internal::FramePlanner(*chunk, heap).planChunk());
+  return chunk;
+}
+
+internal::ChunkReference LuaVM::Impl::parseScript(const std::string& source,
+                                                  const std::string& chunkName,
+                                                  std::span<const std::string_view> parameters) {
+  internal::ChunkReference chunk = readScript(source, chunkName, parameters);
+  stack.announceFrame(internal::FramePlanner(*chunk, heap, globals).planChunk());
   internal::selectNodeFunctions(*this, *chunk);
   return chunk;
 }

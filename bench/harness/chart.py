@@ -9,7 +9,7 @@ from .tables import best_peer, ratio
 ROW_HEIGHT = 17
 LEFT, RIGHT, TOP, BOTTOM = 118, 24, 74, 34
 WIDTH = 760
-LOWEST, HIGHEST = 0.5, 32
+HIGHEST = 32
 
 STYLE = """
   text { font: 12px system-ui, sans-serif; fill: #333 }
@@ -29,22 +29,24 @@ STYLE = """
 """
 
 
-def x_of(value):
-    """The horizontal place of a ratio, on a logarithmic axis; what lies beyond is drawn at its end."""
-    share = math.log(min(max(value, LOWEST), HIGHEST) / LOWEST) / math.log(HIGHEST / LOWEST)
-    return LEFT + share * (WIDTH - LEFT - RIGHT)
+class Axis:
+    """The horizontal axis, logarithmic, between powers of two; what lies beyond is drawn at its end."""
 
+    def __init__(self, smallest):
+        self.lowest = min(0.5, 2 ** math.floor(math.log2(smallest)))
 
-def axis(height):
-    lines = []
-    value = LOWEST
-    while value <= HIGHEST:
-        x = x_of(value)
-        kind = "one" if value == 1 else "grid"
-        lines.append(f'<line class="{kind}" x1="{x:.1f}" x2="{x:.1f}" y1="{TOP - 6}" y2="{height - BOTTOM}"/>')
-        lines.append(f'<text x="{x:.1f}" y="{height - BOTTOM + 16}" text-anchor="middle">{value:g}</text>')
-        value *= 2
-    return lines
+    def x(self, value):
+        share = math.log(min(value, HIGHEST) / self.lowest) / math.log(HIGHEST / self.lowest)
+        return LEFT + share * (WIDTH - LEFT - RIGHT)
+
+    def lines(self, height):
+        lines, value = [], self.lowest
+        while value <= HIGHEST:
+            x, kind = self.x(value), "one" if value == 1 else "grid"
+            lines.append(f'<line class="{kind}" x1="{x:.1f}" x2="{x:.1f}" y1="{TOP - 6}" y2="{height - BOTTOM}"/>')
+            lines.append(f'<text x="{x:.1f}" y="{height - BOTTOM + 16}" text-anchor="middle">{value:g}</text>')
+            value *= 2
+        return lines
 
 
 def legend(peers):
@@ -55,15 +57,15 @@ def legend(peers):
     return parts
 
 
-def row_parts(row, results, peers, value, y):
+def row_parts(row, results, peers, value, axis, y):
     closest, _ = best_peer(results, peers, value)
     ratios = [(ratio(results, peer, value), peer) for peer in peers if peer in results]
     furthest = max(ratios)[0]
     kind = ' class="behind"' if closest < 1 else ""
     parts = [f'<text{kind} x="{LEFT - 10}" y="{y + 4}" text-anchor="end">{escape(row)}</text>',
-             f'<line class="reach" x1="{x_of(closest):.1f}" x2="{x_of(furthest):.1f}" y1="{y}" y2="{y}"/>']
+             f'<line class="reach" x1="{axis.x(closest):.1f}" x2="{axis.x(furthest):.1f}" y1="{y}" y2="{y}"/>']
     for each, peer in sorted(ratios, reverse=True):
-        parts.append(f'<circle class="{peer}" cx="{x_of(each):.1f}" cy="{y}" r="4.5">'
+        parts.append(f'<circle class="{peer}" cx="{axis.x(each):.1f}" cy="{y}" r="4.5">'
                      f'<title>{escape(row)}: {peer} {each:.2f}</title></circle>')
     return parts
 
@@ -80,7 +82,8 @@ def svg(table, names, value):
              f"<style>{STYLE}</style>",
              f'<text class="title" x="{LEFT}" y="22">CPU time relative to {SUBJECT}: right of 1, '
              f"{SUBJECT} is faster</text>"]
-    parts += legend(peers) + axis(height)
+    axis = Axis(best_peer(rows[order[-1]], peers, value)[0])
+    parts += legend(peers) + axis.lines(height)
     for index, row in enumerate(order):
-        parts += row_parts(row, rows[row], peers, value, TOP + ROW_HEIGHT * index + ROW_HEIGHT // 2)
+        parts += row_parts(row, rows[row], peers, value, axis, TOP + ROW_HEIGHT * index + ROW_HEIGHT // 2)
     return "\n".join(parts + ["</svg>"]) + "\n"

@@ -49,11 +49,17 @@ class Samples:
         self.peak_kib.append(run.peak_kib)
 
     def time(self, statistic):
-        # A time below the clock's resolution counts as one step of it.
-        return max(statistic(self.seconds), 1e-6)
+        # A time below the clock's resolution is not nothing: ratios are made of it.
+        return max(statistic(self.seconds), 1e-9)
 
     def peak(self):
         return statistics.median(self.peak_kib)
+
+    @classmethod
+    def from_json(cls, saved):
+        samples = cls()
+        samples.seconds, samples.peak_kib = saved["seconds"], saved["peakKiB"]
+        return samples
 
     def as_json(self):
         return {"seconds": self.seconds, "peakKiB": self.peak_kib}

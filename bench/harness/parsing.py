@@ -17,11 +17,8 @@ class LineSamples(Samples):
     def __init__(self, samples, start, lines):
         super().__init__()
         own_start = start.time(statistics.median)
-        self.seconds = [max(seconds - own_start, 1e-7) / lines for seconds in samples.seconds]
+        self.seconds = [max(seconds - own_start, 1e-6) / lines for seconds in samples.seconds]
         self.peak_kib = [max(peak - start.peak(), 1) / lines for peak in samples.peak_kib]
-
-    def time(self, statistic):
-        return statistic(self.seconds)
 
 
 def run_parsing(runners, options, failures):

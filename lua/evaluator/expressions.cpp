@@ -105,6 +105,10 @@ bool testOr(const Node* node, Value* base) {
 
 // ---- Table constructors -------------------------------------------------------------------------
 
+Value valueOf(const TableExpr::Field& field, Value* base) {
+  return field.isConstant() ? retain(field.constant()) : evaluateExpression(field.value, base);
+}
+
 // A key is checked before the field's value is evaluated. A computed string key is kept in a slot
 // meanwhile.
 void constructKeyedField(const TableExpr::Field& field, Value* temporaries, Value* base) {
@@ -113,7 +117,7 @@ void constructKeyedField(const TableExpr::Field& field, Value* temporaries, Valu
   TableKey key;
   if (!tryMakeKeyFromValue(keySlot, key))
     failRuntime(field.site, "table keys must be numbers, strings, or booleans");
-  tableSetByKey(*temporaries[0].table, key, evaluateExpression(field.value, base));
+  tableSetByKey(*temporaries[0].table, key, valueOf(field, base));
   clearSlot(keySlot);
 }
 
@@ -126,9 +130,9 @@ Value evaluateTable(const Node* node, Value* base) {
   std::int64_t position = 0;
   for (const TableExpr::Field& field : constructor->fields) {
     if (field.kind == TableExpr::FieldKind::Positional) {
-      table->setInteger(++position, evaluateExpression(field.value, base));
+      table->setInteger(++position, valueOf(field, base));
     } else if (field.kind == TableExpr::FieldKind::Named) {
-      const Value value = evaluateExpression(field.value, base);
+      const Value value = valueOf(field, base);
       tableSetByKey(*table, TableKey::ofString(field.name), value);
     } else {
       constructKeyedField(field, temporaries, base);

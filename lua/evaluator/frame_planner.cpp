@@ -6,6 +6,7 @@
 
 #include "lua/value/errors.h"
 #include "lua/value/host_stack.h"
+#include "lua/value/string_object.h"
 
 namespace tarvel::lua::internal {
 
@@ -244,8 +245,9 @@ void FramePlanner::planTable(TableExpr& table, Top top) {
   table.temporariesOffset = offsetOf(top);
   use(top + 2);
   for (TableExpr::Field& field : table.fields) {
-    planExpression(field.key, top + 1);
-    planExpression(field.value, field.kind == TableExpr::FieldKind::Keyed ? top + 2 : top + 1);
+    const bool isKeyed = field.kind == TableExpr::FieldKind::Keyed;
+    if (isKeyed) planExpression(field.key, top + 1);
+    if (!field.isConstant()) planExpression(field.value, isKeyed ? top + 2 : top + 1);
   }
 }
 
@@ -260,9 +262,13 @@ void FramePlanner::planCall(CallExpr& call, Top top) {
 }
 
 void FramePlanner::planVariable(VariableExpr& expression) {
+  if (expression.peekable) return;  // another mention
   expression.peekable = true;
   const LocalVariable* const variable = expression.local();
-  if (variable == nullptr) return;
+  if (variable == nullptr) {
+    expression.cell = &globals_.at(globals_.slotOf(expression.name->text->view()));
+    return;
+  }
   if (variable->declaredIn == open_->function) {
     expression.home =
         variable->inEnvironment() ? VariableHome::OwnEnvironment : VariableHome::Frame;

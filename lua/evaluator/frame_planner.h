@@ -5,13 +5,14 @@
 #include <vector>
 
 #include "lua/frontend/syntax_tree.h"
+#include "lua/value/globals.h"
 
 namespace tarvel::lua::internal {
 
-// Decides where everything of a resolved chunk lives at run time: each local in a frame slot, or in
-// an Environment that the slot owns; each temporary in a frame slot above the live locals. Also
-// decides what each closure captures: exactly those variables of outer functions that it names, or
-// that functions inside it name. A frame, from its base:
+// Decides where everything of a chunk lives at run time: each global in its slot; each local in a
+// frame slot, or in an Environment that the slot owns; each temporary in a frame slot above the
+// live locals. Also decides what each closure captures: exactly those variables of outer functions
+// that it names, or that functions inside it name. A frame, from its base:
 //
 //   [-1]  the callee, which keeps the running closure alive
 //   [0..] the parameters, then each open scope's loop variables and locals, then temporaries;
@@ -22,7 +23,8 @@ class FramePlanner {
  public:
   // Plans the chunk's top level and all functions in it. The memory for doing so counts as the
   // heap's.
-  FramePlanner(ResolvedChunk& chunk, Heap& heap) : chunk_(chunk), memory_(heap) {}
+  FramePlanner(ResolvedChunk& chunk, Heap& heap, Globals& globals)
+      : chunk_(chunk), memory_(heap), globals_(globals) {}
   // Returns the slots of the largest frame.
   std::uint32_t planChunk();
 
@@ -68,6 +70,7 @@ class FramePlanner {
 
   ResolvedChunk& chunk_;
   MemoryCharge memory_;
+  Globals& globals_;
   OpenFunction* open_ = nullptr;  // the innermost
   std::uint32_t largestFrame_ = 0;
 };

@@ -18,8 +18,10 @@ bool nextOfTable(IteratorState& state, Value* slots, std::uint32_t count) noexce
 
 }  // namespace
 
-bool nextIteratorItem(IteratorState& state, Value* slots, std::uint32_t count) noexcept {
+bool nextIteratorItem(LuaVM::Impl& interpreter, IteratorState& state, Value* slots,
+                      std::uint32_t count, Site site) {
   if (state.kind == IteratorState::Kind::Ipairs) return nextOfTable(state, slots, count);
+  if (state.step != nullptr) return state.step(interpreter, state, slots, count, site);
   if (state.position >= state.values.size()) return false;
   const Value* const item = &state.values[state.position];
   state.position += state.itemSize;

@@ -131,7 +131,8 @@ Value executeGenericFor(const Node* node, Value* base) {
   const Node* const body = loop->bodyNode;
   Value completion = normalCompletion();
   typename Supervision::Rounds rounds(loop->interpreter->heap.meter(), loop->site);
-  while (isNormal(completion) && nextIteratorItem(*iterator.iterator, names, loop->names.size)) {
+  while (isNormal(completion) && nextIteratorItem(*loop->interpreter, *iterator.iterator, names,
+                                                  loop->names.size, loop->site)) {
     rounds.next();
     completion = executeStatement(body, base);
   }

@@ -139,8 +139,8 @@ class NodeFunctionSelector {
       case ExprKind::Table: {
         auto& table = static_cast<TableExpr&>(*expression);
         for (TableExpr::Field& field : table.fields) {
-          selectExpression(field.key);
-          selectExpression(field.value);
+          if (field.kind == TableExpr::FieldKind::Keyed) selectExpression(field.key);
+          if (!field.isConstant()) selectExpression(field.value);
         }
         return chooseTable(table);
       }

@@ -51,9 +51,13 @@ class Arena {
 
   template <class T>
   ArenaList<T> list(const std::vector<T>& elements) {
+    return list(std::span<const T>(elements));
+  }
+  template <class T>
+  ArenaList<T> list(std::span<const T> elements) {
     static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= kAlignment);
     if (elements.empty()) return {};
-    const std::size_t bytes = std::as_bytes(std::span(elements)).size();
+    const std::size_t bytes = elements.size_bytes();
     T* data = static_cast<T*>(allocate(bytes, alignof(T)));
     std::uninitialized_copy(elements.begin(), elements.end(), data);
     return {data, static_cast<std::uint32_t>(elements.size())};

@@ -90,9 +90,10 @@ Expr* Parser::parseConcat() {
 
 Expr* Parser::parseConcatChain(Expr* first) {
   const Site site = currentSite();
-  std::vector<Expr*> operands{first};
-  while (skip(TokenKind::DotDot)) operands.push_back(parseSum());
-  auto* chain = make<ConcatExpr>(chunk_.arena.list(operands), site);
+  ItemStack<Expr*>::List operands(expressions_);
+  operands.add(first);
+  while (skip(TokenKind::DotDot)) operands.add(parseSum());
+  auto* chain = make<ConcatExpr>(chunk_.arena.list(operands.items()), site);
   for (const Expr* operand : chain->operands) adopt(chain, operand);
   return complete(chain);
 }
@@ -143,7 +144,7 @@ Expr* Parser::parsePrimary() {
     case TokenKind::Number:
       return takeLiteral(Value(decimalNumber(current_.text)));
     case TokenKind::String:
-      return takeLiteral(Value(internLiteral(current_)));
+      return takeString();
     case TokenKind::Nil:
       return takeLiteral(Value());
     case TokenKind::True:
@@ -165,7 +166,7 @@ Expr* Parser::parsePrimary() {
 
 Expr* Parser::parseVariable() {
   Name* name = names_.find(current_.text);
-  return makeVariable(name, takeSite());
+  return makeVariable(*name, takeSite());
 }
 
 // No node is made for the parentheses, so `(f())` is the call itself.
@@ -231,11 +232,11 @@ ArenaList<Expr*> Parser::parseArguments() {
 }
 
 ArenaList<Expr*> Parser::parseExpressionList() {
-  std::vector<Expr*> expressions;
+  ItemStack<Expr*>::List expressions(expressions_);
   do {
-    expressions.push_back(parseExpression());
+    expressions.add(parseExpression());
   } while (skip(TokenKind::Comma));
-  return chunk_.arena.list(expressions);
+  return chunk_.arena.list(expressions.items());
 }
 
 // ---- Tables ----
@@ -247,20 +248,24 @@ Expr* Parser::parseTableConstructor() {
   auto* table = make<TableExpr>(fields, site);
   for (const TableExpr::Field& field : table->fields) {
     table->positionalCount += field.kind == TableExpr::FieldKind::Positional;
-    if (field.key != nullptr) adopt(table, field.key);
-    adopt(table, field.value);
+    if (field.kind == TableExpr::FieldKind::Keyed) adopt(table, field.key);
+    if (field.isConstant()) {
+      adoptHeight(table, 1);
+    } else {
+      adopt(table, field.value);
+    }
   }
   return complete(table);
 }
 
 ArenaList<TableExpr::Field> Parser::parseTableFields() {
   const Level level(*this);
-  std::vector<TableExpr::Field> fields;
+  ItemStack<TableExpr::Field>::List fields(fields_);
   while (!at(TokenKind::RightBrace) && !at(TokenKind::EndOfFile)) {
-    fields.push_back(parseTableField());
+    fields.add(parseTableField());
     if (!skip(TokenKind::Comma) && !skip(TokenKind::Semicolon)) break;
   }
-  return chunk_.arena.list(fields);
+  return chunk_.arena.list(fields.items());
 }
 
 TableExpr::Field Parser::parseTableField() {
@@ -270,9 +275,11 @@ TableExpr::Field Parser::parseTableField() {
     StringObject* name = internName(current_.text);
     take();
     take();
-    return {TableExpr::FieldKind::Named, name, nullptr, parseExpression(), site};
+    TableExpr::Field field = parseFieldValue(TableExpr::FieldKind::Named, site);
+    field.name = name;
+    return field;
   }
-  return {TableExpr::FieldKind::Positional, nullptr, nullptr, parseExpression(), site};
+  return parseFieldValue(TableExpr::FieldKind::Positional, site);
 }
 
 TableExpr::Field Parser::parseKeyedField() {
@@ -280,7 +287,18 @@ TableExpr::Field Parser::parseKeyedField() {
   Expr* key = parseExpression();
   expect(TokenKind::RightBracket, "expected ']' after table key");
   expect(TokenKind::Assign, "expected '=' after table key");
-  return {TableExpr::FieldKind::Keyed, nullptr, key, parseExpression(), site};
+  TableExpr::Field field = parseFieldValue(TableExpr::FieldKind::Keyed, site);
+  field.key = key;
+  return field;
+}
+
+TableExpr::Field Parser::parseFieldValue(TableExpr::FieldKind kind, Site site) {
+  Expr* value = parseExpression();
+  TableExpr::Field field(kind, site, value);
+  if (value->kind == ExprKind::Literal) {
+    moveIntoField(field, static_cast<LiteralExpr*>(value));
+  }
+  return field;
 }
 
 // ---- Functions ----
@@ -296,20 +314,20 @@ FunctionExpr* Parser::parseFunctionBody(Site site, StringObject* name, bool isMe
 
 // Reads the parameters and the closing parenthesis.
 ArenaList<Name*> Parser::parseParameters(bool isMethod) {
-  std::vector<Name*> parameters;
-  if (isMethod) parameters.push_back(names_.find("self"));
+  ItemStack<Name*>::List parameters(listedNames_);
+  if (isMethod) parameters.add(names_.find("self"));
   if (!at(TokenKind::RightParen)) {
     do {
-      parameters.push_back(expectName("expected parameter name"));
+      parameters.add(expectName("expected parameter name"));
     } while (skip(TokenKind::Comma));
   }
   expect(TokenKind::RightParen, "expected ')' after parameter list");
-  return chunk_.arena.list(parameters);
+  return chunk_.arena.list(parameters.items());
 }
 
 void Parser::parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind> terminators) {
   functions_.push_back({function, depth_});
-  function->body = parseBlock(terminators);
+  function->body = parseBlock(terminators, {function->parameters, false});
   const std::uint64_t levels = std::uint64_t{function->nesting} + functions_.back().innerLevels;
   if (levels > nestingLimit_) failTooDeep();
   functions_.pop_back();
@@ -320,10 +338,47 @@ void Parser::parseBodyOf(FunctionExpr* function, std::initializer_list<TokenKind
 
 // ---- Nodes ----
 
-Expr* Parser::takeLiteral(Value value) { return complete(make<LiteralExpr>(value, takeSite())); }
+// Where the latest literal like this one is, unless another one took its place; else null.
+LiteralExpr*& Parser::literalSlot(Value value) {
+  constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;  // tells neighbours and addresses apart
+  const auto [tag, bits] = wordsOf(value);
+  return literals_[(bits + tag) * kSpread >> 56];
+}
 
-VariableExpr* Parser::makeVariable(Name* name, Site site) {
-  return complete(make<VariableExpr>(name, site));
+bool Parser::isKnownLiteral(Value value) {
+  const LiteralExpr* const latest = literalSlot(value);
+  return latest != nullptr && wordsOf(latest->value) == wordsOf(value);
+}
+
+Expr* Parser::takeLiteral(Value value) {
+  isNewLiteral_ = !isKnownLiteral(value);
+  LiteralExpr*& slot = literalSlot(value);
+  if (isNewLiteral_) {
+    slot = spareLiteral_ != nullptr ? spareLiteral_ : make<LiteralExpr>(value, currentSite());
+    slot->value = value;
+    spareLiteral_ = nullptr;
+  }
+  LiteralExpr* const literal = slot;
+  take();
+  return complete(literal);
+}
+
+Expr* Parser::takeString() {
+  const Value text(internLiteral(current_));
+  isKnownLiteral(text) ? drop(text) : void(chunk_.own(text.string));
+  return takeLiteral(text);
+}
+
+// The field has the value; the node is left for the next literal, if nothing else refers to it.
+void Parser::moveIntoField(TableExpr::Field& field, LiteralExpr* literal) {
+  field.setConstant(literal->value);
+  if (!isNewLiteral_) return;
+  literalSlot(literal->value) = nullptr;
+  spareLiteral_ = literal;
+}
+
+VariableExpr* Parser::makeVariable(Name& name, Site site) {
+  return complete(scopes_.mention(name, *functions_.back().function, site));
 }
 
 Expr* Parser::makeBinary(Expr* left, Operator op, Expr* right) {

@@ -14,8 +14,17 @@ Parser::Parser(std::string_view source, const std::string& chunkName, ResolvedCh
       chunk_(chunk),
       strings_(strings),
       names_(chunk, strings),
+      scopes_(chunk),
       nestingLimit_(nestingLimit),
-      firstSite_(chunk.sites.first()) {}
+      firstSite_(chunk.sites.first()),
+      listMemory_(strings.heap()),
+      statements_(listMemory_),
+      expressions_(listMemory_),
+      targets_(listMemory_),
+      localNames_(listMemory_),
+      listedNames_(listMemory_),
+      branches_(listMemory_),
+      fields_(listMemory_) {}
 
 ArenaList<Node*> Parser::parseChunk(std::span<const std::string_view> parameters) {
   take();
@@ -24,6 +33,7 @@ ArenaList<Node*> Parser::parseChunk(std::span<const std::string_view> parameters
   for (const std::string_view name : parameters) names.push_back(names_.find(name));
   chunk_.main->parameters = chunk_.arena.list(names);
   parseBodyOf(chunk_.main, {});
+  scalars_.finish();
   return chunk_.main->body->statements;
 }
 
@@ -32,21 +42,33 @@ ArenaList<Node*> Parser::parseChunk(std::span<const std::string_view> parameters
 // Without terminators, the block is the rest of the text. Its end is for the caller to check and to
 // consume. Deliberate: `return` need not be the last statement, so that one can be put in for a
 // try.
-Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators) {
+Block* Parser::parseBlock(std::initializer_list<TokenKind> terminators, const Arriving& arriving) {
   const Level blockLevel(*this);
   const Level statementLevel(*this);
   noteHeight(0);
   const Site site = currentSite();
-  std::vector<Node*> statements;
+  Scopes::Scope scope(scopes_);
+  for (Name* name : arriving.names) {
+    LocalVariable* const variable = scopes_.declare(*name, *functions_.back().function);
+    variable->arriving = true;
+    variable->scalar = arriving.areScalar;
+  }
+  auto* const block = make<Block>(parseStatements(terminators), site);
+  block->variables = scope.first();
+  return block;
+}
+
+ArenaList<Node*> Parser::parseStatements(std::initializer_list<TokenKind> terminators) {
+  ItemStack<Node*>::List statements(statements_);
   for (;;) {
     while (skip(TokenKind::Semicolon)) continue;
     const TokenKind kind = current_.kind;
     if (kind == TokenKind::EndOfFile || std::ranges::find(terminators, kind) != terminators.end()) {
       break;
     }
-    statements.push_back(parseStatement());
+    statements.add(parseStatement());
   }
-  return make<Block>(chunk_.arena.list(statements), site);
+  return chunk_.arena.list(statements.items());
 }
 
 Stmt* Parser::parseStatement() {
@@ -93,13 +115,14 @@ Stmt* Parser::parseBreak() {
 
 Stmt* Parser::parseIf() {
   const Site site = takeSite();
-  std::vector<IfStmt::Branch> branches{parseBranch("expected 'then' after if condition")};
+  ItemStack<IfStmt::Branch>::List branches(branches_);
+  branches.add(parseBranch("expected 'then' after if condition"));
   while (skip(TokenKind::Elseif)) {
-    branches.push_back(parseBranch("expected 'then' after elseif condition"));
+    branches.add(parseBranch("expected 'then' after elseif condition"));
   }
   Block* otherwise = skip(TokenKind::Else) ? parseBlock({TokenKind::End}) : nullptr;
   expect(TokenKind::End, "expected 'end' after if statement");
-  return make<IfStmt>(chunk_.arena.list(branches), otherwise, site);
+  return make<IfStmt>(chunk_.arena.list(branches.items()), otherwise, site);
 }
 
 IfStmt::Branch Parser::parseBranch(const char* missingThen) {
@@ -128,7 +151,7 @@ Stmt* Parser::parseNumericFor(Name* variable, Site site) {
   Expr* limit = parseExpression();
   Expr* step = skip(TokenKind::Comma) ? parseExpression() : nullptr;
   expect(TokenKind::Do, "expected 'do' after numeric for range");
-  Block* body = parseLoopBody("expected 'end' after numeric for loop");
+  Block* body = parseLoopBody("expected 'end' after numeric for loop", {{&variable, 1}, true});
   return make<NumericForStmt>(variable, start, limit, step, body, site);
 }
 
@@ -137,19 +160,20 @@ Stmt* Parser::parseGenericFor(Name* firstName, Site site) {
   expect(TokenKind::In, "expected 'in' in generic for loop");
   const ArenaList<Expr*> iterators = parseExpressionList();
   expect(TokenKind::Do, "expected 'do' after generic for iterator");
-  Block* body = parseLoopBody("expected 'end' after generic for loop");
+  Block* body = parseLoopBody("expected 'end' after generic for loop", {names, false});
   return make<GenericForStmt>(names, iterators, body, site);
 }
 
 ArenaList<Name*> Parser::parseLoopNames(Name* first) {
-  std::vector<Name*> names{first};
-  while (skip(TokenKind::Comma)) names.push_back(expectName("expected loop variable name"));
-  return chunk_.arena.list(names);
+  ItemStack<Name*>::List names(listedNames_);
+  names.add(first);
+  while (skip(TokenKind::Comma)) names.add(expectName("expected loop variable name"));
+  return chunk_.arena.list(names.items());
 }
 
-Block* Parser::parseLoopBody(const char* missingEnd) {
+Block* Parser::parseLoopBody(const char* missingEnd, const Arriving& arriving) {
   ++functions_.back().loops;
-  Block* body = parseBlock({TokenKind::End});
+  Block* body = parseBlock({TokenKind::End}, arriving);
   --functions_.back().loops;
   expect(TokenKind::End, missingEnd);
   return body;
@@ -160,33 +184,54 @@ Block* Parser::parseLoopBody(const char* missingEnd) {
 Stmt* Parser::parseLocal() {
   const Site site = takeSite();
   if (at(TokenKind::Function)) return parseFunctionDeclaration(takeSite(), true);
-  const ArenaList<AssignTarget> names = parseLocalNames();
-  const ArenaList<Expr*> values =
-      skip(TokenKind::Assign) ? parseExpressionList() : ArenaList<Expr*>();
-  return make<AssignmentStmt>(true, names, values, site);
+  return parseLocalVariables(site);
 }
 
-ArenaList<AssignTarget> Parser::parseLocalNames() {
-  std::vector<AssignTarget> names;
+// The names are declared behind the values, so in `local x = x` the right one is the outer x.
+Stmt* Parser::parseLocalVariables(Site site) {
+  ItemStack<LocalName>::List names(localNames_);
   do {
-    const Site site = currentSite();
-    names.push_back({makeVariable(expectName("expected local variable name"), site)});
+    const Site nameSite = currentSite();
+    names.add({expectName("expected local variable name"), nameSite});
+    noteHeight(1);
   } while (skip(TokenKind::Comma));
-  return chunk_.arena.list(names);
+  const ArenaList<Expr*> values =
+      skip(TokenKind::Assign) ? parseExpressionList() : ArenaList<Expr*>();
+  auto* const statement = make<AssignmentStmt>(true, declare(names.items()), values, site);
+  scalars_.note(*statement);
+  return statement;
+}
+
+ArenaList<AssignTarget> Parser::declare(std::span<const LocalName> names) {
+  const FunctionExpr& function = *functions_.back().function;
+  ItemStack<AssignTarget>::List targets(targets_);
+  for (const LocalName& local : names) {
+    scopes_.declare(*local.name, function);
+    targets.add({scopes_.mention(*local.name, function, local.site)});
+  }
+  return chunk_.arena.list(targets.items());
 }
 
 Stmt* Parser::parseFunctionDeclaration(Site keyword, bool isLocal) {
   if (isLocal) return parseLocalFunction(keyword);
   const DeclaredName name = parseDeclaredName();
+  if (LocalVariable* const variable = localOf(*name.target.expression)) {
+    variable->assigned = true;
+    variable->scalar = false;
+  }
   FunctionExpr* function = parseFunctionBody(keyword, name.text, name.isMethod);
   return make<FunctionDeclarationStmt>(false, name.target, function, keyword);
 }
 
+// The name is declared before the body, which can therefore call the function.
 Stmt* Parser::parseLocalFunction(Site keyword) {
   const Site nameSite = currentSite();
   Name* name = expectName("expected local function name");
-  VariableExpr* target = makeVariable(name, nameSite);
+  LocalVariable* variable = scopes_.declare(*name, *functions_.back().function);
+  variable->scalar = false;
+  VariableExpr* target = makeVariable(*name, nameSite);
   FunctionExpr* function = parseFunctionBody(keyword, name->text, false);
+  variable->function = function;
   return make<FunctionDeclarationStmt>(true, AssignTarget{target}, function, keyword);
 }
 
@@ -194,7 +239,7 @@ Parser::DeclaredName Parser::parseDeclaredName() {
   const Site site = currentSite();
   Name* name = expectName("expected function name");
   std::string text(name->text->view());
-  Expr* target = makeVariable(name, site);
+  Expr* target = makeVariable(*name, site);
   while (skip(TokenKind::Dot)) {
     name = expectName("expected field name after '.'");
     text.append(".").append(name->text->view());
@@ -230,13 +275,25 @@ Stmt* Parser::parseAssignment(Expr* firstTarget, Site site) {
   const ArenaList<AssignTarget> targets = parseTargets(firstTarget);
   expect(TokenKind::Assign, "expected '=' in assignment");
   const ArenaList<Expr*> values = parseExpressionList();
-  return make<AssignmentStmt>(false, targets, values, site);
+  auto* const statement = make<AssignmentStmt>(false, targets, values, site);
+  for (const AssignTarget& target : targets) {
+    if (LocalVariable* const variable = localOf(*target.expression)) variable->assigned = true;
+  }
+  scalars_.note(*statement);
+  return statement;
 }
 
 ArenaList<AssignTarget> Parser::parseTargets(Expr* first) {
-  std::vector<AssignTarget> targets{asAssignTarget(first)};
-  while (skip(TokenKind::Comma)) targets.push_back(asAssignTarget(parsePrefixExpression()));
-  return chunk_.arena.list(targets);
+  ItemStack<AssignTarget>::List targets(targets_);
+  targets.add(asAssignTarget(first));
+  while (skip(TokenKind::Comma)) targets.add(asAssignTarget(parsePrefixExpression()));
+  return chunk_.arena.list(targets.items());
+}
+
+// The local that a target is; null for anything else.
+LocalVariable* Parser::localOf(const Expr& target) {
+  if (target.kind != ExprKind::Variable) return nullptr;
+  return static_cast<const VariableExpr&>(target).local();
 }
 
 AssignTarget Parser::asAssignTarget(Expr* expression) {
@@ -282,11 +339,11 @@ Name* Parser::expectName(const char* message) {
 }
 
 StringObject* Parser::internLiteral(const Token& literal) {
-  if (!literal.hasEscapes) return chunk_.own(strings_.intern(literal.text));
+  if (!literal.hasEscapes) return strings_.intern(literal.text);
   strings_.heap().requireRoom(literal.text.size());
   decoded_.clear();
   appendDecoded(decoded_, literal.text);
-  return chunk_.own(strings_.intern(decoded_));
+  return strings_.intern(decoded_);
 }
 
 void Parser::noteHeight(std::uint32_t height) {

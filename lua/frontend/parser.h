@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -9,8 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "lua/frontend/item_stack.h"
 #include "lua/frontend/lexer.h"
 #include "lua/frontend/name_table.h"
+#include "lua/frontend/scalars.h"
+#include "lua/frontend/scopes.h"
 #include "lua/frontend/syntax_tree.h"
 #include "lua/frontend/token.h"
 #include "lua/value/string_pool.h"
@@ -64,6 +68,12 @@ class Parser {
     Parser& parser_;
   };
 
+  // A name of a local declaration, whose values may still have to be read.
+  struct LocalName {
+    Name* name;
+    Site site;
+  };
+
   // An operator, whose operands may still have to be read.
   struct Operator {
     TokenKind kind;
@@ -71,7 +81,13 @@ class Parser {
   };
 
   // Statements (parse_statements.cpp).
-  Block* parseBlock(std::initializer_list<TokenKind> terminators);
+  // The variables that arrive in a body: parameters, or those of a loop.
+  struct Arriving {
+    ArenaList<Name*> names;
+    bool areScalar;
+  };
+  Block* parseBlock(std::initializer_list<TokenKind> terminators, const Arriving& arriving = {});
+  ArenaList<Node*> parseStatements(std::initializer_list<TokenKind> terminators);
   Stmt* parseStatement();
   Stmt* parseReturn();
   Stmt* parseWhile();
@@ -82,13 +98,14 @@ class Parser {
   Stmt* parseFor();
   Stmt* parseNumericFor(Name* variable, Site site);
   Stmt* parseGenericFor(Name* firstName, Site site);
-  Block* parseLoopBody(const char* missingEnd);
+  Block* parseLoopBody(const char* missingEnd, const Arriving& arriving = {});
   Stmt* parseFunctionDeclaration(Site keyword, bool isLocal);
   Stmt* parseLocalFunction(Site keyword);
   Stmt* parseAssignmentOrCall();
   Stmt* parseAssignment(Expr* firstTarget, Site site);
   AssignTarget asAssignTarget(Expr* expression);
-  ArenaList<AssignTarget> parseLocalNames();
+  Stmt* parseLocalVariables(Site site);
+  ArenaList<AssignTarget> declare(std::span<const LocalName> names);
   ArenaList<AssignTarget> parseTargets(Expr* first);
   ArenaList<Name*> parseLoopNames(Name* first);
 
@@ -127,6 +144,7 @@ class Parser {
   ArenaList<TableExpr::Field> parseTableFields();
   TableExpr::Field parseTableField();
   TableExpr::Field parseKeyedField();
+  TableExpr::Field parseFieldValue(TableExpr::FieldKind kind, Site site);
   ArenaList<Expr*> parseExpressionList();
   ArenaList<Expr*> parseArguments();
   FunctionExpr* parseFunctionBody(Site site, StringObject* name, bool isMethod);
@@ -135,7 +153,12 @@ class Parser {
 
   // Nodes.
   Expr* takeLiteral(Value value);
-  VariableExpr* makeVariable(Name* name, Site site);
+  Expr* takeString();
+  VariableExpr* makeVariable(Name& name, Site site);
+  static LocalVariable* localOf(const Expr& target);
+  LiteralExpr*& literalSlot(Value value);
+  bool isKnownLiteral(Value value);
+  void moveIntoField(TableExpr::Field& field, LiteralExpr* literal);
   Expr* makeBinary(Expr* left, Operator op, Expr* right);
   Expr* completeCall(CallExpr* call, const Expr* calleeOrObject);
   FunctionExpr* makeFunction(StringObject* name, Site site);
@@ -145,10 +168,11 @@ class Parser {
     return chunk_.arena.make<T>(std::forward<Arguments>(arguments)...);
   }
 
+  static void adoptHeight(Expr* parent, std::uint32_t childHeight) {
+    if (childHeight >= parent->height) parent->height = static_cast<std::uint16_t>(childHeight + 1);
+  }
   static void adopt(Expr* parent, const Expr* child) {
-    if (child->height >= parent->height) {
-      parent->height = static_cast<std::uint16_t>(child->height + 1);
-    }
+    adoptHeight(parent, child->height);
     if (child->mayRunCode) parent->mayRunCode = true;
   }
 
@@ -176,7 +200,7 @@ class Parser {
   Name* expectName(const char* message);
 
   StringObject* internName(std::string_view text) { return names_.find(text)->text; }
-  StringObject* internLiteral(const Token& literal);
+  StringObject* internLiteral(const Token& literal);  // owned
 
   // Fail at the current token.
   [[noreturn, gnu::noinline]] void fail(const char* message);
@@ -188,9 +212,24 @@ class Parser {
   ResolvedChunk& chunk_;
   StringPool& strings_;
   NameTable names_;
+  Scopes scopes_;
+  ScalarFinder scalars_;
   const std::uint32_t nestingLimit_;
   const Site firstSite_;
-  std::uint32_t depth_ = 0;              // levels that are open
+  std::uint32_t depth_ = 0;  // levels that are open
+  // The latest literal nodes, by their values.
+  std::array<LiteralExpr*, 256> literals_{};
+  bool isNewLiteral_ = false;  // the latest literal has a node that nothing else refers to
+  LiteralExpr* spareLiteral_ = nullptr;  // a node that nothing refers to
+  // What has been read of the lists that are open.
+  MemoryCharge listMemory_;
+  ItemStack<Node*> statements_;
+  ItemStack<Expr*> expressions_;
+  ItemStack<AssignTarget> targets_;
+  ItemStack<LocalName> localNames_;
+  ItemStack<Name*> listedNames_;
+  ItemStack<IfStmt::Branch> branches_;
+  ItemStack<TableExpr::Field> fields_;
   std::vector<OpenFunction> functions_;  // innermost last; the chunk itself first
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -9,7 +11,7 @@
 #include "lua/value/site_table.h"
 #include "lua/value/value.h"
 
-// The tree that the parser builds, the resolver binds, the frame planner lays out and the evaluator
+// The tree that the parser builds and binds, the frame planner lays out and the evaluator
 // walks. A chunk's nodes live in the chunk's arena and are plain data; closures keep the chunk
 // alive. The tree belongs to one interpreter (its literals are that interpreter's strings) and is
 // immutable once it runs, but for the lookup hints.
@@ -58,8 +60,8 @@ struct Name {
 
   StringObject* text;  // kept alive by the chunk
   std::uint32_t hash;
-  LocalVariable* local = nullptr;  // while the chunk is resolved, its innermost declaration
-  Value* cell = nullptr;           // of the global of this name, once one is mentioned
+  LocalVariable* local = nullptr;  // while the chunk is read, its innermost declaration
+  VariableExpr* global = nullptr;  // the global of this name, once it is mentioned
 };
 
 // One declared local name: a parameter, a loop variable, or a name of a local declaration.
@@ -71,6 +73,8 @@ struct LocalVariable {
   const FunctionExpr* declaredIn;
   const FunctionExpr* function = nullptr;  // of `local function`, the function that it names
   LocalVariable* next = nullptr;           // of the same block, in order of declaration
+  VariableExpr* mention = nullptr;         // the latest, and the function that it is in
+  const FunctionExpr* mentionedIn = nullptr;
   SlotOffset offset = 0;  // of its slot in the frame, which holds it or owns its Environment
   bool arriving = false;  // a parameter or loop variable
   bool captured = false;  // a function nested in the declaring one refers to it
@@ -132,6 +136,11 @@ struct Expr : Node {
   NodeFunction peek = nullptr;       // see access_objects.h; only where `peekable` allows it
 };
 
+// A value as its tag and what is beside it.
+using ValueWords = std::array<std::uint64_t, 2>;
+inline ValueWords wordsOf(const Value& value) noexcept { return std::bit_cast<ValueWords>(value); }
+
+// Equal literals of a chunk may be one node.
 struct LiteralExpr : Expr {
   LiteralExpr(Value literal, Site nodeSite) : Expr(ExprKind::Literal, nodeSite), value(literal) {}
 
@@ -148,9 +157,12 @@ enum class VariableHome : std::uint8_t {
   Global,
 };
 
+// All mentions of a variable in a function, or of a global in a chunk, may be one node.
 struct VariableExpr : Expr {
-  VariableExpr(Name* variableName, Site nodeSite)
-      : Expr(ExprKind::Variable, nodeSite), name(variableName) {}
+  VariableExpr(const Name& globalName, Site nodeSite)
+      : Expr(ExprKind::Variable, nodeSite), name(&globalName) {}
+  VariableExpr(LocalVariable& local, Site nodeSite)
+      : Expr(ExprKind::Variable, nodeSite), variable(&local), home(VariableHome::Frame) {}
 
   // The local that the name is bound to; null for a global.
   LocalVariable* local() const noexcept {
@@ -158,8 +170,8 @@ struct VariableExpr : Expr {
   }
 
   union {
-    Name* name;               // until the resolver has bound it
     LocalVariable* variable;  // of a local
+    const Name* name;         // Global, until its frame is planned
     Value* cell;              // Global
   };
   union {
@@ -208,11 +220,33 @@ struct ConcatExpr : Expr {
 struct TableExpr : Expr {
   enum class FieldKind : std::uint8_t { Positional = 0, Named = 1, Keyed = 2 };
   struct Field {
+    Field(FieldKind fieldKind, Site fieldSite, Expr* fieldValue)
+        : kind(fieldKind), site(fieldSite), value(fieldValue) {}
+
+    bool isConstant() const noexcept { return constantTag != kNoConstant; }
+    Value constant() const noexcept {
+      return std::bit_cast<Value>(ValueWords{constantTag, constantBits});
+    }
+    // Most of what long constructors list are literals: these need no nodes of their own.
+    void setConstant(const Value& literal) noexcept {
+      constantTag = static_cast<std::uint8_t>(literal.tag);
+      constantBits = wordsOf(literal)[1];
+    }
+
     FieldKind kind;
-    StringObject* name;  // Named
-    Expr* key;           // Keyed
-    Expr* value;
+    std::uint8_t constantTag = kNoConstant;
     Site site;  // of the field's first token
+    union {
+      StringObject* name = nullptr;  // Named
+      Expr* key;                     // Keyed
+    };
+    union {
+      Expr* value;
+      std::uint64_t constantBits;  // of a constant: the Value without its tag
+    };
+
+   private:
+    static constexpr std::uint8_t kNoConstant = 255;
   };
 
   TableExpr(ArenaList<Field> tableFields, Site nodeSite)

@@ -4,15 +4,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/stdlib/library.h"
+#include "lua/stdlib/patterns/match_iterator.h"
 #include "lua/stdlib/patterns/searcher.h"
 #include "lua/stdlib/results.h"
 #include "lua/stdlib/text_builder.h"
-#include "lua/value/iterator_state.h"
 
 // string.find, string.match, string.gmatch, string.gsub.
 
@@ -28,23 +27,6 @@ std::size_t requireInit(const char* name, ValueSpan args, std::size_t index, Sit
 }
 
 Value positionValue(std::size_t position) { return Value(static_cast<std::int64_t>(position)); }
-
-// Calls visit(match) for each match from left to right. Each search sees what follows the match
-// before it, or, where that was empty, what follows the next byte.
-template <class Visit>
-void forEachMatch(WorkMeter& meter, const PatternSearcher& searcher, std::string_view subject,
-                  Site site, Visit visit) {
-  PatternMatch match;
-  std::size_t cursor = 0;
-  while (searcher.find(subject, cursor, match)) {
-    meter.step(site);
-    visit(match);
-    cursor = match.end;
-    if (match.start != match.end) continue;
-    if (cursor == subject.size()) return;
-    ++cursor;
-  }
-}
 
 }  // namespace
 
@@ -86,26 +68,12 @@ Value stringMatch(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, S
   return results.take();
 }
 
-// All matches are found here, so the loop sees the subject as it is now and a pattern that fails
-// does so in this call.
 Value stringGmatch(LuaVM& vm, ValueSpan args, Site site) {
   requireArgumentCount("string.gmatch", args.size(), 2, 2);
-  const StringObject& subject = requireString("string.gmatch", args, 0, site);
-  StringObject& pattern = requireString("string.gmatch", args, 1, site);
+  requireString("string.gmatch", args, 0, site);
+  requireString("string.gmatch", args, 1, site);
   LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
-  const PatternSearcher searcher(*interpreter.patterns, pattern, site);
-  ValueList items(interpreter.heap);
-  forEachMatch(interpreter.heap.meter(), searcher, subject.view(), site,
-               [&](const PatternMatch& match) {
-                 if (match.captures.empty())
-                   items.push(makeText(interpreter.strings, match.text, site));
-                 for (const std::string_view capture : match.captures) {
-                   items.push(makeText(interpreter.strings, capture, site));
-                 }
-               });
-  const std::size_t itemSize = std::max<std::size_t>(searcher.captureCount(), 1);
-  return Value(IteratorState::createGmatch(interpreter.heap, std::move(items),
-                                           static_cast<std::uint32_t>(itemSize)));
+  return Value(createMatchIterator(interpreter, args[0], args[1], site));
 }
 
 // The replacement goes in as it is: nothing in it is expanded, and a function or table is not asked

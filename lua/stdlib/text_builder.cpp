@@ -32,10 +32,10 @@ TextBuilder::TextBuilder(Heap& heap, std::size_t expectedLength, Site site)
   text_.string->length = 0;
 }
 
-void TextBuilder::append(std::string_view bytes) {
+void TextBuilder::appendSlowly(std::string_view bytes) {
   makeRoom(bytes.size());
-  if (bytes.size() >= kBytesPerStep) return appendLong(bytes);
-  text_.string->append(bytes);
+  inPieces(heap_.meter(), bytes, site_,
+           [this](std::string_view piece) { text_.string->append(piece); });
 }
 
 void TextBuilder::makeRoom(std::size_t bytes) {
@@ -50,11 +50,6 @@ void TextBuilder::addFilled(std::size_t bytes) noexcept {
   StringObject& text = *text_.string;
   text.length += bytes;
   text.data()[text.length] = '\0';
-}
-
-void TextBuilder::appendLong(std::string_view bytes) {
-  inPieces(heap_.meter(), bytes, site_,
-           [this](std::string_view piece) { text_.string->append(piece); });
 }
 
 void TextBuilder::append(const Value& value) {

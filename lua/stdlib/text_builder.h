@@ -40,7 +40,13 @@ class TextBuilder {
   TextBuilder(const TextBuilder&) = delete;
   TextBuilder& operator=(const TextBuilder&) = delete;
 
-  void append(std::string_view bytes);
+  void append(std::string_view bytes) {
+    if (bytes.size() < kBytesPerStep && bytes.size() <= text_.string->room()) [[likely]] {
+      text_.string->append(bytes);
+    } else {
+      appendSlowly(bytes);
+    }
+  }
   // Appends the printable form.
   void append(const Value& value);
 
@@ -57,7 +63,7 @@ class TextBuilder {
 
  private:
   void makeRoom(std::size_t bytes);
-  [[gnu::noinline]] void appendLong(std::string_view bytes);
+  void appendSlowly(std::string_view bytes);
 
   Heap& heap_;
   Site site_;

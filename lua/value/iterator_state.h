@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tarvel/lua/lua_vm.h>
+
 #include <cstdint>
 
 #include "lua/value/heap.h"
@@ -14,12 +16,19 @@ namespace tarvel::lua::internal {
 struct IteratorState : Object {
   enum class Kind : std::uint8_t { Pairs = 0, Gmatch = 1, Ipairs = 2 };
 
+  // As nextIteratorItem.
+  using Step = bool (*)(LuaVM::Impl& interpreter, IteratorState& state, Value* slots,
+                        std::uint32_t count, Site site);
+
   Kind kind;
-  // Pairs, Gmatch: all items as they were when the iterator was made, `itemSize` owned values each.
+  // Pairs: all items as they were when the iterator was made, a key and a value each. Gmatch: what
+  // `step` needs.
   ValueList values;
-  std::uint32_t itemSize = 2;
-  // The next item's first value in `values`; Ipairs: the last index delivered.
+  // Pairs: the next item's place in `values`. Ipairs: the last index delivered. Gmatch: `step`'s.
   std::uint64_t position = 0;
+  // Gmatch: finds the next match.
+  Step step = nullptr;
+  std::uint32_t itemSize = 2;  // values; Gmatch: `step`'s
   // Ipairs: the table, owned and read live, and its length when the iterator was made.
   Table* table = nullptr;
   std::uint64_t limit = 0;
@@ -31,7 +40,7 @@ struct IteratorState : Object {
   // All return an owned reference.
   static IteratorState* createPairs(Heap& heap, Table& table, Site site);
   static IteratorState* createIpairs(Heap& heap, Table& table);
-  static IteratorState* createGmatch(Heap& heap, ValueList&& items, std::uint32_t valuesPerMatch);
+  static IteratorState* createGmatch(Heap& heap, ValueList&& values, Step step);
 };
 
 }  // namespace tarvel::lua::internal

@@ -72,13 +72,6 @@ StringObject* StringObject::reserveInPlace(Heap& heap, StringObject* text, std::
   return text;
 }
 
-void StringObject::append(std::string_view more) noexcept {
-  std::copy_n(more.data(), more.size(), data() + length);
-  length += more.size();
-  data()[length] = '\0';
-  cachedHash = 0;
-}
-
 std::uint32_t StringObject::hashOf(std::string_view bytes) noexcept {
   const std::uint32_t hash = hashOfBytes(bytes, processHashSecrets());
   return hash != 0 ? hash : 1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -34,8 +35,15 @@ struct StringObject : Object {
   // returns the string's new place; on failure (std::bad_alloc) the old one stays as it was. Room
   // grows by half, so that appending n bytes one by one costs O(n).
   static StringObject* reserveInPlace(Heap& heap, StringObject* text, std::size_t more);
+  // The bytes that can be appended to such a string before it has to move.
+  std::size_t room() const noexcept { return blockBytes() - sizeof(StringObject) - 1 - length; }
   // Appends to such a string, within its room.
-  void append(std::string_view more) noexcept;
+  void append(std::string_view more) noexcept {
+    std::copy_n(more.data(), more.size(), data() + length);
+    length += more.size();
+    data()[length] = '\0';
+    cachedHash = 0;
+  }
 
   std::size_t blockBytes() const noexcept {
     return static_cast<std::size_t>(capacityUnits) * Heap::kGranularity;

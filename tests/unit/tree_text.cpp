@@ -151,7 +151,9 @@ class TreeWriter {
       case ExprKind::Concat:
         return write(as<ConcatExpr>(expression).operands);
       case ExprKind::Table:
-        for (const TableExpr::Field& field : as<TableExpr>(expression).fields) write(*field.value);
+        for (const TableExpr::Field& field : as<TableExpr>(expression).fields) {
+          field.isConstant() ? word(field.constant().toString()) : write(*field.value);
+        }
         return;
       case ExprKind::Field:
         return write(*as<FieldExpr>(expression).object);

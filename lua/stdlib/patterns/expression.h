@@ -24,6 +24,7 @@ class PatternExpression {
   std::uint64_t stepsForCompiling() const noexcept;
   std::size_t memory() const noexcept;  // bytes
   std::size_t captureCount() const noexcept;
+  bool canFail() const noexcept { return !matcher_; }  // in a search
 
   // As PatternSearcher::find.
   bool search(std::string_view subject, std::size_t from, PatternMatch& match, Site site) {

@@ -90,8 +90,7 @@ class Metered {
 // Past the bytes that are in the set, or with `inSet` false, that are not.
 template <bool inSet>
 const char* skip(const char* next, const char* end, TableSet set) noexcept {
-  while (next != end && set.contains(*next) == inSet) ++next;
-  return next;
+  return std::find_if(next, end, [set](char byte) { return set.contains(byte) != inSet; });
 }
 
 // The same downward: what is returned is behind the byte that ended it.
@@ -149,8 +148,9 @@ std::string_view Matcher::searchFrom(Work work) {
     }
     work.attempt();
     firstRunEnd_ = next;
-    if (const char* const matchEnd = matchAt(work, next))
-      return {next, static_cast<std::size_t>(matchEnd - next)};
+    const char* const matchEnd =
+        program_.isRun ? endOfRun(work, program_.instructions[0], next, end_) : matchAt(work, next);
+    if (matchEnd != nullptr) return {next, static_cast<std::size_t>(matchEnd - next)};
     if (next == end_ || program_.attempts == MatcherProgram::Attempts::Once) return {};
     hasFailed = true;
     next = std::max(next + 1, firstRunEnd_);
@@ -208,6 +208,7 @@ const char* Matcher::matchAt(Work& work, const char* start) {
   using Kind = Instruction::Kind;
   const Instruction* next = program_.instructions.data();
   const char* at = start;
+  const char* const end = end_;
   Choice* top = choices_.data();
   // Each round is one instruction, and where that fails, one of the choices.
   for (;;) {
@@ -215,12 +216,12 @@ const char* Matcher::matchAt(Work& work, const char* start) {
     const Instruction& now = *next;
     switch (now.kind) {
       case Kind::Byte:
-        if (at == end_ || *at != now.byte) break;
+        if (at == end || *at != now.byte) break;
         ++at;
         ++next;
         continue;
       case Kind::Text:
-        if (static_cast<std::size_t>(end_ - at) < now.length ||
+        if (static_cast<std::size_t>(end - at) < now.length ||
             std::memcmp(at, program_.texts.data() + now.text, now.length) != 0) {
           break;
         }
@@ -228,7 +229,7 @@ const char* Matcher::matchAt(Work& work, const char* start) {
         ++next;
         continue;
       case Kind::Set:
-        if (at == end_ || !now.set.contains(*at)) break;
+        if (at == end || !now.set.contains(*at)) break;
         ++at;
         ++next;
         continue;
@@ -236,7 +237,7 @@ const char* Matcher::matchAt(Work& work, const char* start) {
       case Kind::RunUntil:
       case Kind::CapturedRun:
       case Kind::CapturedRunUntil: {
-        const char* const runEnd = endOfRun(work, now, at, end_);
+        const char* const runEnd = endOfRun(work, now, at, end);
         if (now.isFirst) firstRunEnd_ = runEnd;
         if (now.needsOne && runEnd == at) break;
         if (now.kind == Kind::CapturedRun || now.kind == Kind::CapturedRunUntil)
@@ -246,10 +247,10 @@ const char* Matcher::matchAt(Work& work, const char* start) {
         continue;
       }
       case Kind::Greedy: {
-        const char* const runEnd = endOfRun(work, now, at, end_);
+        const char* const runEnd = endOfRun(work, now, at, end);
         if (now.needsOne && runEnd == at) break;
         *top++ = {next, at + (now.needsOne ? 1 : 0), runEnd};
-        if (runEnd == end_ ? !now.followsAtEnd : !now.follow.contains(*runEnd)) break;
+        if (runEnd == end ? !now.followsAtEnd : !now.follow.contains(*runEnd)) break;
         at = runEnd;
         ++next;
         continue;
@@ -258,18 +259,18 @@ const char* Matcher::matchAt(Work& work, const char* start) {
         *top++ = {next, at, at};
         break;
       case Kind::Possible:
-        if (at != end_ && now.set.contains(*at)) ++at;
+        if (at != end && now.set.contains(*at)) ++at;
         ++next;
         continue;
       case Kind::PossibleGreedy:
-        if (at != end_ && now.set.contains(*at)) {
+        if (at != end && now.set.contains(*at)) {
           *top++ = {next, at, at};
           ++at;
         }
         ++next;
         continue;
       case Kind::PossibleLazy:
-        if (at != end_ && now.set.contains(*at)) *top++ = {next, at, at + 1};
+        if (at != end && now.set.contains(*at)) *top++ = {next, at, at + 1};
         ++next;
         continue;
       case Kind::GroupOpen:
@@ -287,7 +288,7 @@ const char* Matcher::matchAt(Work& work, const char* start) {
         ++next;
         continue;
       case Kind::End:
-        if (at != end_) break;
+        if (at != end) break;
         ++next;
         continue;
       case Kind::Accept:

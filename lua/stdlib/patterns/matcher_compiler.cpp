@@ -68,6 +68,8 @@ class Compiler {
     for (std::size_t i = 0; i < terms_.size();) i = compileTerm(i);
     add(Instruction::Kind::Accept);
     if (hasTooManySets_) return std::nullopt;
+    const Instruction& first = program_.instructions.front();
+    program_.isRun = program_.instructions.size() == 2 && first.isRun() && first.needsOne;
     program_.tables.fill();
     for (const auto& [place, number] : setUses_) *placeOf(place) = program_.tables.at(number);
     return std::move(program_);

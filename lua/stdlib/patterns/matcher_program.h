@@ -51,6 +51,8 @@ struct Instruction {
   TableSet set;
   TableSet follow;  // Greedy, Lazy: what the bytes that follow can start with
   TableSet stop;    // Lazy: `follow`, and all that is not in `set`
+
+  bool isRun() const noexcept { return kind == Kind::Run || kind == Kind::RunUntil; }
 };
 
 // Text that stands in a match.
@@ -83,6 +85,8 @@ struct MatcherProgram {
   // It starts with a repetition of bytes that cannot start what follows: where it does not match at
   // one place of such a run, it does not at the later ones.
   bool startsWithRun = false;
+  // It is such a repetition of at least one byte, and nothing else, not even a group.
+  bool isRun = false;
   // Behind the prefix; empty if there is none.
   MatcherText required;
   // A match ends at the end of the subject, and starts with at most so many bytes before the bytes

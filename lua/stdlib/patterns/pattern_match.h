@@ -18,7 +18,7 @@ struct PatternMatch {
   void set(std::string_view subject, std::size_t offset, std::size_t length) noexcept {
     start = offset;
     end = offset + length;
-    text = subject.substr(offset, length);
+    text = {subject.data() + offset, length};
   }
 };
 

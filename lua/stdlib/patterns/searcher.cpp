@@ -35,7 +35,9 @@ PatternExpression& PatternCache::lookup(StringObject& pattern, Site site) {
   const auto found = kept_.find(&pattern);
   if (found == kept_.end()) return keep(pattern, compile(pattern, site));
   if (found->second.countedInRun != meter().currentRun()) countAgain(pattern, found->second, site);
-  return *found->second.expression;
+  PatternExpression& expression = *found->second.expression;
+  if (found->first == &pattern) recentOf(pattern) = {&pattern, &expression, meter().currentRun()};
+  return expression;
 }
 
 // Where there is no memory, what is kept makes room.
@@ -74,6 +76,7 @@ void PatternCache::countAgain(StringObject& pattern, Kept& kept, Site site) {
 }
 
 void PatternCache::forgetOldest() noexcept {
+  recents_ = {};
   const auto oldest = kept_.find(keys_.front().get().string);
   keptMemory_ -= oldest->second.expression->memory();
   kept_.erase(oldest);
@@ -81,6 +84,7 @@ void PatternCache::forgetOldest() noexcept {
 }
 
 void PatternCache::forgetAll() noexcept {
+  recents_ = {};
   kept_.clear();
   keys_.clear();
   keptMemory_ = 0;
@@ -103,10 +107,12 @@ bool isPlainText(std::string_view pattern) noexcept {
 
 }  // namespace
 
-PatternSearcher::PatternSearcher(PatternCache& cache, StringObject& pattern, Site site, bool plain)
-    : meter_(cache.meter()), site_(site), text_(pattern.view()) {
-  meter_.spend(stepsForBytes(text_.size()), site);
-  if (!plain && !isPlainText(text_)) expression_ = &cache.lookup(pattern, site);
+void PatternSearcher::lookUp(PatternCache& cache, StringObject& pattern) {
+  if (!isPlainText(text_)) expression_ = &cache.lookup(pattern, site_);
+}
+
+bool PatternSearcher::canFail() const noexcept {
+  return expression_ != nullptr && expression_->canFail();
 }
 
 bool PatternSearcher::find(std::string_view subject, std::size_t from, PatternMatch& match) const {

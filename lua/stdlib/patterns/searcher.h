@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -36,6 +37,14 @@ class PatternCache {
   // is too complex" at `site` for one that would take too long to compile.
   PatternExpression& lookup(StringObject& pattern, Site site);
 
+  // What `lookup` returned for this string object the last time, if that is still so and was in
+  // this run; else null.
+  PatternExpression* recall(const StringObject& pattern) noexcept {
+    const Recent& recent = recentOf(pattern);
+    const bool isIt = recent.pattern == &pattern && recent.run == meter().currentRun();
+    return isIt ? recent.expression : nullptr;
+  }
+
   WorkMeter& meter() noexcept { return heap_.meter(); }
 
  private:
@@ -49,9 +58,20 @@ class PatternCache {
     std::unique_ptr<PatternExpression> expression;
     std::uint64_t countedInRun;
   };
+  // Of a pattern in `keys_`.
+  struct Recent {
+    const StringObject* pattern = nullptr;
+    PatternExpression* expression = nullptr;
+    std::uint64_t run = 0;
+  };
+  static constexpr std::size_t kRecents = 16;
   using Expressions = std::unordered_map<StringObject*, Kept, HashOfBytes, SameBytes>;
 
   std::unique_ptr<PatternExpression> compile(StringObject& pattern, Site site);
+  Recent& recentOf(const StringObject& pattern) noexcept {
+    const auto address = reinterpret_cast<std::uintptr_t>(&pattern);
+    return recents_[(address / 32 ^ address / 512) % kRecents];
+  }
   PatternExpression& keep(StringObject& pattern, std::unique_ptr<PatternExpression> expression);
   void countAgain(StringObject& pattern, Kept& kept, Site site);
   void forgetOldest() noexcept;
@@ -60,6 +80,7 @@ class PatternCache {
   Heap& heap_;
   std::deque<OwnedValue> keys_;  // what the keys of kept_ point to, oldest first
   Expressions kept_;
+  std::array<Recent, kRecents> recents_;
   std::size_t keptMemory_ = 0;                        // bytes
   std::unique_ptr<PatternExpression> tooLongToKeep_;  // the latest such one
 };
@@ -70,16 +91,27 @@ class PatternCache {
 class PatternSearcher {
  public:
   // Throws as PatternCache::lookup does. What a search does counts as work.
-  PatternSearcher(PatternCache& cache, StringObject& pattern, Site site, bool plain = false);
+  PatternSearcher(PatternCache& cache, StringObject& pattern, Site site, bool plain = false)
+      : meter_(cache.meter()),
+        site_(site),
+        text_(pattern.view()),
+        expression_(plain ? nullptr : cache.recall(pattern)) {
+    meter_.spend(stepsForBytes(text_.size()), site);
+    if (expression_ == nullptr && !plain) lookUp(cache, pattern);
+  }
 
   // Finds the leftmost match in what follows the offset `from` (at most the subject's length). The
   // bytes before it do not exist for the expression, so `^` matches there. Throws std::regex_error
   // (error_stack) where the stack that is left may not do for the search.
   bool find(std::string_view subject, std::size_t from, PatternMatch& match) const;
 
+  // Whether a search may throw (std::regex_error): where std::regex searches.
+  bool canFail() const noexcept;
   std::size_t captureCount() const noexcept;
 
  private:
+  void lookUp(PatternCache& cache, StringObject& pattern);
+
   WorkMeter& meter_;
   Site site_;
   std::string_view text_;
@@ -90,5 +122,22 @@ class PatternSearcher {
 // PatternSearcher does.
 bool findPattern(PatternCache& cache, std::string_view subject, StringObject& pattern,
                  std::size_t init, bool plain, PatternMatch& match, Site site);
+
+// Calls visit(match) for each match from left to right. Each search sees what follows the match
+// before it, or, where that was empty, what follows the next byte.
+template <class Visit>
+void forEachMatch(WorkMeter& meter, const PatternSearcher& searcher, std::string_view subject,
+                  Site site, Visit visit) {
+  PatternMatch match;
+  std::size_t cursor = 0;
+  while (searcher.find(subject, cursor, match)) {
+    meter.step(site);
+    visit(match);
+    cursor = match.end;
+    if (match.start != match.end) continue;
+    if (cursor == subject.size()) return;
+    ++cursor;
+  }
+}
 
 }  // namespace tarvel::lua::internal

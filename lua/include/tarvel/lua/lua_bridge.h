@@ -65,16 +65,21 @@ class TARVELLUA_API Problem {
 
   // "listeners[2].port: a whole number expected, got a string".
   std::string message() const;
-  bool isInside() const noexcept { return !path_.empty(); }
-  LuaError toError(std::string_view name = {}) const;
+  LuaError toError() const;
 
  private:
   static constexpr int kShallow = 16;  // levels for which there is always room
 
-  bool enterDeep();
+  // Most values have none.
+  struct Words {
+    std::string path;
+    std::string text;
+  };
 
-  std::string path_;
-  std::string text_;
+  bool enterDeep();
+  bool inPart(std::string part);
+
+  std::unique_ptr<Words> words_;
   int depth_ = 0;
 };
 

@@ -245,7 +245,10 @@ LuaOutcome<T> LuaVM::getGlobal(std::string_view name) {
     call.readGlobal(name);
     bridge::Problem problem;
     T value{};
-    if (!bridge::Conversion<T>::take(call.result(0), value, problem)) return problem.toError(name);
+    if (!bridge::Conversion<T>::take(call.result(0), value, problem)) {
+      problem.inField(name);
+      return problem.toError();
+    }
     return value;
   } catch (...) {
     return call.failure();
