@@ -66,13 +66,13 @@ IteratorState* IteratorState::createPairs(Heap& heap, Table& table, Site site) {
   };
   forEachIndex(table.arraySize(), [&](std::uint32_t i) {
     if (table.element(i).isNil()) return;
-    items.push(Value(static_cast<std::int64_t>(i) + 1));
-    items.push(retain(table.element(i)));
+    items.add(Value(static_cast<std::int64_t>(i) + 1));
+    items.add(retain(table.element(i)));
   });
   forEachIndex(table.entryCount(), [&](std::uint32_t i) {
     if (table.entryValue(i).isNil()) return;
-    items.push(retain(table.entryKey(i).toValue()));
-    items.push(retain(table.entryValue(i)));
+    items.add(retain(table.entryKey(i).toValue()));
+    items.add(retain(table.entryValue(i)));
   });
   return new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Pairs, std::move(items));
 }

@@ -30,6 +30,9 @@ constexpr std::size_t kSlabBlockBytes = Heap::kSlabBytes - Heap::kGranularity;
 constexpr std::size_t kFirstRegionBytes = std::size_t{1} << 20;
 constexpr std::size_t kSmallestRegionBytes = std::size_t{256} << 10;
 constexpr std::size_t kLargestRegionBytes = std::size_t{64} << 20;
+// From here on a region asks for large pages: the system then clears and maps memory in fewer
+// steps, for at most one such page more than is used.
+constexpr std::size_t kHugePagesFrom = std::size_t{8} << 20;
 constexpr std::size_t kReclaimedBytesPerStep = 1024;
 
 std::byte* roundUp(std::byte* address, std::size_t alignment) {
@@ -161,6 +164,9 @@ bool Heap::addRegion() noexcept {
     memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory != MAP_FAILED) break;
   }
+#ifdef MADV_HUGEPAGE
+  if (bytes >= kHugePagesFrom) madvise(memory, bytes, MADV_HUGEPAGE);
+#endif
   regions_ = new (memory) Region{regions_, bytes, nullptr, 0};
   regions_->unstarted = regions_->firstSlab();
   return true;

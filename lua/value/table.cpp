@@ -1,6 +1,9 @@
 #include "lua/value/table.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <new>
 
@@ -17,7 +20,6 @@ constexpr std::int64_t kFirstSparseKey = 65;
 constexpr std::int64_t kDenseReach = 8;  // elements past the array's end
 
 constexpr std::uint32_t kSmallestCapacity = 4;  // elements or entries
-constexpr std::uint32_t kIndexedCapacity = 16;  // fewer entries are found by looking at each
 constexpr std::uint32_t kFreeIndexSlot = 0xFFFFFFFF;
 constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
 constexpr std::uint32_t kLargestCapacity = std::uint32_t{1} << 30;
@@ -89,6 +91,14 @@ bool tryMakeKeyFromValue(const Value& value, TableKey& out) noexcept {
   }
 }
 
+void Table::setEntryCapacity(std::uint32_t capacity) noexcept {
+  const auto code = capacity < kIndexedCapacity
+                        ? capacity
+                        : kIndexedCapacity + static_cast<std::uint32_t>(
+                                                 std::countr_zero(capacity / kIndexedCapacity));
+  capacityCode_ = static_cast<std::uint8_t>(code);
+}
+
 Table* Table::create(Heap& heap, std::uint32_t arrayHint, std::uint32_t entryHint) {
   auto* const table = new (heap.allocate(sizeof(Table))) Table;
   try {
@@ -108,7 +118,8 @@ void Table::destroy(Table* table) noexcept {
     drop(table->entries_[i].value);
   }
   if (table->array_ != nullptr) Heap::release(table->array_, table->arrayCapacity_ * sizeof(Value));
-  if (table->entries_ != nullptr) Heap::release(table->entries_, entryBytes(table->entryCapacity_));
+  if (table->entries_ != nullptr)
+    Heap::release(table->entries_, entryBytes(table->entryCapacity()));
   Heap::release(table, sizeof(Table));
 }
 
@@ -131,14 +142,14 @@ Value Table::findWithHint(StringObject* key, std::uint32_t& hint) const noexcept
 }
 
 std::uint32_t Table::findEntry(TableKey key) const noexcept {
-  if (entryCapacity_ < kIndexedCapacity) {
+  if (capacityCode_ < kIndexedCapacity) {
     for (std::uint32_t i = 0; i < entryCount_; ++i) {
       if (sameKey(entries_[i].key, key)) return i;
     }
     return kNoEntry;
   }
   const std::uint32_t* const slots = index();
-  const std::uint32_t mask = entryCapacity_ * 2 - 1;
+  const std::uint32_t mask = entryCapacity() * 2 - 1;
   for (std::uint32_t slot = key.hash() & mask; slots[slot] != kFreeIndexSlot;
        slot = (slot + 1) & mask) {
     if (sameKey(entries_[slots[slot]].key, key)) return slots[slot];
@@ -218,18 +229,23 @@ std::uint32_t Table::appendEntry(TableKey key, Value owned) {
   OwnedValue guard(owned);
   // A key that was nil for a while leaves its old place in the order.
   if (const std::uint32_t old = findEntry(key); old != kNoEntry) forgetEntry(old);
-  if (entryCount_ == entryCapacity_) {
+  if (const std::uint32_t capacity = entryCapacity(); entryCount_ == capacity) {
     // With many dead entries the same room serves again.
-    const bool mostlyLive = liveEntries_ >= entryCapacity_ / 4 * 3;
-    rebuildEntries(mostlyLive ? grownCapacity(entryCapacity_, liveEntries_ + 1) : entryCapacity_);
+    const bool mostlyLive = liveEntries_ >= capacity / 4 * 3;
+    rebuildEntries(mostlyLive ? grownCapacity(capacity, liveEntries_ + 1) : capacity);
   }
   const std::uint32_t number = entryCount_++;
   retain(key.toValue());
   new (&entries_[number]) Entry{key, guard.take()};
   ++liveEntries_;
-  if (key.tag() == kInteger) ++integerEntries_;
+  if (key.tag() == kInteger) noteIntegerEntry(1);
   indexEntry(number);
   return number;
+}
+
+void Table::noteIntegerEntry(int change) noexcept {
+  if (integerEntries_ == kMostIntegerEntries) return;
+  integerEntries_ = (integerEntries_ + static_cast<std::uint32_t>(change)) & kMostIntegerEntries;
 }
 
 // Makes an entry unfindable; the value must be nil or moved away. Its index slot stays used until
@@ -237,7 +253,7 @@ std::uint32_t Table::appendEntry(TableKey key, Value owned) {
 void Table::forgetEntry(std::uint32_t number) noexcept {
   Entry& entry = entries_[number];
   const Value key = entry.key.toValue();
-  if (key.tag == kInteger) --integerEntries_;
+  if (key.tag == kInteger) noteIntegerEntry(-1);
   entry.key.word = kNil;
   entry.key.integer = 0;
   drop(key);
@@ -287,13 +303,13 @@ std::size_t Table::entryBytes(std::uint32_t capacity) noexcept {
 }
 
 std::uint32_t* Table::index() const noexcept {
-  return reinterpret_cast<std::uint32_t*>(entries_ + entryCapacity_);
+  return reinterpret_cast<std::uint32_t*>(entries_ + entryCapacity());
 }
 
 void Table::indexEntry(std::uint32_t number) noexcept {
-  if (entryCapacity_ < kIndexedCapacity) return;
+  if (capacityCode_ < kIndexedCapacity) return;
   std::uint32_t* const slots = index();
-  const std::uint32_t mask = entryCapacity_ * 2 - 1;
+  const std::uint32_t mask = entryCapacity() * 2 - 1;
   std::uint32_t slot = entries_[number].key.hash() & mask;
   while (slots[slot] != kFreeIndexSlot) slot = (slot + 1) & mask;
   slots[slot] = number;
@@ -315,9 +331,9 @@ void Table::rebuildEntries(std::uint32_t capacity) {
       new (&moved[used++]) Entry(entries_[i]);
     }
   }
-  if (entries_ != nullptr) Heap::release(entries_, entryBytes(entryCapacity_));
+  if (entries_ != nullptr) Heap::release(entries_, entryBytes(entryCapacity()));
   entries_ = moved;
-  entryCapacity_ = capacity;
+  setEntryCapacity(capacity);
   entryCount_ = used;
   if (capacity < kIndexedCapacity) return;
   std::fill_n(index(), capacity * 2, kFreeIndexSlot);

@@ -153,20 +153,35 @@ class Table : public Object {
   void indexEntry(std::uint32_t number) noexcept;
   std::uint32_t* index() const noexcept;
   static std::size_t entryBytes(std::uint32_t capacity) noexcept;
+  void noteIntegerEntry(int change) noexcept;
   Heap& heap() const noexcept { return Heap::of(this); }
 
   static constexpr std::uint32_t kWalkedPerStep = 64;
 
+  // From this capacity on entries have an index, and capacities are powers of two; fewer entries
+  // are found by looking at each.
+  static constexpr std::uint32_t kIndexedCapacity = 16;
+  static constexpr std::uint32_t kMostIntegerEntries = (std::uint32_t{1} << 24) - 1;
+
+  std::uint32_t entryCapacity() const noexcept {
+    if (capacityCode_ < kIndexedCapacity) return capacityCode_;
+    return kIndexedCapacity << (capacityCode_ - kIndexedCapacity);
+  }
+  void setEntryCapacity(std::uint32_t capacity) noexcept;
+
   Value* array_ = nullptr;
+  Entry* entries_ = nullptr;     // behind them, from kIndexedCapacity on, the hash index
   std::uint32_t arraySize_ = 0;  // keys 1 to arraySize_ live here; elements may be nil
   std::uint32_t arrayCapacity_ = 0;
   std::uint32_t border_ = 0;
-  std::uint32_t entryCount_ = 0;  // used entries, dead ones included
-  Entry* entries_ = nullptr;      // behind them, from kIndexedCapacity on, the hash index
-  std::uint32_t entryCapacity_ = 0;
-  std::uint32_t liveEntries_ = 0;     // entries whose value is not nil
-  std::uint32_t integerEntries_ = 0;  // entries with an integer key, dead ones included
+  std::uint32_t entryCount_ = 0;   // used entries, dead ones included
+  std::uint32_t liveEntries_ = 0;  // entries whose value is not nil
+  // Entries with an integer key, dead ones included; once it is kMostIntegerEntries it stays so.
+  std::uint32_t integerEntries_ : 24 = 0;
+  std::uint32_t capacityCode_ : 8 = 0;  // of entryCapacity()
 };
+
+static_assert(sizeof(Table) <= 48, "three units of the heap");
 
 // A usable key for `value`, which is borrowed; false for nil, tables, functions, userdata,
 // iterators, and floats that are not whole within the epsilon or out of the 64-bit range. A whole

@@ -33,6 +33,9 @@ class ValueList {
     values_[size_++] = guard.take();
   }
 
+  // The same within the capacity that the list was made with.
+  void add(Value owned) noexcept { values_[size_++] = owned; }
+
   std::size_t size() const noexcept { return size_; }
   const Value& operator[](std::size_t index) const noexcept { return values_[index]; }
   Value* begin() noexcept { return values_; }
