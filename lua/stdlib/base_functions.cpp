@@ -85,9 +85,9 @@ Value failWithText(LuaVM::Impl& interpreter, const Value& text, Site site) {
   }
   heap.requireRoom(bytes);
   return interpreter.pendingFailure.set(text.isString()
-                                     ? OwnedValue::share(text)
-                                     : OwnedValue(interpreter.makeString(printable.view())),
-                                 site);
+                                            ? OwnedValue::share(text)
+                                            : OwnedValue(interpreter.makeString(printable.view())),
+                                        site);
 }
 
 }  // namespace
@@ -101,10 +101,10 @@ Value baseAssert(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Si
   }
   interpreter.heap.meter().spend(count / kElementsPerStep, site);
   if (count == 1) return std::exchange(frame[1], Value());
+  Results::countMoved(interpreter.heap.meter(), count, site);
   clearSlot(frame[0]);
   std::copy_n(frame + 1, count, frame);
   frame[count] = Value();
-  Results::countMoved(interpreter.heap.meter(), count, site);
   return ReturnSignal::severalValues(frame, count);
 }
 
@@ -142,11 +142,12 @@ Value succeededCall(LuaVM::Impl& interpreter, Value* frame, Value completion, Si
   } else if (ReturnSignal::isSeveral(completion)) {
     count = ReturnSignal::count(completion);
   }
-  clearSlot(frame[0]);
   if (count == 0) return Value(true);
-  frame[0] = Value(true);
+  // Counting may end the run, whose trace still needs the function in frame[0].
   interpreter.heap.meter().spend(count / kElementsPerStep, site);
   Results::countMoved(interpreter.heap.meter(), count + 1, site);
+  clearSlot(frame[0]);
+  frame[0] = Value(true);
   return ReturnSignal::severalValues(frame, count + 1);
 }
 
