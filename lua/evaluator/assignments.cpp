@@ -1,3 +1,5 @@
+#include "lua/evaluator/assignments.h"
+
 #include <cassert>
 #include <string>
 
@@ -19,10 +21,6 @@ namespace {
 
 [[noreturn, gnu::noinline]] void failTableIndex(Site site) {
   failRuntime(site, "table index must be a number, string, or boolean");
-}
-
-const AssignmentStmt* asAssignment(const Node* node) noexcept {
-  return static_cast<const AssignmentStmt*>(node);
 }
 
 // ---- Storing into one target, whatever it is ----------------------------------------------------
@@ -88,12 +86,12 @@ void assignTarget(const Node* node, const AssignTarget& target, Value& valueSlot
   }
 }
 
-// ---- One variable -------------------------------------------------------------------------------
-
 Value singleValue(const Node* node, Value* base) {
   const Expr* const value = asAssignment(node)->value;
   return evaluateExpression(value, base);
 }
+
+}  // namespace
 
 // The slot is above the live locals or holds a scalar: nothing to release.
 Value storeScalarLocal(const Node* node, Value* base) {
@@ -107,6 +105,27 @@ Value storeLocal(const Node* node, Value* base) {
   replaceSlot(slotAt(base, asAssignment(node)->targetOffset), value);
   return normalCompletion();
 }
+
+// Takes over the value. Also for an object that is no table.
+[[gnu::noinline]] Value storeInTarget(const Node* node, Value* base, Value value) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  Value& slot = slotAt(base, statement->temporariesOffset);
+  slot = value;
+  assignTarget(node, statement->targets[0], slot, base);
+  return normalCompletion();
+}
+
+[[gnu::noinline]] void storeUnderKey(Table& table, Value ownedKey, Value value, Site site) {
+  const OwnedValue keyGuard(ownedKey);
+  OwnedValue valueGuard(value);
+  TableKey key;
+  if (!tryMakeKeyFromValue(ownedKey, key)) failTableIndex(site);
+  tableSetByKey(table, key, valueGuard.take());
+}
+
+namespace {
+
+// ---- One variable -------------------------------------------------------------------------------
 
 Value storeGlobal(const Node* node, Value* base) {
   const Value value = singleValue(node, base);
@@ -126,63 +145,18 @@ Value storeVariable(const Node* node, Value* base) {
 
 // ---- One field or element, of an object that a variable holds -----------------------------------
 
-// Takes over the value. Also for an object that is no table.
-[[gnu::noinline]] Value storeInTarget(const Node* node, Value* base, Value value) {
-  const AssignmentStmt* const statement = asAssignment(node);
-  Value& slot = slotAt(base, statement->temporariesOffset);
-  slot = value;
-  assignTarget(node, statement->targets[0], slot, base);
-  return normalCompletion();
-}
-
 template <class Access>
 const Access* onlyTarget(const Node* node) noexcept {
   return static_cast<const Access*>(asAssignment(node)->targets[0].expression);
 }
 
-template <class Object>
 Value storeField(const Node* node, Value* base) {
   const Value value = singleValue(node, base);
   const auto* const target = onlyTarget<FieldExpr>(node);
-  const Value object = Object::load(target, base);
+  const Value object = VariableObject::load(target, base);
   if (object.tag != kTable) [[unlikely]]
     return storeInTarget(node, base, value);
   object.table->setString(target->name, value, target->hint);
-  return normalCompletion();
-}
-
-[[gnu::noinline]] void storeUnderKey(Table& table, Value ownedKey, Value value, Site site) {
-  const OwnedValue keyGuard(ownedKey);
-  OwnedValue valueGuard(value);
-  TableKey key;
-  if (!tryMakeKeyFromValue(ownedKey, key)) failTableIndex(site);
-  tableSetByKey(table, key, valueGuard.take());
-}
-
-// What is stored: a literal that needs no reference, or anything else.
-struct ScalarLiteral {
-  static Value evaluate(const Node* node, Value*) noexcept {
-    return static_cast<const LiteralExpr*>(asAssignment(node)->value)->value;
-  }
-};
-
-struct AnyValue {
-  static Value evaluate(const Node* node, Value* base) { return singleValue(node, base); }
-};
-
-template <class Object, class Source>
-Value storeElementAtLocal(const Node* node, Value* base) {
-  const Value value = Source::evaluate(node, base);
-  const auto* const target = onlyTarget<IndexExpr>(node);
-  const Value object = Object::load(target, base);
-  if (object.tag != kTable) [[unlikely]]
-    return storeInTarget(node, base, value);
-  const Value key = slotAt(base, target->keyOffset);
-  if (key.tag == kInteger) [[likely]] {
-    object.table->setInteger(key.integer, value);
-  } else {
-    storeUnderKey(*object.table, retain(key), value, node->site);
-  }
   return normalCompletion();
 }
 
@@ -235,6 +209,8 @@ std::uint32_t evaluateValues(const AssignmentStmt* statement, Value* slots, Valu
   return count;
 }
 
+}  // namespace
+
 Value assignSeveral(const Node* node, Value* base) {
   const AssignmentStmt* const statement = asAssignment(node);
   Value* const slots = &slotAt(base, statement->temporariesOffset);
@@ -243,6 +219,24 @@ Value assignSeveral(const Node* node, Value* base) {
   clearSlots(slots + statement->targets.size, slots + count);
   for (std::uint32_t i = 0; i < statement->targets.size; ++i) {
     assignTarget(node, statement->targets[i], slots[i], base);
+  }
+  return normalCompletion();
+}
+
+namespace {
+
+// As many values as targets, which are frame variables.
+Value assignLocals(const Node* node, Value* base) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  Value* const slots = &slotAt(base, statement->temporariesOffset);
+  const std::uint32_t count = statement->targets.size;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    slots[i] = evaluateExpression(statement->values[i], base);
+  }
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const Value value = slots[i];
+    slots[i] = Value();
+    replaceSlot(slotAt(base, frameOffsetOf(*statement->targets[i].expression)), value);
   }
   return normalCompletion();
 }
@@ -330,48 +324,45 @@ bool hasArithmeticValue(const AssignmentStmt& statement) noexcept {
          isArithmetic(static_cast<const BinaryExpr*>(statement.value)->op);
 }
 
+// A slot that holds a number when its arithmetic succeeds holds nothing to release.
+bool isOperandOf(const BinaryExpr& operation, const VariableExpr& variable) noexcept {
+  const auto isVariable = [&](const Expr& operand) {
+    return isFrameVariable(operand) && frameOffsetOf(operand) == variable.offset;
+  };
+  return isVariable(*operation.left) || isVariable(*operation.right);
+}
+
 void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) {
   if (chooseAppend(statement)) return;
   if (target.home == VariableHome::Global) {
     statement.execute = storeGlobal;
   } else if (target.home != VariableHome::Frame && !statement.isLocal) {
     statement.execute = storeVariable;
+  } else if (target.home != VariableHome::Frame) {
+    statement.targetOffset = target.offset;
+    statement.execute = declareShared<storeScalarLocal>;
   } else {
     statement.targetOffset = target.offset;
     const bool ownsNothing = target.variable->scalar || statement.isLocal;
-    statement.execute = ownsNothing ? storeScalarLocal : storeLocal;
-    if (target.home != VariableHome::Frame) {
-      statement.execute = declareShared<storeScalarLocal>;
-    } else if (chooseCallStore(statement, ownsNothing)) {
-      return;
-    } else if (ownsNothing && hasArithmeticValue(statement)) {
+    if (chooseCallStore(statement, ownsNothing)) return;
+    const bool isArithmetic = hasArithmeticValue(statement);
+    if (isArithmetic &&
+        (ownsNothing || isOperandOf(static_cast<const BinaryExpr&>(*statement.value), target))) {
       chooseArithmeticStore(statement);
+    } else {
+      chooseLocalStore(statement, ownsNothing);
     }
   }
 }
 
-// The target's offsets are those that it has as an expression.
+// For a target that is no leaf.
 NodeFunction fieldStore(const FieldExpr& target) noexcept {
-  assert(isChosen(target));
-  if (isFrameVariable(*target.object)) return storeField<FrameObject>;
-  return target.object->kind == ExprKind::Variable ? storeField<VariableObject> : storeAnywhere;
+  return target.object->kind == ExprKind::Variable ? storeField : storeAnywhere;
 }
 
-template <class Object>
-NodeFunction storeAtLocal(const Expr& value) noexcept {
-  return value.kind == ExprKind::Literal && !literalValue(value).isCounted()
-             ? storeElementAtLocal<Object, ScalarLiteral>
-             : storeElementAtLocal<Object, AnyValue>;
-}
-
-NodeFunction indexStore(const IndexExpr& target, const Expr& value) noexcept {
-  assert(isChosen(target));
-  const bool inFrame = isFrameVariable(*target.object);
-  if (!inFrame && target.object->kind != ExprKind::Variable) return storeAnywhere;
-  if (isFrameVariable(*target.key)) {
-    return inFrame ? storeAtLocal<FrameObject>(value) : storeAtLocal<VariableObject>(value);
-  }
-  if (inFrame) return storeElement<FrameObject>;
+NodeFunction indexStore(const IndexExpr& target) noexcept {
+  if (isFrameVariable(*target.object)) return storeElement<FrameObject>;
+  if (target.object->kind != ExprKind::Variable) return storeAnywhere;
   return target.key->mayRunCode ? storeElementKeepingObject : storeElement<VariableObject>;
 }
 
@@ -395,17 +386,24 @@ void chooseAssignment(AssignmentStmt& statement) {
     return;
   }
   if (statement.targets.size != 1 || statement.values.size != 1) {
-    statement.execute = statement.isLocal ? declaration<declareSeveral>(statement) : assignSeveral;
+    if (statement.isLocal) {
+      statement.execute = declaration<declareSeveral>(statement);
+    } else if (!chooseExchange(statement)) {
+      const bool isPlain = statement.targets.size == statement.values.size && allInFrame(statement);
+      statement.execute = isPlain ? assignLocals : assignSeveral;
+    }
     return;
   }
   const Expr& target = *statement.targets[0].expression;
   statement.value = statement.values[0];
   if (target.kind == ExprKind::Variable) {
     chooseVariableStore(statement, static_cast<const VariableExpr&>(target));
+  } else if (chooseUpdate(statement) || chooseAccessStore(statement)) {
+    return;
   } else if (target.kind == ExprKind::Field) {
     statement.execute = fieldStore(static_cast<const FieldExpr&>(target));
   } else {
-    statement.execute = indexStore(static_cast<const IndexExpr&>(target), *statement.value);
+    statement.execute = indexStore(static_cast<const IndexExpr&>(target));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "lua/evaluator/execute.h"
+#include "lua/evaluator/leaves.h"
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
@@ -152,15 +153,6 @@ Value appendToVariable(const Node* node, Value* base) {
   clearSlot(held);
   appendPieces(heap, target, first, end, length);
   return normalCompletion();
-}
-
-bool isSameVariable(const Expr& a, const Expr& b) noexcept {
-  if (a.kind != ExprKind::Variable || b.kind != ExprKind::Variable) return false;
-  const auto& left = static_cast<const VariableExpr&>(a);
-  const auto& right = static_cast<const VariableExpr&>(b);
-  if (left.home != right.home) return false;
-  return left.home == VariableHome::Global ? left.cell == right.cell
-                                           : left.variable == right.variable;
 }
 
 bool appendsToItself(const AssignmentStmt& statement) noexcept {

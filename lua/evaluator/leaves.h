@@ -111,6 +111,15 @@ namespace tarvel::lua::internal {
   }
 }
 
+inline bool isElementLeaf(const Expr& expression) noexcept {
+  return expression.leaf >= Leaf::Element && expression.leaf <= Leaf::ConstantElement;
+}
+
+bool isSameVariable(const Expr& a, const Expr& b) noexcept;
+
+// Whether two leaves are the same variable, or the same element or field of the same one.
+bool isSameLeaf(const Expr& a, const Expr& b) noexcept;
+
 // Reads any operand that is in place, out of line.
 bool tryOperand(const Expr* operand, Value* base, Value& out) noexcept;
 

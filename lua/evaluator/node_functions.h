@@ -60,6 +60,18 @@ bool chooseCallStore(AssignmentStmt& statement, bool ownsNothing);
 void chooseAssignment(AssignmentStmt& statement);
 void chooseFunctionDeclaration(FunctionDeclarationStmt& statement);
 
+// in_place_stores.cpp
+// Into a frame variable, which may own nothing yet or ever.
+void chooseLocalStore(AssignmentStmt& statement, bool ownsNothing);
+// Into a field or element that is a leaf; false when the target is no leaf.
+bool chooseAccessStore(AssignmentStmt& statement);
+// For `a[i], b[j] = b[j], a[i]`; false when the statement is no such exchange.
+bool chooseExchange(AssignmentStmt& statement);
+
+// in_place_updates.cpp
+// For `o.f = o.f + x` and the like; false when the statement is none of them.
+bool chooseUpdate(AssignmentStmt& statement);
+
 // statements.cpp
 void chooseBlock(Block& block, bool isFunctionBody, Arena& arena);
 void chooseReturn(ReturnStmt& statement);

@@ -162,6 +162,7 @@ inline OperandShape operandShape(const Expr& operand) noexcept {
     case Leaf::Constant:
       return OperandShape::Constant;
     case Leaf::None:
+    case Leaf::Negation:
       return OperandShape::Other;
     case Leaf::Field:
       return OperandShape::Field;

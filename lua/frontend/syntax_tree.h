@@ -116,7 +116,8 @@ enum class Leaf : std::uint8_t {
   ConstantElement,  // `a[1]` of a frame variable
   Field,            // `o.f` of a frame variable
   FieldOfLeaf,
-  Product,  // of two frame variables
+  Product,   // of two frame variables
+  Negation,  // `not`, which only conditions look through
 };
 
 struct Expr : Node {

@@ -63,6 +63,11 @@ class Table : public Object {
     return isEntryOf(key, hint) ? entries_[hint].value : Value();
   }
 
+  // The place of a value that is not nil, where the hint is right; otherwise null.
+  Value* findHinted(StringObject* key, std::uint32_t hint) noexcept {
+    return isEntryOf(key, hint) && !entries_[hint].value.isNil() ? &entries_[hint].value : nullptr;
+  }
+
   // The element at an index of the array part; false when that does not reach so far.
   bool tryElement(std::uint64_t index, Value& out) const noexcept {
     if (index >= arraySize_) return false;
