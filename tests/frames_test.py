@@ -18,13 +18,10 @@ FRAMELESS = [
     rf"Arithmetic<Add, (AsValue|IntoLocal)>::Execute{BOTH}",
     rf"Arithmetic<Subtract, (AsValue|IntoLocal)>::Execute{BOTH}",
     rf"Arithmetic<Multiply, (AsValue|IntoLocal)>::Execute{BOTH}",
-    rf"Comparison<OrderRule<Less> >::(Condition|If){BOTH}",
-    rf"Comparison<EqualityRule<true> >::(Condition|If){BOTH}",
-    r"ElementStore<(true|false), (LiteralSource|FrameSource|LeafSource<.*>) >::run",
-    r"FieldStore<(true|false), (LiteralSource|FrameSource|LeafSource<.*>) >::run",
-    r"storeIn(Local|Unused)<(LiteralSource|FrameSource|LeafSource<.*>) >",
+    rf"Comparison<OrderRule<Less> >::Condition{BOTH}",
+    rf"Comparison<EqualityRule<true> >::Condition{BOTH}",
+    r"storeInUnused<(LiteralSource|FrameSource|LeafSource<.*>) >",
     r"Update<(Add|Subtract), (Field|Element)Target>::run<(RightFrame|Constant)>",
-    r"executeIfElement<(true|false)>",
     r"exchangeElements",
 ]
 SAVES_REGISTER = re.compile(r"\t(push|sub +(\$\S+,%rsp|rsp,))")

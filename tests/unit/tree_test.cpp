@@ -32,14 +32,15 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
        "(executeWhile (Comparison<OrderRule<LessEqual>>::Condition Frame Frame) "
        "(Arithmetic<Add, IntoLocal> Frame Constant n))"},
       {"if n == 1 then n = 2 end",
-       "(Comparison<EqualityRule<true>>::If Frame Constant (storeScalarLocal 2 n))"},
+       "(Comparison<EqualityRule<true>>::If Frame Constant (storeInUnused<LiteralSource> 2 n))"},
       {"if t.x ~= 's' then n = 2 end",
-       "(Comparison<EqualityRule<false>>::If Field Constant (storeScalarLocal 2 n))"},
+       "(Comparison<EqualityRule<false>>::If Field Constant (storeInUnused<LiteralSource> 2 n))"},
       {"if n > m * m then n = 1 elseif t.x then n = 2 else n = 3 end",
        "(Comparison<OrderRule<Greater>>::If Frame (Arithmetic<Multiply> Frame Frame) "
-       "(storeScalarLocal 1 n) "
-       "(executeIfElse (testField<FrameObject> t) (storeScalarLocal 2 n) (storeScalarLocal 3 n)))"},
-      {"if not t then n = 1 end", "(executeIfNot t (storeScalarLocal 1 n))"},
+       "(storeInUnused<LiteralSource> 1 n) "
+       "(executeIfElse (testField<FrameObject> t) (storeInUnused<LiteralSource> 2 n) "
+       "(storeInUnused<LiteralSource> 3 n)))"},
+      {"if not t then n = 1 end", "(executeIfNot t (storeInUnused<LiteralSource> 1 n))"},
       // Appending.
       {"s = s .. n .. 'x'", "(appendToVariable s n x s)"},
       {"s = n .. s", "(storeLocal (evaluateConcat n s) s)"},
@@ -61,7 +62,7 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
        "(readIndexKeepingObject global.g (FunctionCall<GlobalCallee>::Of<0> global.g))"},
       {"t.x = n", "(FieldStore<true, FrameSource> n t)"},
       {"g.x = 1", "(FieldStore<false, LiteralSource> 1 global.g)"},
-      {"t.x.y = n", "(storeAnywhere n (readField<FrameObject> t))"},
+      {"t.x.y = n", "(FieldStore<false, FrameSource> n (readField<FrameObject> t))"},
       {"t[n] = true", "(ElementStore<true, LiteralSource> true t n)"},
       {"t[n] = #s", "(ElementStore<true, AnySource> (evaluatePeekedLength s) t n)"},
       {"g[1] = s", "(storeElement<VariableObject> s global.g 1)"},
