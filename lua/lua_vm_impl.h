@@ -17,6 +17,7 @@
 #include "lua/value/globals.h"
 #include "lua/value/heap.h"
 #include "lua/value/multi_value.h"
+#include "lua/value/pending_failure.h"
 #include "lua/value/record_keys.h"
 #include "lua/value/site_table.h"
 #include "lua/value/string_pool.h"
@@ -130,6 +131,9 @@ class LuaVM::Impl {
   // Calls the function frame[0] with the `count` values behind it, all owned by their slots, and
   // returns all results as evaluateExpressionMulti does.
   Value callFrame(Value* frame, std::uint32_t count, Site site);
+  // The same with any value in frame[0], for pcall: when the script fails, all that stands from
+  // `frame` on is released, and the completion is a failed one.
+  Value callProtected(Value* frame, std::uint32_t count, Site site);
   // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `site`.
   internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, Site site);
   internal::MultiValue callHandle(internal::FunctionObject* function, internal::ValueSpan arguments,
@@ -165,6 +169,7 @@ class LuaVM::Impl {
   internal::Globals globals;
   internal::StandardObjects standard;
   std::unique_ptr<internal::PatternCache> patterns;
+  internal::PendingFailure pendingFailure;
   internal::RecordKeyCache records;
   // Of the host's types, by what tells these apart. They belong to the heap.
   std::unordered_map<const void*, internal::NativeClass*> hostClasses;

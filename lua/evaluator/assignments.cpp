@@ -342,6 +342,8 @@ void chooseVariableStore(AssignmentStmt& statement, const VariableExpr& target) 
     statement.execute = ownsNothing ? storeScalarLocal : storeLocal;
     if (target.home != VariableHome::Frame) {
       statement.execute = declareShared<storeScalarLocal>;
+    } else if (chooseCallStore(statement, ownsNothing)) {
+      return;
     } else if (ownsNothing && hasArithmeticValue(statement)) {
       chooseArithmeticStore(statement);
     }

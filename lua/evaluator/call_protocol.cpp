@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "lua/evaluator/call_forms.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/host_stack.h"
 
@@ -11,12 +12,13 @@
 namespace tarvel::lua::internal {
 
 void failNotCallable(const Value& callee, Site site) {
-  failRuntime(site, std::string("attempt to call a ") + describeValueType(callee) + " value");
+  failRuntime(site, {"attempt to call a ", describeValueType(callee), " value"});
 }
 
 void failStackOverflow(Site site) { failRuntime(site, "stack overflow", FailureKind::Stack); }
 
-Value firstOf(Value completion) noexcept {
+Value firstOf(LuaVM::Impl& interpreter, Value completion) {
+  if (isFailed(completion)) interpreter.pendingFailure.raise();
   if (!ReturnSignal::isSeveral(completion)) return Value();
   Value* const values = completion.values;
   const Value first = values[0];
@@ -69,6 +71,7 @@ template <class Supervision>
   typename Supervision::NativeCall call(interpreter.self, frame, site);
   if (code->direct != nullptr) {
     const Value completion = code->direct(interpreter, frame, count, site);
+    if (isFailed(completion)) return completion;
     call.returned();
     stack.setTop(outerTop);
     if (!ReturnSignal::isSeveral(completion)) {
@@ -87,6 +90,20 @@ template <class Supervision>
 }
 
 }  // namespace
+
+[[gnu::noinline]] Value destroyAndRelease(Value* slot, Value* end, Value* callee,
+                                          Value completion) noexcept {
+  const Value unused = *slot;
+  slot->tag = kNil;
+  destroyObject(unused);
+  clearSlots(slot + 1, end);
+  if (callee != nullptr) clearSlot(*callee);
+  return completion;
+}
+
+Value keepFailure(LuaVM::Impl& interpreter, ProtectedRuntimeError&& error) noexcept {
+  return interpreter.pendingFailure.set(std::move(error));
+}
 
 // Several values must not be released with the locals whose slots they have overwritten.
 template <class Supervision>
@@ -119,7 +136,7 @@ template <class Supervision>
     failStackOverflow(site);
   for (std::uint32_t i = count; i < body->parameterCount; ++i) frame[1 + i] = Value();
   for (std::uint32_t i = body->parameterCount; i < count; ++i) clearSlot(frame[1 + i]);
-  return runBody<Supervision>(body, frame, site);
+  return runBody<Supervision, AllResults>(body, frame, site);
 }
 
 template Value finishWithoutSingleValue<Unsupervised>(Value*, const FunctionExpr*, Value);

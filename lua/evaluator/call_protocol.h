@@ -9,15 +9,16 @@
 // How a call is made once the callee and its arguments stand in the slots where the callee's frame
 // starts: frame[0] holds the callee, frame[1] is the base of its frame. What stands there is owned
 // by the slots; the call releases it when the callee is done, and an error leaves it to the sweep.
-// The results are those of evaluateExpressionMulti.
+// The result is a completion: one value, or a ReturnSignal, or a failed one.
 //
 // Everything that makes a call has two forms, with the policies of supervision.h. A call is a step,
 // which whoever makes it counts when callee and arguments are there.
 
 namespace tarvel::lua::internal {
 
-// The first value of a completion that is no single value, owned; the others are released.
-Value firstOf(Value completion) noexcept;
+// The first value of a completion that is no single value, owned; the others are released. Raises a
+// failed one.
+Value firstOf(LuaVM::Impl& interpreter, Value completion);
 
 // Ends a call whose body returned none or several values.
 template <class Supervision>
@@ -44,35 +45,67 @@ template <class Supervision>
   return result;
 }
 
+// What a node wants of a call's completion: all of it, or one value.
+struct AllResults {
+  static Value of(LuaVM::Impl&, Value completion) noexcept { return completion; }
+};
+struct OneResult {
+  static Value of(LuaVM::Impl& interpreter, Value completion) {
+    return isSingleValue(completion) ? completion : firstOf(interpreter, completion);
+  }
+};
+
+// Ends releaseFrame from a slot on that held the last reference to its object: the slots up to
+// `end`, then the callee's, where that is not null. Returns the completion.
+Value destroyAndRelease(Value* slot, Value* end, Value* callee, Value completion) noexcept;
+
+// Releases a frame whose body has returned one value, which this returns. As long as no object has
+// to be destroyed, nothing is called and the value can stay in its registers.
+[[gnu::always_inline]] inline Value releaseFrame(const FunctionExpr* body, Value* frame,
+                                                 Value completion) noexcept {
+  Value* const end = &slotAt(frame + 1, body->releaseEnd);
+  for (Value* slot = frame + 1; slot != end; ++slot) {
+    if (!slot->isCounted()) continue;
+    if (--slot->object->count == 0) [[unlikely]]
+      return destroyAndRelease(slot, end, frame, completion);
+    slot->tag = kNil;
+  }
+  if (--frame->object->count == 0) [[unlikely]]
+    return destroyAndRelease(frame, frame + 1, nullptr, completion);
+  frame->tag = kNil;
+  return completion;
+}
+
 // Runs a script function whose parameters stand in frame[1] on, all of them set.
-template <class Supervision>
+template <class Supervision, class Results>
 [[gnu::always_inline]] inline Value runBody(const FunctionExpr* body, Value* frame,
                                             const Site& site) {
   typename Supervision::ScriptCall call(body, frame, site);
   const Value completion = executeStatement(body->entry, frame + 1);
+  if (!isSingleValue(completion)) [[unlikely]] {
+    if (isFailed(completion)) return Results::of(*body->interpreter, completion);
+    call.returned();
+    return Results::of(*body->interpreter,
+                       finishWithoutSingleValue<Supervision>(frame, body, completion));
+  }
   call.returned();
-  if (!isSingleValue(completion)) [[unlikely]]
-    return finishWithoutSingleValue<Supervision>(frame, body, completion);
-  clearSlots(frame + 1, &slotAt(frame + 1, body->releaseEnd));
-  clearSlot(frame[0]);
-  return completion;
+  return releaseFrame(body, frame, completion);
 }
 
 // The common case: a script function that takes exactly the arguments it gets, with room on both
 // stacks. Everything else is out of line, so that recursion keeps to few instructions.
-template <class Supervision, std::uint32_t Count>
+template <class Supervision, class Results, std::uint32_t Count>
 [[gnu::always_inline]] inline Value callFixed(LuaVM::Impl& interpreter, const ValueStack& stack,
                                               Value* frame, const Site& site) {
   const Value callee = frame[0];
   if (callee.tag == kFunction) [[likely]] {
     const FunctionExpr* const body = callee.function->body;
     if (body != nullptr && body->parameterCount == Count) [[likely]] {
-      if (stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes)) [[likely]] {
-        return runBody<Supervision>(body, frame, site);
-      }
+      if (stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes)) [[likely]]
+        return runBody<Supervision, Results>(body, frame, site);
     }
   }
-  return callAny<Supervision>(interpreter, frame, Count, site);
+  return Results::of(interpreter, callAny<Supervision>(interpreter, frame, Count, site));
 }
 
 }  // namespace tarvel::lua::internal

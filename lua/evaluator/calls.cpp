@@ -48,23 +48,59 @@ struct OtherCallee {
 
 // ---- Call nodes. Each returns all results; the single-value forms adjust. -----------------------
 
-template <class Supervision, std::uint32_t Count>
+template <class Supervision, class Results, std::uint32_t Count>
 [[gnu::always_inline]] inline Value callCounted(const CallExpr* call, Value* frame) {
   LuaVM::Impl& interpreter = *call->interpreter;
   Supervision::step(interpreter.heap.meter(), call->site);
-  return callFixed<Supervision, Count>(interpreter, interpreter.stack, frame, call->site);
+  return callFixed<Supervision, Results, Count>(interpreter, interpreter.stack, frame, call->site);
+}
+
+// A call whose last argument was one that has given none or several values, or failed. `before` are
+// the arguments before it, which stand in frame[1] on.
+template <class Supervision>
+[[gnu::noinline]] Value callWithExpanded(const CallExpr* call, Value* frame, std::uint32_t before,
+                                         Value last) {
+  LuaVM::Impl& interpreter = *call->interpreter;
+  if (isFailed(last)) return last;
+  // Several values stand where the call's frame started: behind the other arguments.
+  const std::uint32_t count =
+      before + (ReturnSignal::isSeveral(last) ? ReturnSignal::count(last) : 0);
+  Supervision::step(interpreter.heap.meter(), call->site);
+  return callAny<Supervision>(interpreter, frame, count, call->site);
 }
 
 template <class Callee>
 struct FunctionCall {
   template <class Supervision, std::uint32_t Count>
   struct Of {
+    template <class Results>
     [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
       const CallExpr* const call = asCall(node);
       Value* const frame = &slotAt(base, call->frameOffset);
       frame[0] = Callee::load(call, base);
       evaluateArguments<Count>(call, frame + 1, base);
-      return callCounted<Supervision, Count>(call, frame);
+      return callCounted<Supervision, Results, Count>(call, frame);
+    }
+  };
+
+  // With a call as the last argument.
+  template <class Supervision, std::uint32_t Count>
+  struct OfCall {
+    template <class Results>
+    [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
+      const CallExpr* const call = asCall(node);
+      Value* const frame = &slotAt(base, call->frameOffset);
+      frame[0] = Callee::load(call, base);
+      constexpr std::uint32_t kBefore = Count > 0 ? Count - 1 : 0;
+      evaluateArguments<kBefore>(call, frame + 1, base);
+      const auto* const lastCall = static_cast<const CallExpr*>(call->arguments[kBefore]);
+      const Value last = evaluateExpressionMulti(lastCall, base);
+      if (!isSingleValue(last)) [[unlikely]] {
+        return Results::of(*call->interpreter,
+                           callWithExpanded<Supervision>(call, frame, kBefore, last));
+      }
+      frame[Count] = last;
+      return callCounted<Supervision, Results, Count>(call, frame);
     }
   };
 };
@@ -72,6 +108,7 @@ struct FunctionCall {
 // A function that calls itself by its name, with exactly the arguments that it takes.
 template <class Supervision, std::uint32_t Count>
 struct RunningFunctionCall {
+  template <class Results>
   [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
     const CallExpr* const call = asCall(node);
     Value* const frame = &slotAt(base, call->frameOffset);
@@ -82,9 +119,10 @@ struct RunningFunctionCall {
     Supervision::step(call->interpreter->heap.meter(), call->site);
     if (call->interpreter->stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
         [[likely]] {
-      return runBody<Supervision>(body, frame, call->site);
+      return runBody<Supervision, Results>(body, frame, call->site);
     }
-    return callAny<Supervision>(*call->interpreter, frame, Count, call->site);
+    return Results::of(*call->interpreter,
+                       callAny<Supervision>(*call->interpreter, frame, Count, call->site));
   }
 };
 
@@ -123,113 +161,100 @@ struct RunningFunctionCall {
 
 template <class Supervision, std::uint32_t Count>
 struct MethodCall {
+  template <class Results>
   [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
     const CallExpr* const call = asCall(node);
     Value* const frame = &slotAt(base, call->frameOffset);
     lookUpMethod(call, frame, base);
     evaluateArguments<Count>(call, frame + 2, base);
-    return callCounted<Supervision, Count + 1>(call, frame);
+    return callCounted<Supervision, Results, Count + 1>(call, frame);
   }
 };
 
 // Any number of arguments, the last of which may be a call that gives several.
 template <class Supervision>
-Value callWithMany(const Node* node, Value* base) {
-  const CallExpr* const call = asCall(node);
-  Value* const frame = &slotAt(base, call->frameOffset);
-  std::uint32_t count = 0;
-  if (call->object != nullptr) {
-    lookUpMethod(call, frame, base);
-    count = 1;
-  } else {
-    frame[0] = evaluateExpression(call->callee, base);
+struct CallWithMany {
+  template <class Results>
+  static Value run(const Node* node, Value* base) {
+    const CallExpr* const call = asCall(node);
+    Value* const frame = &slotAt(base, call->frameOffset);
+    std::uint32_t count = 0;
+    if (call->object != nullptr) {
+      lookUpMethod(call, frame, base);
+      count = 1;
+    } else {
+      frame[0] = evaluateExpression(call->callee, base);
+    }
+    if (!call->arguments.empty()) {
+      count += evaluateExpressionList(call->arguments, frame + 1 + count, base);
+    }
+    Supervision::step(call->interpreter->heap.meter(), call->site);
+    return Results::of(*call->interpreter,
+                       callAny<Supervision>(*call->interpreter, frame, count, call->site));
   }
-  if (!call->arguments.empty()) {
-    count += evaluateExpressionList(call->arguments, frame + 1 + count, base);
-  }
-  Supervision::step(call->interpreter->heap.meter(), call->site);
-  return callAny<Supervision>(*call->interpreter, frame, count, call->site);
-}
+};
 
 bool takesItsArguments(const CallExpr& call, const FunctionExpr& function) noexcept {
   return function.parameterCount == call.arguments.size;
-}
-
-template <class Supervision, template <class, std::uint32_t> class Form>
-void chooseFixed(CallExpr& call) {
-  if (call.arguments.size > kMostCounted) return chooseResults<callWithMany<Supervision>>(call);
-  chooseByCount<Supervision, Form>(call);
-}
-
-template <class Supervision>
-void chooseFunctionCall(CallExpr& call, const VariableExpr& callee) {
-  switch (callee.home) {
-    case VariableHome::Frame:
-      return chooseFixed<Supervision, FunctionCall<FrameCallee>::Of>(call);
-    case VariableHome::OwnEnvironment:
-      return chooseFixed<Supervision, FunctionCall<OtherCallee>::Of>(call);
-    case VariableHome::CapturedValue:
-      return chooseFixed<Supervision, FunctionCall<CapturedCallee>::Of>(call);
-    case VariableHome::CapturedEnvironment:
-      return chooseFixed<Supervision, FunctionCall<SharedCallee>::Of>(call);
-    case VariableHome::RunningFunction:
-      if (takesItsArguments(call, *callee.variable->function)) {
-        return chooseFixed<Supervision, RunningFunctionCall>(call);
-      }
-      return chooseFixed<Supervision, FunctionCall<OtherCallee>::Of>(call);
-    case VariableHome::Global:
-      return chooseFixed<Supervision, FunctionCall<GlobalCallee>::Of>(call);
-  }
-}
-
-// A call as a statement discards all its results.
-Value executeCallStatement(const Node* node, Value* base) {
-  const CallExpr* const call = static_cast<const ExpressionStmt*>(node)->expression;
-  const Value result = evaluateExpressionMulti(call, base);
-  drop(isSingleValue(result) ? result : firstOf(result));
-  return normalCompletion();
 }
 
 bool lastMayExpand(const CallExpr& call) noexcept {
   return !call.arguments.empty() && call.arguments[call.arguments.size - 1]->kind == ExprKind::Call;
 }
 
+// Numbers of arguments that have node functions of their own.
+constexpr std::uint32_t kMostOfFunction = 6;
+constexpr std::uint32_t kMostBeforeCall = 4;
+constexpr std::uint32_t kMostOfMethod = 5;
+
+template <class Supervision, class Callee>
+bool chooseFunctionForm(CallExpr& call) {
+  using Function = FunctionCall<Callee>;
+  return lastMayExpand(call)
+             ? chooseByCount<Supervision, Function::template OfCall, kMostBeforeCall>(call)
+             : chooseByCount<Supervision, Function::template Of, kMostOfFunction>(call);
+}
+
 template <class Supervision>
-void chooseForm(CallExpr& call) {
-  if (lastMayExpand(call)) return chooseResults<callWithMany<Supervision>>(call);
-  if (call.object != nullptr) return chooseFixed<Supervision, MethodCall>(call);
-  if (chooseLibraryCall(call)) return;
-  if (call.callee->kind == ExprKind::Variable) {
-    return chooseFunctionCall<Supervision>(call, static_cast<const VariableExpr&>(*call.callee));
+bool chooseFunctionCall(CallExpr& call) {
+  if (call.callee->kind != ExprKind::Variable)
+    return chooseFunctionForm<Supervision, OtherCallee>(call);
+  const auto& callee = static_cast<const VariableExpr&>(*call.callee);
+  switch (callee.home) {
+    case VariableHome::Frame:
+      return chooseFunctionForm<Supervision, FrameCallee>(call);
+    case VariableHome::OwnEnvironment:
+      break;
+    case VariableHome::CapturedValue:
+      return chooseFunctionForm<Supervision, CapturedCallee>(call);
+    case VariableHome::CapturedEnvironment:
+      return chooseFunctionForm<Supervision, SharedCallee>(call);
+    case VariableHome::RunningFunction:
+      if (lastMayExpand(call) || !takesItsArguments(call, *callee.variable->function)) break;
+      return chooseByCount<Supervision, RunningFunctionCall, kMostOfFunction>(call);
+    case VariableHome::Global:
+      return chooseFunctionForm<Supervision, GlobalCallee>(call);
   }
-  chooseFixed<Supervision, FunctionCall<OtherCallee>::Of>(call);
+  return chooseFunctionForm<Supervision, OtherCallee>(call);
+}
+
+template <class Supervision>
+bool chooseForm(CallExpr& call) {
+  if (call.object == nullptr) {
+    return (!lastMayExpand(call) && chooseLibraryCall(call)) ||
+           chooseFunctionCall<Supervision>(call);
+  }
+  return !lastMayExpand(call) && chooseByCount<Supervision, MethodCall, kMostOfMethod>(call);
 }
 
 }  // namespace
 
-std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
-                                     Value* base) {
-  std::uint32_t count = 0;
-  for (; count + 1 < expressions.size; ++count) {
-    slots[count] = evaluateExpression(expressions[count], base);
-  }
-  const Expr* const last = expressions[count];
-  const Value result = last->kind == ExprKind::Call
-                           ? evaluateExpressionMulti(static_cast<const CallExpr*>(last), base)
-                           : evaluateExpression(last, base);
-  if (isSingleValue(result)) {
-    slots[count++] = result;
-  } else if (ReturnSignal::isSeveral(result)) {
-    count += ReturnSignal::count(result);  // they stand where the call's frame started: here
-  }
-  return count;
-}
-
 void chooseCall(CallExpr& call) {
-  call.interpreter->options.supervised ? chooseForm<Supervised>(call)
-                                       : chooseForm<Unsupervised>(call);
+  if (call.interpreter->options.supervised) {
+    if (!chooseForm<Supervised>(call)) chooseResults<CallWithMany<Supervised>>(call);
+  } else if (!chooseForm<Unsupervised>(call)) {
+    chooseResults<CallWithMany<Unsupervised>>(call);
+  }
 }
-
-void chooseCallStatement(ExpressionStmt& statement) { statement.execute = executeCallStatement; }
 
 }  // namespace tarvel::lua::internal

@@ -1,3 +1,8 @@
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+
 #include "lua/evaluator/call_protocol.h"
 #include "lua/evaluator/variables.h"
 #include "lua/lua_vm_impl.h"
@@ -18,7 +23,7 @@ Value callBehindFrame(const Node* node, Value* base, Value function,
   for (const Value& argument : arguments) *++next = retain(argument);
   const auto count = static_cast<std::uint32_t>(arguments.size());
   const Value result = interpreter.callFrame(frame, count, node->site);
-  return isSingleValue(result) ? result : firstOf(result);
+  return isSingleValue(result) ? result : firstOf(interpreter, result);
 }
 
 }  // namespace internal
@@ -31,8 +36,9 @@ using internal::ValueSpan;
 
 namespace {
 
-MultiValue takeResults(Value completion) {
+MultiValue takeResults(LuaVM::Impl& interpreter, Value completion) {
   if (isSingleValue(completion)) return MultiValue(completion);
+  if (isFailed(completion)) interpreter.pendingFailure.raise();
   MultiValue results;
   if (!ReturnSignal::isSeveral(completion)) return results;
   for (std::uint32_t i = 0; i < ReturnSignal::count(completion); ++i) {
@@ -47,6 +53,7 @@ Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count
   internal::WorkMeter& meter = interpreter.heap.meter();
   internal::Supervised::step(meter, site);
   const Value completion = internal::callAny<internal::Supervised>(interpreter, frame, count, site);
+  if (isFailed(completion)) return completion;
   internal::OwnedValue single(isSingleValue(completion) ? completion : Value());
   const std::size_t moved =
       ReturnSignal::isSeveral(completion) ? ReturnSignal::count(completion) : 1;
@@ -56,22 +63,55 @@ Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count
   return completion;
 }
 
+// The completion of the call, which may be a failed one.
+[[gnu::always_inline]] inline Value callAnyFrame(LuaVM::Impl& interpreter, Value* frame,
+                                                 std::uint32_t count, Site site) {
+  if (interpreter.options.supervised) return callSupervised(interpreter, frame, count, site);
+  const internal::FunctionExpr* const body = frame->function->body;
+  if (body != nullptr && body->parameterCount == count &&
+      interpreter.stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes))
+      [[likely]] {
+    return internal::runBody<internal::Unsupervised, internal::AllResults>(body, frame, site);
+  }
+  return internal::callAny<internal::Unsupervised>(interpreter, frame, count, site);
+}
+
 MultiValue callFromNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
-  if (interpreter.options.supervised)
-    return takeResults(callSupervised(interpreter, frame, count, site));
-  return takeResults(internal::callAny<internal::Unsupervised>(interpreter, frame, count, site));
+  return takeResults(interpreter, callAnyFrame(interpreter, frame, count, site));
 }
 
 }  // namespace
 
 Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, Site site) {
-  if (options.supervised) return callSupervised(*this, frame, count, site);
-  const internal::FunctionExpr* const body = frame->function->body;
-  if (body != nullptr && body->parameterCount == count &&
-      stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes)) [[likely]] {
-    return internal::runBody<internal::Unsupervised>(body, frame, site);
+  const Value completion = callAnyFrame(*this, frame, count, site);
+  if (isFailed(completion)) [[unlikely]]
+    pendingFailure.raise();
+  return completion;
+}
+
+// ExitSignal, StopSignal and what a host throws besides standard exceptions pass through.
+Value LuaVM::Impl::callProtected(Value* frame, std::uint32_t count, Site site) {
+  const internal::ValueStack::Mark mark = stack.markAt(frame);
+  internal::PendingFailure taken;
+  try {
+    const internal::ProtectedCallScope scope;
+    if (!frame->isFunction()) internal::failNotCallable(*frame, site);
+    const Value completion = callAnyFrame(*this, frame, count, site);
+    if (!isFailed(completion)) return completion;
+    taken = std::move(pendingFailure);
+  } catch (internal::ProtectedRuntimeError& error) {
+    taken.set(std::move(error));
+  } catch (const std::bad_alloc&) {
+    // There may be no memory for a message either.
+    taken.set(standard.outOfMemoryText, site);
+  } catch (const std::exception& error) {
+    taken.set(std::string(internal::exceptionText(error)), site);
   }
-  return internal::callAny<internal::Unsupervised>(*this, frame, count, site);
+  // The error goes no further. What is released may run scripts that fail.
+  trace.clear();
+  stack.unwindTo(mark);
+  pendingFailure = std::move(taken);
+  return internal::failedCompletion();
 }
 
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
@@ -98,10 +138,11 @@ bool LuaVM::Impl::callPredicate(const Value& callee, const Value& first, const V
   frame[1] = retain(first);
   frame[2] = retain(second);
   if (options.supervised) internal::Supervised::step(heap.meter(), site);
-  Value result = options.supervised
-                     ? internal::callFixed<internal::Supervised, 2>(*this, stack, frame, site)
-                     : internal::callFixed<internal::Unsupervised, 2>(*this, stack, frame, site);
-  if (!isSingleValue(result)) result = internal::firstOf(result);
+  using internal::OneResult;
+  const Value result =
+      options.supervised
+          ? internal::callFixed<internal::Supervised, OneResult, 2>(*this, stack, frame, site)
+          : internal::callFixed<internal::Unsupervised, OneResult, 2>(*this, stack, frame, site);
   drop(result);
   return result.isTruthy();
 }

@@ -19,7 +19,7 @@ inline Value evaluateExpression(const Expr* expression, Value* base) {
   return expression->execute(expression, base);
 }
 
-// All values of a call: one, or a ReturnSignal completion.
+// The completion of a call: one value, a ReturnSignal, or a failed one.
 inline Value evaluateExpressionMulti(const CallExpr* call, Value* base) {
   return call->executeMulti(call, base);
 }
@@ -30,7 +30,7 @@ inline bool evaluateCondition(const Expr* condition, Value* base) {
 
 // In calls.cpp, for only calls have several values. Evaluates a list of one or more expressions
 // into consecutive slots, the planned temporaries of the list. Only a call at the end contributes
-// all its values. Returns the number of values.
+// all its values. Returns the number of values; a failed call is raised.
 std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value* slots,
                                      Value* base);
 

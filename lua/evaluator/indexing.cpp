@@ -31,7 +31,7 @@ Value stringMethod(LuaVM::Impl& interpreter, const Value& key, Site site) {
 
 // For what is no table, string or native object.
 [[noreturn]] void failIndex(const Value& object, Site site) {
-  failRuntime(site, std::string("attempt to index a ") + describeValueType(object) + " value");
+  failRuntime(site, {"attempt to index a ", describeValueType(object), " value"});
 }
 
 }  // namespace
@@ -70,11 +70,10 @@ namespace {
 // Of any object: borrowed, not peeked, or owned and taken over.
 template <bool ObjectOwned>
 [[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object, Value* base) {
-  OwnedValue guard(ObjectOwned ? object : Value());
-  if (!isPeeked(object)) {
-    object = evaluatePath(node->object, base);
-    guard = OwnedValue(object);
-  }
+  if (!ObjectOwned && isPeeked(object))
+    return indexField(node, object, node->name, node->hint, base);
+  if (!isPeeked(object)) object = evaluatePath(node->object, base);
+  const OwnedValue guard(object);
   return indexField(node, object, node->name, node->hint, base);
 }
 

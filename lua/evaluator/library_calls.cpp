@@ -52,12 +52,13 @@ template <class Callee>
 struct LeafCall {
   template <class Supervision, std::uint32_t Count>
   struct Of {
-    static Value run(const Node* node, Value* base) {
+    template <class Results>
+    [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
       const CallExpr* const call = asCall(node);
       const Value callee = Callee::find(call);
       const NativeCode* const code = nativeCodeOf(callee);
       if (code == nullptr || code->leaf == nullptr) [[unlikely]]
-        return callOrdinarily<Supervision, Count>(node, base);
+        return Results::of(*node->interpreter, callOrdinarily<Supervision, Count>(node, base));
       const LeafFunction leaf = code->leaf;
       Value* const frame = &slotAt(base, call->frameOffset);
       // An argument may give the name another value, and this call is still of the old one.
@@ -89,57 +90,71 @@ UnaryFunction findUnary(const CallExpr* call, Value& callee) noexcept {
   return code == nullptr ? nullptr : code->unary;
 }
 
+// The call where the callee has no short form.
+template <class Callee, class Results>
+[[gnu::noinline]] Value callWithoutShortForm(const Node* node, Value* base) {
+  return LeafCall<Callee>::template Of<Unsupervised, 1>::template run<Results>(node, base);
+}
+
 // Nothing can release callee and argument meanwhile.
 template <class Callee>
-Value callWithFrameVariable(const Node* node, Value* base) {
-  const CallExpr* const call = asCall(node);
-  Value callee;
-  const UnaryFunction unary = findUnary<Callee>(call, callee);
-  if (unary == nullptr) [[unlikely]]
-    return LeafCall<Callee>::template Of<Unsupervised, 1>::run(node, base);
-  const Value argument = slotAt(base, frameOffsetOf(*call->arguments[0]));
-  const Value result = unary(*call->interpreter, argument);
-  if (result.tag != kNotAnswered) [[likely]]
-    return result;
-  return callLeafInFrame(call, base, retain(callee), retain(argument));
-}
+struct CallWithFrameVariable {
+  template <class Results>
+  [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
+    const CallExpr* const call = asCall(node);
+    Value callee;
+    const UnaryFunction unary = findUnary<Callee>(call, callee);
+    if (unary == nullptr) [[unlikely]]
+      return callWithoutShortForm<Callee, Results>(node, base);
+    const Value argument = slotAt(base, frameOffsetOf(*call->arguments[0]));
+    const Value result = unary(*call->interpreter, argument);
+    if (result.tag != kNotAnswered) [[likely]]
+      return result;
+    return callLeafInFrame(call, base, retain(callee), retain(argument));
+  }
+};
 
 // An argument that is counted goes into a slot, where an error finds it.
 template <class Callee>
-Value callWithOneArgument(const Node* node, Value* base) {
-  const CallExpr* const call = asCall(node);
-  Value callee;
-  const UnaryFunction unary = findUnary<Callee>(call, callee);
-  if (unary == nullptr) [[unlikely]]
-    return LeafCall<Callee>::template Of<Unsupervised, 1>::run(node, base);
-  Value& calleeSlot = slotAt(base, call->frameOffset);
-  calleeSlot = callee;
-  ++callee.function->count;
-  const Value argument = evaluateExpression(call->arguments[0], base);
-  if (!argument.isCounted()) [[likely]] {
-    const Value result = unary(*call->interpreter, argument);
-    if (result.tag != kNotAnswered) [[likely]] {
-      clearSlot(calleeSlot);
-      return result;
+struct CallWithOneArgument {
+  template <class Results>
+  [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
+    const CallExpr* const call = asCall(node);
+    Value callee;
+    const UnaryFunction unary = findUnary<Callee>(call, callee);
+    if (unary == nullptr) [[unlikely]]
+      return callWithoutShortForm<Callee, Results>(node, base);
+    Value& calleeSlot = slotAt(base, call->frameOffset);
+    calleeSlot = callee;
+    ++callee.function->count;
+    const Value argument = evaluateExpression(call->arguments[0], base);
+    if (!argument.isCounted()) [[likely]] {
+      const Value result = unary(*call->interpreter, argument);
+      if (result.tag != kNotAnswered) [[likely]] {
+        clearSlot(calleeSlot);
+        return result;
+      }
     }
+    return callLeafInFrame(call, base, calleeSlot, argument);
   }
-  return callLeafInFrame(call, base, calleeSlot, argument);
-}
+};
 
 // ---- Choosing -----------------------------------------------------------------------------------
+
+constexpr std::uint32_t kMostOfLibrary = 4;  // arguments that have a node function of their own
 
 template <class Callee>
 bool chooseWithCallee(CallExpr& call) {
   const NativeCode* const code = nativeCodeOf(Callee::find(&call));
-  if (code == nullptr || code->leaf == nullptr || call.arguments.size > kMostCounted) return false;
-  if (call.interpreter->options.supervised) {
-    chooseByCount<Supervised, LeafCall<Callee>::template Of>(call);
-  } else if (code->unary == nullptr || call.arguments.size != 1) {
-    chooseByCount<Unsupervised, LeafCall<Callee>::template Of>(call);
-  } else if (isFrameVariable(*call.arguments[0])) {
-    chooseResults<callWithFrameVariable<Callee>>(call);
+  if (code == nullptr || code->leaf == nullptr) return false;
+  if (call.interpreter->options.supervised)
+    return chooseByCount<Supervised, LeafCall<Callee>::template Of, kMostOfLibrary>(call);
+  if (code->unary == nullptr || call.arguments.size != 1)
+    return chooseByCount<Unsupervised, LeafCall<Callee>::template Of, kMostOfLibrary>(call);
+  if (isFrameVariable(*call.arguments[0])) {
+    chooseResults<CallWithFrameVariable<Callee>>(call);
   } else {
-    chooseResults<callWithOneArgument<Callee>>(call);
+    chooseResults<CallWithOneArgument<Callee>>(call);
   }
   return true;
 }

@@ -136,6 +136,7 @@ Value executeGenericFor(const Node* node, Value* base) {
     rounds.next();
     completion = executeStatement(body, base);
   }
+  if (isFailed(completion)) return completion;
   clearSlot(iterator);
   return BreakSignal::is(completion) ? normalCompletion() : completion;
 }

@@ -37,8 +37,7 @@ Value readNativeField(const Node* node, NativeObject& object, StringObject* name
 void requireAssignable(const Value& object, Site site) {
   // Deliberate: files and streams fail like every other value that has no fields to assign.
   if (object.tag == kUserData && object.native->kind == NativeObject::Kind::Host) return;
-  failRuntime(site,
-              std::string("attempt to assign into a ") + describeValueType(object) + " value");
+  failRuntime(site, {"attempt to assign into a ", describeValueType(object), " value"});
 }
 
 void assignNativeField(const Node* node, NativeObject& object, StringObject* name,

@@ -49,7 +49,12 @@ void chooseIndex(IndexExpr& index);
 
 // calls.cpp
 void chooseCall(CallExpr& call);
+
+// call_statements.cpp
 void chooseCallStatement(ExpressionStmt& statement);
+// For the value of a frame variable, by its `targetOffset`; false when the value is no call. The
+// slot may own nothing.
+bool chooseCallStore(AssignmentStmt& statement, bool ownsNothing);
 
 // assignments.cpp
 void chooseAssignment(AssignmentStmt& statement);

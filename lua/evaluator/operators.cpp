@@ -111,7 +111,7 @@ bool compareValues(const Value& left, const Value& right, TokenKind op, Site sit
 
 Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, Site site) {
   if (!left.isNumber() || !right.isNumber()) {
-    failRuntime(site, std::string("operator '") + operatorText(op) + "' expects numbers");
+    failRuntime(site, {"operator '", operatorText(op), "' expects numbers"});
   }
   switch (op) {
     case TokenKind::Plus:

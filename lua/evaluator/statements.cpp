@@ -58,8 +58,10 @@ Value runAll(const Node* node, Value* base) {
 void releaseLocals(const Block* block, Value* base, Value completion) noexcept {
   Value* const first = &slotAt(base, block->releaseOffset);
   Value* end = &slotAt(base, block->releaseEnd);
-  if (ReturnSignal::isSeveral(completion) && completion.values < end)
-    end = std::max(completion.values, first);
+  if (isFailedOrSeveral(completion)) [[unlikely]] {
+    if (isFailed(completion)) return;
+    if (completion.values < end) end = std::max(completion.values, first);
+  }
   clearSlots(first, end);
 }
 

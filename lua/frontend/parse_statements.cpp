@@ -215,7 +215,10 @@ ArenaList<AssignTarget> Parser::declare(std::span<const LocalName> names) {
 Stmt* Parser::parseFunctionDeclaration(Site keyword, bool isLocal) {
   if (isLocal) return parseLocalFunction(keyword);
   const DeclaredName name = parseDeclaredName();
-  noteAssigned(*name.target.expression);
+  if (LocalVariable* const variable = localOf(*name.target.expression)) {
+    variable->assigned = true;
+    variable->scalar = false;
+  }
   FunctionExpr* function = parseFunctionBody(keyword, name.text, name.isMethod);
   return make<FunctionDeclarationStmt>(false, name.target, function, keyword);
 }
@@ -273,7 +276,9 @@ Stmt* Parser::parseAssignment(Expr* firstTarget, Site site) {
   expect(TokenKind::Assign, "expected '=' in assignment");
   const ArenaList<Expr*> values = parseExpressionList();
   auto* const statement = make<AssignmentStmt>(false, targets, values, site);
-  for (const AssignTarget& target : targets) noteAssigned(*target.expression);
+  for (const AssignTarget& target : targets) {
+    if (LocalVariable* const variable = localOf(*target.expression)) variable->assigned = true;
+  }
   scalars_.note(*statement);
   return statement;
 }
@@ -285,10 +290,10 @@ ArenaList<AssignTarget> Parser::parseTargets(Expr* first) {
   return chunk_.arena.list(targets.items());
 }
 
-void Parser::noteAssigned(const Expr& target) {
-  if (target.kind != ExprKind::Variable) return;
-  LocalVariable* const variable = static_cast<const VariableExpr&>(target).local();
-  if (variable != nullptr) variable->assigned = true;
+// The local that a target is; null for anything else.
+LocalVariable* Parser::localOf(const Expr& target) {
+  if (target.kind != ExprKind::Variable) return nullptr;
+  return static_cast<const VariableExpr&>(target).local();
 }
 
 AssignTarget Parser::asAssignTarget(Expr* expression) {

@@ -155,7 +155,7 @@ class Parser {
   Expr* takeLiteral(Value value);
   Expr* takeString();
   VariableExpr* makeVariable(Name& name, Site site);
-  static void noteAssigned(const Expr& target);
+  static LocalVariable* localOf(const Expr& target);
   LiteralExpr*& literalSlot(Value value);
   bool isKnownLiteral(Value value);
   void moveIntoField(TableExpr::Field& field, LiteralExpr* literal);

@@ -8,7 +8,7 @@
 namespace tarvel::lua::internal {
 
 void failArgument(const char* name, const char* text, Site site) {
-  failRuntime(site, std::string(name) + text);
+  failRuntime(site, {name, text});
 }
 
 std::string argumentCountText(const char* name, std::size_t minimum, std::size_t maximum) {

@@ -74,16 +74,20 @@ constexpr std::size_t kErrorTextCopies = 4;
 // In bytes. Those copies cannot be interrupted.
 constexpr std::size_t kLongestSupervisedError = std::size_t{1} << 20;
 
-[[noreturn]] void failWithText(LuaVM& vm, const Value& text, Site site) {
+// The completion of a call that fails with this text.
+Value failWithText(LuaVM::Impl& interpreter, const Value& text, Site site) {
   const PrintableText printable(text);
   const std::size_t bytes = kErrorTextCopies * printable.view().size();
-  Heap& heap = LuaVM::Impl::of(vm).heap;
+  Heap& heap = interpreter.heap;
   heap.meter().spend(stepsForBytes(bytes), site);
   if (bytes > kErrorTextCopies * kLongestSupervisedError && heap.meter().isSupervised()) {
     failRuntime(site, "error message is too long");
   }
   heap.requireRoom(bytes);
-  failRuntime(site, std::string(printable.view()));
+  return interpreter.pendingFailure.set(text.isString()
+                                            ? OwnedValue::share(text)
+                                            : OwnedValue(interpreter.makeString(printable.view())),
+                                        site);
 }
 
 }  // namespace
@@ -93,34 +97,36 @@ Value baseAssert(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Si
   requireArgumentCount("assert", count, 1, kAnyCount);
   if (!frame[1].isTruthy()) {
     if (count == 1) failRuntime(site, "assertion failed!");
-    failWithText(interpreter.self, frame[2], site);
+    return failWithText(interpreter, frame[2], site);
   }
   interpreter.heap.meter().spend(count / kElementsPerStep, site);
   if (count == 1) return std::exchange(frame[1], Value());
+  Results::countMoved(interpreter.heap.meter(), count, site);
   clearSlot(frame[0]);
   std::copy_n(frame + 1, count, frame);
   frame[count] = Value();
-  Results::countMoved(interpreter.heap.meter(), count, site);
   return ReturnSignal::severalValues(frame, count);
 }
 
 // The level is accepted and has no effect. An error value is always a string.
-Value baseError(LuaVM& vm, ValueSpan args, Site site) {
-  requireArgumentCount("error", args.size(), 0, 2);
-  if (args.empty()) failRuntime(site, "error");
-  failWithText(vm, args[0], site);
+Value baseError(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  requireArgumentCount("error", count, 0, 2);
+  if (count == 0) failRuntime(site, "error");
+  return failWithText(interpreter, frame[1], site);
 }
 
 namespace {
 
-// The error goes no further.
-void sweep(LuaVM::Impl& interpreter, const ValueStack::Mark& mark) {
-  interpreter.trace.clear();
-  interpreter.stack.unwindTo(mark);
-}
-
-// Takes over the message.
-Value failedCall(Value* frame, Value message) noexcept {
+// The message is a copy as far as counting is concerned, though a text of the script's is shared.
+Value failedCall(LuaVM::Impl& interpreter, Value* frame, Site site) {
+  Value message = interpreter.pendingFailure.takeText();
+  if (message.isNil()) {
+    message = makeText(interpreter.strings, interpreter.pendingFailure.message(), site);
+  } else {
+    OwnedValue kept(message);
+    interpreter.heap.meter().spend(stepsForBytes(message.string->length), site);
+    kept.take();
+  }
   clearSlot(frame[0]);
   frame[0] = Value(false);
   frame[1] = message;
@@ -136,39 +142,23 @@ Value succeededCall(LuaVM::Impl& interpreter, Value* frame, Value completion, Si
   } else if (ReturnSignal::isSeveral(completion)) {
     count = ReturnSignal::count(completion);
   }
-  clearSlot(frame[0]);
   if (count == 0) return Value(true);
-  frame[0] = Value(true);
+  // Counting may end the run, whose trace still needs the function in frame[0].
   interpreter.heap.meter().spend(count / kElementsPerStep, site);
   Results::countMoved(interpreter.heap.meter(), count + 1, site);
+  clearSlot(frame[0]);
+  frame[0] = Value(true);
   return ReturnSignal::severalValues(frame, count + 1);
 }
 
 }  // namespace
 
-// The call is made where its function and arguments stand. ExitSignal, StopSignal and what a host
-// throws besides standard exceptions pass through.
+// The call is made where its function and arguments stand.
 Value basePcall(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
   requireArgumentCount("pcall", count, 1, kAnyCount);
-  const ValueStack::Mark mark = interpreter.stack.markAt(frame + 1);
-  Value message;
-  try {
-    const ProtectedCallScope scope;
-    if (!frame[1].isFunction()) failNotCallable(frame[1], site);
-    const Value completion = interpreter.callFrame(frame + 1, count - 1, site);
-    return succeededCall(interpreter, frame, completion, site);
-  } catch (const ProtectedRuntimeError& error) {
-    sweep(interpreter, mark);
-    message = makeText(interpreter.strings, error.message, site);
-  } catch (const std::bad_alloc&) {
-    // There may be no memory for a message either.
-    sweep(interpreter, mark);
-    message = retain(interpreter.standard.outOfMemoryText.get());
-  } catch (const std::exception& error) {
-    sweep(interpreter, mark);
-    message = makeText(interpreter.strings, exceptionText(error), site);
-  }
-  return failedCall(frame, message);
+  const Value completion = interpreter.callProtected(frame + 1, count - 1, site);
+  return isFailed(completion) ? failedCall(interpreter, frame, site)
+                              : succeededCall(interpreter, frame, completion, site);
 }
 
 Value basePairs(LuaVM& vm, ValueSpan args, Site site) {

@@ -19,7 +19,7 @@ Value baseToNumber(LuaVM& vm, ValueSpan args, Site site);
 Value baseType(LuaVM& vm, ValueSpan args, Site site);
 Value baseTypeOfOne(LuaVM::Impl& interpreter, Value value);
 Value baseAssert(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site);
-Value baseError(LuaVM& vm, ValueSpan args, Site site);
+Value baseError(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site);
 Value basePcall(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site);
 Value basePairs(LuaVM& vm, ValueSpan args, Site site);
 Value baseIpairs(LuaVM& vm, ValueSpan args, Site site);

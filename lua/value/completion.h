@@ -7,7 +7,7 @@
 // How a statement ended. Statements hand their completion back in the two registers of a Value: a
 // tag below the completion tags is `return` of that one value, which the completion owns; the
 // others are made here. `return` and `break` leave loops and blocks this way and are never
-// exceptions.
+// exceptions. A failure may travel either way.
 
 namespace tarvel::lua::internal {
 
@@ -41,6 +41,17 @@ struct ReturnSignal {
     return static_cast<std::uint32_t>(completion.tag >> 32);
   }
 };
+
+// A failure of the script on its way to the pcall or the run that it ends; what it is stands in the
+// interpreter's PendingFailure. Statements and calls hand it on and release nothing, as if it were
+// an exception. Where it comes to an expression that needs a value, it becomes one.
+inline Value failedCompletion() noexcept { return Value::ofTag(kFailedCompletion); }
+inline bool isFailed(Value completion) noexcept { return completion.tag == kFailedCompletion; }
+
+// The two that a block has to look at before it releases its locals: one comparison of the tag.
+inline bool isFailedOrSeveral(Value completion) noexcept {
+  return completion.tag >= kFailedCompletion;
+}
 
 // One value, owned, as opposed to any of the above.
 inline bool isSingleValue(Value completion) noexcept { return completion.tag < kNormalCompletion; }

@@ -1,6 +1,7 @@
 #include "lua/value/errors.h"
 
 #include <new>
+#include <utility>
 
 namespace tarvel::lua::internal {
 
@@ -9,15 +10,27 @@ namespace {
 // Per thread, so that interpreters on two threads do not disturb each other's choice of error type.
 thread_local std::int32_t protectedCallDepth = 0;
 
-}  // namespace
-
-void failRuntime(Site site, const std::string& message, FailureKind kind) {
-  if (protectedCallDepth < 1) throw RuntimeError(message, site, true, kind);
-  throw ProtectedRuntimeError{message, site, true, kind};
+std::string join(std::initializer_list<std::string_view> pieces) {
+  std::string text;
+  for (const std::string_view piece : pieces) text.append(piece);
+  return text;
 }
 
-void failRuntime(Site site, const char* message, FailureKind kind) {
-  failRuntime(site, std::string(message), kind);
+}  // namespace
+
+void failRuntime(Site site, std::string_view message, FailureKind kind) {
+  if (protectedCallDepth < 1) throw RuntimeError(std::string(message), site, true, kind);
+  throw ProtectedRuntimeError{std::string(message), site, true, kind};
+}
+
+void failRuntime(Site site, std::initializer_list<std::string_view> pieces) {
+  if (protectedCallDepth < 1) throw RuntimeError(join(pieces), site, true);
+  throw ProtectedRuntimeError{join(pieces), site, true, FailureKind::Script};
+}
+
+void throwError(ProtectedRuntimeError&& error) {
+  if (protectedCallDepth > 0) throw std::move(error);
+  throw RuntimeError(error.message, error.site, error.hasLocation, error.kind);
 }
 
 void failHost(Site site, const std::exception& error) {

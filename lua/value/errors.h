@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -44,9 +45,9 @@ class RuntimeError : public std::runtime_error {
 // those between the error and the pcall can take it.
 struct ProtectedRuntimeError {
   std::string message;
-  Site site;
-  bool hasLocation;
-  FailureKind kind;
+  Site site = 0;
+  bool hasLocation = false;
+  FailureKind kind = FailureKind::Script;
 };
 
 // A failure where there is no tree whose nodes could have a site: a fault in a source text, or no
@@ -86,12 +87,15 @@ struct StopSignal {
 
 // Raises a script error at a place of the running chunk. The message never contains the location;
 // that is added once, where the failure is reported.
-[[noreturn]] void failRuntime(Site site, const std::string& message,
+[[noreturn]] void failRuntime(Site site, std::string_view message,
                               FailureKind kind = FailureKind::Script);
 
-// "attempt to <action> a <kind> value" and the like are built here, away from the hot paths.
-[[noreturn]] void failRuntime(Site site, const char* message,
-                              FailureKind kind = FailureKind::Script);
+// The same for a message of several pieces. Whoever fails with them has nothing to destroy that an
+// exception would stop for on its way.
+[[noreturn]] void failRuntime(Site site, std::initializer_list<std::string_view> pieces);
+
+// Raises it in the form that the active pcalls ask for.
+[[noreturn]] void throwError(ProtectedRuntimeError&& error);
 
 // Raises what a function of the host threw as a script error with the exception's text. The text of
 // a failed run deliberately names no line: hosts know these texts without one.

@@ -51,11 +51,12 @@ enum Tag : std::uint64_t {
   kNormalCompletion = 16,
   kBreakCompletion = 17,
   kNoValuesCompletion = 18,
-  kSeveralValuesCompletion = 19,
+  kFailedCompletion = 19,
+  kSeveralValuesCompletion = 20,
   // What a peek gives that would have had to run something; never stored either.
-  kNotPeeked = 20,
+  kNotPeeked = 21,
   // What a native function gives in place of a result that takes its general form; never stored.
-  kNotAnswered = 21,
+  kNotAnswered = 22,
 };
 
 // A value of the dialect: 16 bytes, trivially copyable, so that it travels in two registers. It

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kReservedBytes = std::size_t{512} << 20;
 constexpr std::size_t kSmallestReservation = std::size_t{1} << 20;
-constexpr std::ptrdiff_t kLimitStep = 256;  // slots by which the soft limit rises
+constexpr std::ptrdiff_t kLimitStep = 64;  // slots by which the soft limit rises
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -43,6 +44,21 @@ void bindSignal(LuaVM& vm, const char* name, StopSignal::Reason reason) {
       name, [reason](LuaVM&, internal::ValueSpan, internal::Site site) -> internal::MultiValue {
         throw StopSignal{reason, site};
       });
+}
+
+// What a caught failure leaves behind is released before the script sees its message.
+TEST(Failure, IsKeptWhileOthersHappen) {
+  LuaVM vm;
+  const auto runInner = [&vm](void*) { vm.runScriptString("pcall(error, 'inner')", "d"); };
+  {
+    const std::shared_ptr<void> held(static_cast<void*>(nullptr), runInner);
+    vm.bindFunction("hold", [held](LuaVM&, const Arguments&) { return LuaValue(); });
+  }
+  const LuaResult result = vm.runScriptString(
+      "local ok, message = pcall(function() local h = hold hold = nil error('outer') end) "
+      "return message",
+      "c");
+  EXPECT_EQ("outer", result.value.toString());
 }
 
 // A message and whether LuaResult::error has chunk and line in front of it.

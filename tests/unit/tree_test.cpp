@@ -68,8 +68,11 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
       {"g[t.x] = s", "(storeElementKeepingObject s global.g (readField<FrameObject> t))"},
       // Calls.
       {"g(n, #t)", "(FunctionCall<GlobalCallee>::Of<2> global.g n (evaluatePeekedLength t))"},
+      {"return t:m(s, s())",
+       "(returnCall (CallWithMany t s (FunctionCall<FrameCallee>::Of<0> s)))"},
       {"return t:m(s)", "(returnCall (MethodCall<1> t s))"},
-      {"g(n, t())", "(callWithMany global.g n (FunctionCall<FrameCallee>::Of<0> t))"},
+      {"g(n, t())",
+       "(FunctionCall<GlobalCallee>::OfCall<2> global.g n (FunctionCall<FrameCallee>::Of<0> t))"},
       // Bodies.
       {"while g do local a = {} end",
        "(executeWhile global.g (runReleasing<runSome<1>> (storeScalarLocal (evaluateEmptyTable) "

@@ -64,6 +64,7 @@ std::string nameOf(Function function) {
       {std::regex(R"(\(Node const\*, Value\*\)|\bValue |\bbool |::Execute|::run|[&()])"), ""},
       {std::regex(R"((\d)u\b)"), "$1"},
       {std::regex(R"(<Unsupervised>|Unsupervised, )"), ""},
+      {std::regex(R"(^(?:one|all)Results?<(.*?) ?>$)"), "$1"},
       {std::regex("> >"), ">>"},
       {std::regex(R"((Left|Right)(<try(\w+)>|(Frame|Other)))"), "$3$4"},
       {std::regex(", AsValue>"), ">"},

@@ -97,7 +97,7 @@ IteratorState* findAll(LuaVM::Impl& interpreter, const PatternSearcher& searcher
 IteratorState* createMatchIterator(LuaVM::Impl& interpreter, const Value& subject,
                                    const Value& pattern, Site site) {
   const PatternSearcher searcher(*interpreter.patterns, *pattern.string, site);
-  if (searcher.canFail()) {
+  if (searcher.isForNow()) {
     return subject.string->length <= UINT32_MAX
                ? findAll<std::uint32_t>(interpreter, searcher, subject, site)
                : findAll<std::uint64_t>(interpreter, searcher, subject, site);

@@ -111,8 +111,8 @@ void PatternSearcher::lookUp(PatternCache& cache, StringObject& pattern) {
   if (!isPlainText(text_)) expression_ = &cache.lookup(pattern, site_);
 }
 
-bool PatternSearcher::canFail() const noexcept {
-  return expression_ != nullptr && expression_->canFail();
+bool PatternSearcher::isForNow() const noexcept {
+  return expression_ != nullptr && (expression_->canFail() || text_.size() > kLongestKeptPattern);
 }
 
 bool PatternSearcher::find(std::string_view subject, std::size_t from, PatternMatch& match) const {

@@ -105,8 +105,9 @@ class PatternSearcher {
   // (error_stack) where the stack that is left may not do for the search.
   bool find(std::string_view subject, std::size_t from, PatternMatch& match) const;
 
-  // Whether a search may throw (std::regex_error): where std::regex searches.
-  bool canFail() const noexcept;
+  // Whether all searches should be made now: a later one could throw std::regex_error, or would
+  // have to compile the pattern once more.
+  bool isForNow() const noexcept;
   std::size_t captureCount() const noexcept;
 
  private:

@@ -31,5 +31,8 @@ function interrupted(subject, pattern)
 end
 print(interrupted("a=1, b=2", "(%w)=(%w)"), interrupted("ab b", "(a)?(b)"))  -- expect: <a,1><b,2>	<a,b><,b>
 print(interrupted("a b", "%a+"), interrupted("a, b", ", "), interrupted("ab", "(?:a)"))  -- expect: <a,nil><b,nil>	<, ,nil>	<a,nil>
+local count = 0
+for long in string.gmatch(string.rep("x ", 3000), "x" .. string.rep("[y]?", 400) .. " ") do count = count + 1 end
+print(count)  -- expect: 3000
 -- A pattern is rejected when the iterator is made, also where the subject is empty.
 print(pcall(string.gmatch, "", "a)"))  -- expect: false	Mismatched '(' and ')' in regular expression

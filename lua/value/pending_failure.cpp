@@ -1,0 +1,36 @@
+#include "lua/value/pending_failure.h"
+
+#include <utility>
+
+#include "lua/value/completion.h"
+#include "lua/value/string_object.h"
+
+namespace tarvel::lua::internal {
+
+Value PendingFailure::set(OwnedValue text, Site site) noexcept {
+  text_ = std::move(text);
+  error_.site = site;
+  error_.hasLocation = true;
+  error_.kind = FailureKind::Script;
+  return failedCompletion();
+}
+
+Value PendingFailure::set(std::string message, Site site) noexcept {
+  return set({std::move(message), site, true, FailureKind::Script});
+}
+
+Value PendingFailure::set(ProtectedRuntimeError&& error) noexcept {
+  text_ = OwnedValue();
+  error_ = std::move(error);
+  return failedCompletion();
+}
+
+void PendingFailure::raise() {
+  if (text_.get().isString()) {
+    error_.message = text_.get().string->view();
+    text_ = OwnedValue();
+  }
+  throwError(std::move(error_));
+}
+
+}  // namespace tarvel::lua::internal
