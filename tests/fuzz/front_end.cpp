@@ -88,7 +88,7 @@ std::string textOf(Choices choices) {
   return text;
 }
 
-bool isInside(std::string_view text, int line, int column) {
+bool isInside(std::string_view text, std::uint32_t line, std::uint32_t column) {
   if (line < 1 || column < 1) return false;
   for (; line > 1; --line) {
     const std::size_t end = text.find('\n');
@@ -96,7 +96,7 @@ bool isInside(std::string_view text, int line, int column) {
     text.remove_prefix(end + 1);
   }
   // The end of the line, or of the text, is a place too.
-  return static_cast<std::size_t>(column) <= std::min(text.find('\n'), text.size()) + 1;
+  return column <= std::min(text.find('\n'), text.size()) + 1;
 }
 
 std::string problemOf(const std::string& text) {
