@@ -86,8 +86,7 @@ std::size_t expectedLength(const Value& value) noexcept {
 }
 
 char* copyBytes(std::string_view bytes, char* out) noexcept {
-  std::memcpy(out, bytes.data(), bytes.size());
-  return out + bytes.size();
+  return std::copy(bytes.begin(), bytes.end(), out);
 }
 
 // The joined text of strings, of which there is one at least, owned; nil where another value is

@@ -259,9 +259,9 @@ TEST(PatternTest, WatchingTheStackChangesNoResult) {
   int matching = 0;
   runOnStack(kSmallStack, [&] { matching = compareAtRandom(1, 1500, true); });
   EXPECT_GT(matching, 1500);
-  EXPECT_EQ(outcomeOn(std::size_t{256} << 10,
-                      "return string.match('key = value', '(%w+)(?:%s)*=%s*(%w+)')"),
-            "{key, value}");
+  EXPECT_EQ(
+      outcomeOn(4 * kSmallStack, "return string.match('key = value', '(%w+)(?:%s)*=%s*(%w+)')"),
+      "{key, value}");
 }
 
 // That they do not disturb each other inside the C++ library, only the thread sanitizer sees.
