@@ -87,6 +87,8 @@ std::string compareWays(std::span<const std::uint8_t> bytes) {
   const std::string script = generateScript(bytes, Placement::Locals);
   const Outcome expected = runScript(script, true, kMostSteps);
   if (expected.kind == LuaError::Kind::Steps) return {};
+  // How deep a recursion gets depends on the host's stack, so on the way.
+  if (expected.text.find("stack overflow") != std::string::npos) return {};
   if (expected.kind == LuaError::Kind::Syntax)
     return difference("not well-formed", script, expected, expected);
   if (std::string problem = compareSteps(script, expected); !problem.empty()) return problem;
