@@ -147,6 +147,7 @@ ScriptValue ScriptValue::element(std::size_t number) const noexcept {
 
 bool ScriptValue::next(std::size_t& cursor, ScriptValue& key, ScriptValue& value) const noexcept {
   const Table& table = *toValue(raw_).table;
+  table.takeBack();
   for (; cursor < table.arraySize(); ++cursor) {
     const Value element = table.element(static_cast<std::uint32_t>(cursor));
     if (element.isNil()) continue;

@@ -36,6 +36,8 @@ struct TableKey {
 // - The values under 1 to `border_` are not nil, wherever they stand.
 // - An entry whose value is nil is absent for every reader. Its place in the order is given up: a
 //   key that is stored again after it was nil stands at the end.
+// - A table that is lent has no parts, and an iterator has them. Its sizes send every access to
+//   where the parts are fetched back first; who uses the parts as such calls takeBack().
 class Table : public Object {
  public:
   // Returns an owned reference. `arrayHint` and `entryHint` say how many keys are about to be
@@ -123,6 +125,14 @@ class Table : public Object {
   const Value& entryValue(std::uint32_t number) const noexcept { return entries_[number].value; }
   std::uint32_t liveEntries() const noexcept { return liveEntries_; }
 
+  // Gives the parts to an iterator until the next access, or until it returns them itself.
+  void lendTo(IteratorState& iterator) noexcept;
+  // Makes another table's parts those of this one.
+  void takeParts(const Table& lender) noexcept;
+  void takeBack() const noexcept {
+    if (isLent()) const_cast<Table*>(this)->endLoan();
+  }
+
  private:
   struct Entry {
     TableKey key;
@@ -133,6 +143,8 @@ class Table : public Object {
     return number < entryCount_ && entries_[number].key.string == key &&
            entries_[number].key.tag() == kString;
   }
+  bool isLent() const noexcept { return capacityCode_ == kLent; }
+  void endLoan() noexcept;
   Value getEntry(TableKey key) const noexcept;
   Value findWithHint(StringObject* key, std::uint32_t& hint) const noexcept;
   std::uint32_t findEntry(TableKey key) const noexcept;
@@ -169,6 +181,7 @@ class Table : public Object {
   // From this capacity on entries have an index, and capacities are powers of two; fewer entries
   // are found by looking at each.
   static constexpr std::uint32_t kIndexedCapacity = 16;
+  static constexpr std::uint32_t kLent = 255;  // in place of a code for a capacity
   static constexpr std::uint32_t kMostIntegerEntries = (std::uint32_t{1} << 24) - 1;
 
   std::uint32_t entryCapacity() const noexcept {
@@ -177,7 +190,10 @@ class Table : public Object {
   }
   void setEntryCapacity(std::uint32_t capacity) noexcept;
 
-  Value* array_ = nullptr;
+  union {
+    Value* array_ = nullptr;
+    IteratorState* borrower_;  // while it is lent
+  };
   Entry* entries_ = nullptr;     // behind them, from kIndexedCapacity on, the hash index
   std::uint32_t arraySize_ = 0;  // keys 1 to arraySize_ live here; elements may be nil
   std::uint32_t arrayCapacity_ = 0;
