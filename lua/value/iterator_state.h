@@ -41,8 +41,11 @@ struct IteratorState : Object {
       : kind(iteratorKind), values(std::move(items)) {}
   ~IteratorState();
 
-  // Returns the parts to the table that lends them, for its items may change now.
-  void endLoan() noexcept;
+  // Returns the parts to the table that lends them, for its items may change now. Throws
+  // std::bad_alloc when there is no memory for a copy of those that are left, and has done nothing.
+  void endLoan();
+  // Then for where nothing may throw: the next step does.
+  void loseItems() noexcept;
 
   // All return an owned reference.
   static IteratorState* createPairs(Heap& heap, Table& table, Site site);
@@ -51,6 +54,7 @@ struct IteratorState : Object {
 
  private:
   void copyItems(Heap& heap, Site site);
+  void returnParts() noexcept;
 };
 
 }  // namespace tarvel::lua::internal

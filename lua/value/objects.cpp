@@ -56,7 +56,7 @@ NativeObject* NativeObject::create(Heap& heap, Kind kind, NativeClass& type,
 
 IteratorState::~IteratorState() {
   if (table == nullptr) return;
-  if (kind == Kind::Pairs) table->takeParts(parts);
+  if (kind == Kind::Pairs) return returnParts();
   drop(Value(table));
 }
 
@@ -88,13 +88,18 @@ void IteratorState::copyItems(Heap& heap, Site site) {
   values.swap(items);
 }
 
-void IteratorState::endLoan() noexcept {
-  try {
-    copyItems(Heap::of(table), 0);
-  } catch (const std::bad_alloc&) {
-    hasLost = true;
-  }
+void IteratorState::endLoan() {
+  copyItems(Heap::of(table), 0);
   position = 0;
+  returnParts();
+}
+
+void IteratorState::loseItems() noexcept {
+  hasLost = true;
+  returnParts();
+}
+
+void IteratorState::returnParts() noexcept {
   Table* const lender = std::exchange(table, nullptr);
   lender->takeParts(parts);
   drop(Value(lender));
@@ -102,7 +107,7 @@ void IteratorState::endLoan() noexcept {
 
 // What a supervised interpreter counts for the copy is counted by the call.
 IteratorState* IteratorState::createPairs(Heap& heap, Table& table, Site site) {
-  table.takeBack();
+  table.fetchBack();
   OwnedValue iterator(Value(new (heap.allocate(sizeof(IteratorState)))
                                 IteratorState(Kind::Pairs, ValueList(heap))));
   IteratorState& state = *iterator.get().iterator;

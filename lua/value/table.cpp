@@ -195,7 +195,18 @@ void Table::lendTo(IteratorState& iterator) noexcept {
   integerEntries_ = 1;
 }
 
-void Table::endLoan() noexcept { borrower_->endLoan(); }
+void Table::fetchBack() {
+  if (isLent()) borrower_->endLoan();
+}
+
+void Table::endLoan() noexcept {
+  IteratorState& iterator = *borrower_;
+  try {
+    iterator.endLoan();
+  } catch (const std::bad_alloc&) {
+    iterator.loseItems();
+  }
+}
 
 // ---- Storing ------------------------------------------------------------------------------------
 

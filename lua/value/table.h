@@ -129,6 +129,9 @@ class Table : public Object {
   void lendTo(IteratorState& iterator) noexcept;
   // Makes another table's parts those of this one.
   void takeParts(const Table& lender) noexcept;
+  // Fetches the parts back. The first throws std::bad_alloc where the iterator, which needs a copy,
+  // can get no memory for it; the second leaves that to the iterator.
+  void fetchBack();
   void takeBack() const noexcept {
     if (isLent()) const_cast<Table*>(this)->endLoan();
   }
