@@ -190,6 +190,22 @@ LuaValue Call::allResults() const {
   return state().interpreter().resultsToPublic(state().results());
 }
 
+namespace {
+
+// There was no memory to say what failed; what was held is released by now.
+LuaError errorWithoutWords() {
+  LuaError error;
+  error.kind = LuaError::Kind::Memory;
+  try {
+    error.message = internal::exceptionText(std::bad_alloc());
+  } catch (const std::bad_alloc&) {
+    error.message.clear();
+  }
+  return error;
+}
+
+}  // namespace
+
 LuaError Call::failure() {
   State& opened = state();
   const auto valueError = [&opened](const char* text) {
@@ -213,7 +229,11 @@ LuaError Call::failure() {
   } catch (...) {
     const internal::FailureReport report(opened.interpreter());
     opened.release();
-    return report.error();
+    try {
+      return report.error();
+    } catch (const std::bad_alloc&) {
+      return errorWithoutWords();
+    }
   }
 }
 

@@ -398,7 +398,8 @@ void chooseAssignment(AssignmentStmt& statement) {
   statement.value = statement.values[0];
   if (target.kind == ExprKind::Variable) {
     chooseVariableStore(statement, static_cast<const VariableExpr&>(target));
-  } else if (chooseUpdate(statement) || chooseAccessStore(statement)) {
+  } else if (chooseAppendToAccess(statement) || chooseUpdate(statement) ||
+             chooseAccessStore(statement)) {
     return;
   } else if (target.kind == ExprKind::Field) {
     statement.execute = fieldStore(static_cast<const FieldExpr&>(target));

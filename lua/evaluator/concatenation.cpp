@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "lua/evaluator/assignments.h"
 #include "lua/evaluator/execute.h"
 #include "lua/evaluator/leaves.h"
 #include "lua/evaluator/node_functions.h"
@@ -12,8 +13,10 @@
 #include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
 #include "lua/value/string_object.h"
+#include "lua/value/table.h"
 
-// `..`: a chain of operands becomes one string, or is appended to the variable that it starts with.
+// `..`: a chain of operands becomes one string, or is appended to the variable, field or element
+// that it starts with.
 
 namespace tarvel::lua::internal {
 
@@ -161,6 +164,92 @@ bool appendsToItself(const AssignmentStmt& statement) noexcept {
                         *static_cast<const ConcatExpr*>(statement.values[0])->operands[0]);
 }
 
+// The place of an element or field whose object can be peeked at and whose key runs nothing, of one
+// that is not nil; otherwise null.
+Value* findAccess(const Expr* access, Value* base) {
+  if (access->kind == ExprKind::Field) {
+    const auto* const field = static_cast<const FieldExpr*>(access);
+    const Value object = field->object->peek(field->object, base);
+    return object.isTable() ? object.table->findHinted(field->name, field->hint) : nullptr;
+  }
+  const auto* const index = static_cast<const IndexExpr*>(access);
+  const Value object = index->object->peek(index->object, base);
+  if (!object.isTable()) return nullptr;
+  const OwnedValue keyValue(evaluateExpression(index->key, base));
+  TableKey key;
+  return tryMakeKeyFromValue(keyValue.get(), key) ? object.table->find(key) : nullptr;
+}
+
+// Copying a text of so many bytes for every append is no more work than looking its place up. So
+// short texts, of which tables may hold many, get no room for further appends.
+constexpr std::size_t kLongText = 256;
+
+// `o.f = o.f .. x`, `a[k] = a[k] .. x`: appends in place where only that field or element holds the
+// string, also after the pieces have been evaluated.
+Value appendToAccess(const Node* node, Value* base) {
+  const AssignmentStmt* const statement = asAssignment(node);
+  const auto* const concat = static_cast<const ConcatExpr*>(statement->value);
+  evaluatePieces(concat, 0, base);
+  Value& held = *piecesOf(concat, base);
+  Value* const first = &held + 1;
+  Value* const end = &held + concat->operands.size;
+  if (held.isString() && held.string->count == 2 && held.string->length >= kLongText) {
+    // What gives up an object can run a destructor, and is done before the place is looked up.
+    const bool isPlain = end - first == 1 && (first->isString() || first->isNumber());
+    Heap& heap = concat->interpreter->heap;
+    const std::size_t length = isPlain ? 0 : convertPieces(heap, first, end);
+    Value* const place = findAccess(statement->targets[0].expression, base);
+    if (place != nullptr && place->isString() && place->string == held.string &&
+        held.string->count == 2) {
+      clearSlot(held);
+      appendPieces(heap, *place, first, end, length);
+      return normalCompletion();
+    }
+  }
+  const Value text = joinPieces(concat, base);
+  return storeInTarget(node, base, text);
+}
+
+// Whether two expressions consist of the same operators, variables, literals and names.
+bool isSameExpression(const Expr& a, const Expr& b) noexcept {
+  if (a.kind != b.kind || a.op != b.op) return false;
+  switch (a.kind) {
+    case ExprKind::Literal:
+      return wordsOf(literalValue(a)) == wordsOf(literalValue(b));
+    case ExprKind::Variable:
+      return isSameVariable(a, b);
+    case ExprKind::Unary:
+      return isSameExpression(*static_cast<const UnaryExpr&>(a).operand,
+                              *static_cast<const UnaryExpr&>(b).operand);
+    case ExprKind::Binary: {
+      const auto& left = static_cast<const BinaryExpr&>(a);
+      const auto& right = static_cast<const BinaryExpr&>(b);
+      return isSameExpression(*left.left, *right.left) &&
+             isSameExpression(*left.right, *right.right);
+    }
+    case ExprKind::Field: {
+      const auto& left = static_cast<const FieldExpr&>(a);
+      const auto& right = static_cast<const FieldExpr&>(b);
+      return left.name == right.name && isSameExpression(*left.object, *right.object);
+    }
+    case ExprKind::Index: {
+      const auto& left = static_cast<const IndexExpr&>(a);
+      const auto& right = static_cast<const IndexExpr&>(b);
+      return isSameExpression(*left.object, *right.object) &&
+             isSameExpression(*left.key, *right.key);
+    }
+    default:
+      return false;
+  }
+}
+
+bool canFindAccess(const Expr& access) noexcept {
+  if (access.kind == ExprKind::Field) return static_cast<const FieldExpr&>(access).object->peekable;
+  if (access.kind != ExprKind::Index) return false;
+  const auto& index = static_cast<const IndexExpr&>(access);
+  return index.object->peekable && !index.key->mayRunCode;
+}
+
 }  // namespace
 
 void chooseConcat(ConcatExpr& concat) {
@@ -171,6 +260,17 @@ void chooseConcat(ConcatExpr& concat) {
 bool chooseAppend(AssignmentStmt& statement) {
   if (!appendsToItself(statement)) return false;
   statement.execute = appendToVariable;
+  return true;
+}
+
+// Supervised interpreters count the making of a whole text.
+bool chooseAppendToAccess(AssignmentStmt& statement) {
+  if (statement.value->kind != ExprKind::Concat) return false;
+  const Expr& target = *statement.targets[0].expression;
+  const auto& concat = static_cast<const ConcatExpr&>(*statement.value);
+  if (!canFindAccess(target) || !isSameExpression(target, *concat.operands[0])) return false;
+  if (statement.interpreter->options.supervised) return false;
+  statement.execute = appendToAccess;
   return true;
 }
 

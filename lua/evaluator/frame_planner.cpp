@@ -27,6 +27,31 @@ bool isNamedBy(const FunctionExpr& function, const LocalVariable& variable) {
   return variable.function == &function && !variable.inEnvironment();
 }
 
+bool runsNothing(const Expr* expression) noexcept { return !expression->mayRunCode; }
+bool isLiteral(const Expr* expression) noexcept { return expression->kind == ExprKind::Literal; }
+
+// The operands of a chain with those of chains in parentheses that it starts with, as far as
+// `(a .. b) .. c` may be done as `a .. b .. c`: what runs for c must not see that the value of b is
+// given up later.
+std::vector<Expr*> joinedOperands(const ConcatExpr& outermost) {
+  std::vector<const ConcatExpr*> chains{&outermost};
+  bool runsLater = false;
+  while (chains.back()->operands[0]->kind == ExprKind::Concat) {
+    const ArenaList<Expr*>& outer = chains.back()->operands;
+    const auto* const chain = static_cast<const ConcatExpr*>(outer[0]);
+    const ArenaList<Expr*>& inner = chain->operands;
+    runsLater = runsLater || !std::all_of(outer.begin() + 1, outer.end(), runsNothing);
+    if (runsLater && !std::all_of(inner.begin() + 1, inner.end(), isLiteral)) break;
+    chains.push_back(chain);
+  }
+  std::vector<Expr*> operands{chains.back()->operands[0]};
+  for (; !chains.empty(); chains.pop_back()) {
+    const ArenaList<Expr*>& own = chains.back()->operands;
+    operands.insert(operands.end(), own.begin() + 1, own.end());
+  }
+  return operands;
+}
+
 }  // namespace
 
 std::uint32_t FramePlanner::planChunk() {
@@ -208,11 +233,8 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
       planExpression(binary.left, top);
       return planExpression(binary.right, top);
     }
-    case ExprKind::Concat: {
-      auto& concat = static_cast<ConcatExpr&>(*expression);
-      concat.temporariesOffset = offsetOf(top);
-      return planList(concat.operands, top);
-    }
+    case ExprKind::Concat:
+      return planConcat(static_cast<ConcatExpr&>(*expression), top);
     case ExprKind::Table:
       return planTable(static_cast<TableExpr&>(*expression), top);
     case ExprKind::Field: {
@@ -234,6 +256,14 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
     case ExprKind::Function:
       return planFunction(static_cast<FunctionExpr&>(*expression));
   }
+}
+
+void FramePlanner::planConcat(ConcatExpr& concat, Top top) {
+  // Supervised interpreters count the making of each long text.
+  if (!isSupervised_ && concat.operands[0]->kind == ExprKind::Concat)
+    concat.operands = chunk_.arena.list(joinedOperands(concat));
+  concat.temporariesOffset = offsetOf(top);
+  planList(concat.operands, top);
 }
 
 void FramePlanner::planUnary(UnaryExpr& unary, Top top) {

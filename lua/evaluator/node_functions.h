@@ -25,6 +25,8 @@ bool testValue(const Node* node, Value* base);
 void chooseConcat(ConcatExpr& concat);
 // For `s = s .. x`; false when the statement is no such append.
 bool chooseAppend(AssignmentStmt& statement);
+// For `o.f = o.f .. x` and `a[k] = a[k] .. x`; false when the statement is none of them.
+bool chooseAppendToAccess(AssignmentStmt& statement);
 
 // variables.cpp
 void chooseVariable(VariableExpr& variable);

@@ -134,6 +134,17 @@ Value Table::getEntry(TableKey key) const noexcept {
   return number == kNoEntry ? Value() : entries_[number].value;
 }
 
+Value* Table::find(TableKey key) noexcept {
+  const std::uint64_t index = static_cast<std::uint64_t>(key.integer) - 1;
+  Value* place = nullptr;
+  if (key.tag() == kInteger && index < arraySize_) {
+    place = &array_[index];
+  } else if (const std::uint32_t number = findEntry(key); number != kNoEntry) {
+    place = &entries_[number].value;
+  }
+  return place == nullptr || place->isNil() ? nullptr : place;
+}
+
 Value Table::findWithHint(StringObject* key, std::uint32_t& hint) const noexcept {
   const std::uint32_t number = findEntry(TableKey::ofString(key));
   if (number == kNoEntry) return Value();

@@ -68,6 +68,9 @@ class Table : public Object {
     return isEntryOf(key, hint) && !entries_[hint].value.isNil() ? &entries_[hint].value : nullptr;
   }
 
+  // The place of the value under any key, of one that is not nil; otherwise null.
+  Value* find(TableKey key) noexcept;
+
   // The element at an index of the array part; false when that does not reach so far.
   bool tryElement(std::uint64_t index, Value& out) const noexcept {
     if (index >= arraySize_) return false;

@@ -43,6 +43,7 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
       {"if not t then n = 1 end", "(executeIfNot t (storeInUnused<LiteralSource> 1 n))"},
       // Appending.
       {"s = s .. n .. 'x'", "(appendToVariable s n x s)"},
+      {"t.x = (t.x .. 1) .. n", "(appendToAccess (readField<FrameObject> t) 1 n t)"},
       {"s = n .. s", "(storeLocal (evaluateConcat n s) s)"},
       // Fields and elements.
       {"return t.x.y", "(readField<PeekedObject> (readField<FrameObject> t))"},

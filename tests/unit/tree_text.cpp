@@ -179,7 +179,7 @@ class TreeWriter {
       open(name, as<BinaryExpr>(*statement.value));
     } else {
       open(name);
-      name == "appendToVariable" ? writeParts(*statement.value) : write(statement.values);
+      name.starts_with("appendTo") ? writeParts(*statement.value) : write(statement.values);
     }
     for (const AssignTarget& target : statement.targets) {
       const bool isVariable = target.expression->kind == ExprKind::Variable;
