@@ -120,7 +120,7 @@ std::string readContainerFile(const std::string& path) {
 bool readScriptLine(std::FILE* input, std::string& line) {
   line.clear();
   for (int byte = std::getc(input); byte != '\n'; byte = std::getc(input)) {
-    if (byte == EOF) return !line.empty();
+    if (byte == EOF) return !line.empty() && std::ferror(input) == 0;  // not half a line
     line.push_back(static_cast<char>(byte));
     if (line.size() > kLargestFile) throw std::runtime_error("line is too long");
   }

@@ -18,8 +18,9 @@ std::string readScriptFile(const std::string& path, const char* openFailure);
 // file: ".
 std::string readContainerFile(const std::string& path);
 
-// The next line, without its line feed; the last one may lack it. False at the end of the input.
-// Throws std::runtime_error "line is too long" beyond a gigabyte.
+// The next line, without its line feed; the last one may lack it. False at the end of the input
+// and after an error, which ends a dialogue as its end does. Throws std::runtime_error "line is too
+// long" beyond a gigabyte.
 bool readScriptLine(std::FILE* input, std::string& line);
 
 // Throws "failed to open file for writing: ", or "failed to write file: ", which leaves no regular

@@ -181,7 +181,7 @@ RawValue Call::rawResult(std::size_t index) const noexcept {
   const State& opened = state();
   // In two words, as it was stored just before: one load of both would have to wait.
   if (index == 0 && opened.hasSingle) [[likely]]
-    return {{opened.single.tag, std::bit_cast<std::uint64_t>(opened.single.integer)}};
+    return {opened.single.tag, std::bit_cast<std::uint64_t>(opened.single.integer)};
   const internal::ValueSpan results = opened.results();
   return std::bit_cast<RawValue>(index < results.size() ? results[index] : Value());
 }
@@ -189,6 +189,22 @@ RawValue Call::rawResult(std::size_t index) const noexcept {
 LuaValue Call::allResults() const {
   return state().interpreter().resultsToPublic(state().results());
 }
+
+namespace {
+
+// There was no memory to say what failed; what was held is released by now.
+LuaError errorWithoutWords() {
+  LuaError error;
+  error.kind = LuaError::Kind::Memory;
+  try {
+    error.message = internal::exceptionText(std::bad_alloc());
+  } catch (const std::bad_alloc&) {
+    error.message.clear();
+  }
+  return error;
+}
+
+}  // namespace
 
 LuaError Call::failure() {
   State& opened = state();
@@ -213,7 +229,11 @@ LuaError Call::failure() {
   } catch (...) {
     const internal::FailureReport report(opened.interpreter());
     opened.release();
-    return report.error();
+    try {
+      return report.error();
+    } catch (const std::bad_alloc&) {
+      return errorWithoutWords();
+    }
   }
 }
 

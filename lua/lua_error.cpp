@@ -1,6 +1,7 @@
 #include <tarvel/lua/lua_error.h>
 
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -20,7 +21,24 @@ std::string located(const LuaError& error) {
   return text.append(error.message);
 }
 
+// Made while there is memory; outcomes may refer to it until the process ends.
+LuaError& errorWithoutMemory =
+    *new LuaError{LuaError::Kind::Memory, "not enough memory", {}, 0, 0, 0, {}};
+
 }  // namespace
+
+namespace bridge {
+
+HeldError holdError(LuaError&& error) noexcept {
+  auto* const held = new (std::nothrow) LuaError(std::move(error));
+  return HeldError(held != nullptr ? held : &errorWithoutMemory);
+}
+
+void ErrorRelease::operator()(LuaError* error) const noexcept {
+  if (error != &errorWithoutMemory) delete error;
+}
+
+}  // namespace bridge
 
 std::string LuaError::toString() const {
   std::string text = located(*this);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <charconv>
 #include <limits>
 
@@ -17,11 +18,12 @@ namespace {
 // Up to this, in bytes, memory is granted without asking how much the machine has.
 constexpr std::size_t kAlwaysGranted = std::size_t{64} << 20;
 
-// The number that a file of the system starts with; the largest one where there is none. Needs no
-// memory.
+// The number that a file of the system starts with; the largest one where there is none, and 0
+// while the process has no descriptor left to read it with. Needs no memory.
 std::size_t readNumber(const char* path) noexcept {
   std::array<char, 32> text{};
   const int file = open(path, O_RDONLY | O_CLOEXEC);
+  if (file < 0 && (errno == EMFILE || errno == ENFILE || errno == ENOMEM)) return 0;
   const ssize_t length = file < 0 ? -1 : read(file, text.data(), text.size());
   if (file >= 0) close(file);
   std::size_t number = std::numeric_limits<std::size_t>::max();
@@ -44,12 +46,19 @@ std::size_t addressSpaceLeft() noexcept {
   return (pages > pagesUsed ? pages - pagesUsed : pages) * systemValue(_SC_PAGESIZE);
 }
 
+std::size_t askForBudget() noexcept {
+  return std::min({systemValue(_SC_PHYS_PAGES) * systemValue(_SC_PAGESIZE), addressSpaceLeft(),
+                   readNumber("/sys/fs/cgroup/memory.max"),
+                   readNumber("/sys/fs/cgroup/memory/memory.limit_in_bytes")}) /
+         10 * 8;
+}
+
+// Asked for once. 0 while it cannot be known: a script that holds all descriptors must not be
+// granted more than there is.
 std::size_t memoryBudget() noexcept {
-  static const std::size_t budget =
-      std::min({systemValue(_SC_PHYS_PAGES) * systemValue(_SC_PAGESIZE), addressSpaceLeft(),
-                readNumber("/sys/fs/cgroup/memory.max"),
-                readNumber("/sys/fs/cgroup/memory/memory.limit_in_bytes")}) /
-      10 * 8;
+  static std::atomic<std::size_t> known{0};
+  std::size_t budget = known.load(std::memory_order_relaxed);
+  if (budget == 0) known.store(budget = askForBudget(), std::memory_order_relaxed);
   return budget;
 }
 

@@ -56,7 +56,7 @@ NativeObject* NativeObject::create(Heap& heap, Kind kind, NativeClass& type,
 
 IteratorState::~IteratorState() {
   if (table == nullptr) return;
-  if (kind == Kind::Pairs) return returnParts();
+  if (kind == Kind::Pairs) table->takeParts(parts);
   drop(Value(table));
 }
 

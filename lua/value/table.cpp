@@ -366,8 +366,7 @@ std::uint32_t* Table::index() const noexcept {
   return reinterpret_cast<std::uint32_t*>(entries_ + entryCapacity());
 }
 
-void Table::indexEntry(std::uint32_t number) noexcept {
-  if (capacityCode_ < kIndexedCapacity) return;
+void Table::indexLargeEntry(std::uint32_t number) noexcept {
   std::uint32_t* const slots = index();
   const std::uint32_t mask = entryCapacity() * 2 - 1;
   std::uint32_t slot = entries_[number].key.hash() & mask;

@@ -98,14 +98,21 @@ class Table : public Object {
     setStringWithHint(key, owned, hint);
   }
 
-  // Stores an owned value under a key that is not in the table, for which `create` made room. Nil
-  // is left out.
-  void addField(TableKey key, Value owned) noexcept {
-    if (owned.isNil()) return;
-    retain(key.toValue());
-    new (&entries_[entryCount_]) Entry{key, owned};
-    ++liveEntries_;
-    indexEntry(entryCount_++);
+  // Moves values to the keys `keyOf(0)` on, strings that are not in the table; `create` made room
+  // for them. Nil is left out.
+  template <class KeyOf>
+  void addFields(const KeyOf& keyOf, Value* values, std::uint32_t keys) noexcept {
+    std::uint32_t number = entryCount_;
+    for (std::uint32_t i = 0; i < keys; ++i) {
+      const Value value = values[i];
+      if (value.isNil()) continue;
+      values[i].tag = kNil;
+      const TableKey key = keyOf(i);
+      ++key.string->count;
+      new (&entries_[number++]) Entry{key, value};
+    }
+    liveEntries_ += number - entryCount_;
+    while (entryCount_ < number) indexEntry(entryCount_++);
   }
 
   // The value of `#`: the number of leading elements that are not nil, and where the array part has
@@ -173,7 +180,10 @@ class Table : public Object {
   }
   [[gnu::noinline]] void noteWalk(std::uint32_t elements) noexcept;
   void rebuildEntries(std::uint32_t capacity);
-  void indexEntry(std::uint32_t number) noexcept;
+  void indexEntry(std::uint32_t number) noexcept {
+    if (capacityCode_ >= kIndexedCapacity) indexLargeEntry(number);
+  }
+  void indexLargeEntry(std::uint32_t number) noexcept;
   std::uint32_t* index() const noexcept;
   static std::size_t entryBytes(std::uint32_t capacity) noexcept;
   void noteIntegerEntry(int change) noexcept;

@@ -6,85 +6,37 @@
 #include <cstdio>
 #include <cstdlib>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
+#include "cli/script_container.h"
 #include "tests/fuzz/choices.h"
 
 // Reads texts, well-formed or not: raw bytes, or tokens in any order. What is not well-formed is
-// refused at a place inside the text, the same each time.
+// refused at a place inside the text, the same each time. Then reads the bytes as a container.
 
 namespace tarvel::lua::fuzz {
 
 namespace {
 
+// Between blanks; the end of a line is one, too.
+constexpr std::string_view kTokens =
+    "and break do else elseif end false for function if in nil local not or return then true while "
+    "a b f + - * / % .. # == ~= < <= > >= = ( ) { } [ ] , ; : . 1 2.5 0x1F '' \"s\" [[ ]] -- --[[ "
+    "' \\ "
+    "@ \xc3 9999999999999999999 ";
+
 std::string textOf(Choices choices) {
-  static const char* const kTokens[] = {"and",
-                                        "break",
-                                        "do",
-                                        "else",
-                                        "elseif",
-                                        "end",
-                                        "false",
-                                        "for",
-                                        "function",
-                                        "if",
-                                        "in",
-                                        "nil",
-                                        "local",
-                                        "not",
-                                        "or",
-                                        "return",
-                                        "then",
-                                        "true",
-                                        "while",
-                                        "a",
-                                        "b",
-                                        "f",
-                                        "+",
-                                        "-",
-                                        "*",
-                                        "/",
-                                        "%",
-                                        "..",
-                                        "#",
-                                        "==",
-                                        "~=",
-                                        "<",
-                                        "<=",
-                                        ">",
-                                        ">=",
-                                        "=",
-                                        "(",
-                                        ")",
-                                        "{",
-                                        "}",
-                                        "[",
-                                        "]",
-                                        ",",
-                                        ";",
-                                        ":",
-                                        ".",
-                                        "1",
-                                        "2.5",
-                                        "0x1F",
-                                        "''",
-                                        "\"s\"",
-                                        "[[",
-                                        "]]",
-                                        "--",
-                                        "--[[",
-                                        "\n",
-                                        "'",
-                                        "\\",
-                                        "@",
-                                        "\xc3",
-                                        "9999999999999999999",
-                                        "if a then",
-                                        "end end"};
+  std::vector<std::string_view> tokens{"\n", "if a then", "end end"};
+  for (std::string_view rest = kTokens; !rest.empty(); rest.remove_prefix(tokens.back().size() + 1))
+    tokens.push_back(rest.substr(0, rest.find(' ')));
   std::string text;
   while (!choices.isEmpty())
-    text.append(choices.of(kTokens)).push_back(choices.oneIn(9) ? '\n' : ' ');
+    text.append(tokens[choices.below(static_cast<unsigned>(tokens.size()))])
+        .push_back(choices.oneIn(9) ? '\n' : ' ');
   return text;
 }
 
@@ -116,6 +68,16 @@ std::string problemOf(const std::string& text) {
   return second.error == expected ? "" : second.error + " instead of " + expected;
 }
 
+// What is a container is what its parts make, and anything behind it.
+std::string problemOfContainer(std::string_view bytes) {
+  try {
+    const std::string again = buildContainer(parseContainer(bytes));
+    return bytes.starts_with(again) ? "" : "another container";
+  } catch (const std::runtime_error&) {
+    return {};
+  }
+}
+
 }  // namespace
 
 }  // namespace tarvel::lua::fuzz
@@ -124,8 +86,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace tarvel::lua::fuzz;
   const std::span<const std::uint8_t> bytes(data, size);
   const std::string raw(bytes.begin(), bytes.end());
-  for (const std::string& text : {raw, textOf(Choices(bytes))}) {
-    const std::string problem = problemOf(text);
+  const std::string tokens = textOf(Choices(bytes));
+  // Hardly any bytes would have the right beginning.
+  const std::string container = std::string("TLBC\1\0\0\0", 8) + raw;
+  const std::pair<std::string, std::string> problems[] = {
+      {problemOf(raw), raw},
+      {problemOf(tokens), tokens},
+      {problemOfContainer(raw), raw},
+      {problemOfContainer(container), container},
+  };
+  for (const auto& [problem, text] : problems) {
     if (problem.empty()) continue;
     std::fprintf(stderr, "%s\n---- text\n%s\n", problem.c_str(), text.c_str());
     std::abort();

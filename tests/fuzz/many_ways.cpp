@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "cli/script_container.h"
 #include "tests/fuzz/script_generator.h"
 
-// Runs the script that the bytes stand for in every placement, plain and supervised, and compares.
+// Runs the script that the bytes stand for in every placement, supervised, and plain from a
+// container, and compares.
 
 namespace tarvel::lua::fuzz {
 
@@ -95,7 +97,9 @@ std::string compareWays(std::span<const std::uint8_t> bytes) {
   for (int number = 0; number < kPlacements; ++number) {
     const std::string placed = generateScript(bytes, static_cast<Placement>(number));
     for (const bool supervised : {false, true}) {
-      const Outcome outcome = runScript(placed, supervised, 0);
+      const std::string source =
+          supervised ? placed : parseContainer(buildContainer({"script", placed})).source;
+      const Outcome outcome = runScript(source, supervised, 0);
       if (outcome.text != expected.text || outcome.isOk != expected.isOk)
         return difference(supervised ? "supervised" : "plain", placed, expected, outcome);
     }

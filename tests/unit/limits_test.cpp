@@ -393,27 +393,6 @@ TEST_F(Memory, WhatIsFreeServesAgain) {
       "few, texts = nil for i = 1, 10 do string.rep('x', 150000000) end return true");
 }
 
-// What a run returns is copied, and a chunk's tree takes many times its text.
-TEST_F(Memory, RunningOutAroundARunIsAnErrorToo) {
-  const auto runOut = [](const std::string& source, bool systemEnforces) {
-    LuaVM vm;
-    leaveLittleMemory(vm, systemEnforces);
-    const std::string text = run(vm, source);
-    std::cerr << text << '\n';
-    _exit(text == "error not enough memory" && run(vm, kBusyScript) == kBusyOutcome ? 0 : 1);
-  };
-  for (const std::string& source : {
-           std::string("local a = {1} for i = 1, 40 do a = {a, a} end return a"),
-           std::string("local t = {} while true do t = {t} end"),
-           "return {" + repeated("1,", 8000000) + "}",
-           repeated("f() ", 4000000),
-       }) {
-    for (const bool systemEnforces : {true, false}) {
-      EXPECT_EXIT(runOut(source, systemEnforces), ::testing::ExitedWithCode(0), "");
-    }
-  }
-}
-
 // With little of the address space an interpreter has few slots for its frames.
 TEST_F(Memory, ComparatorsThatCallNativesLeaveNothingOnTheStack) {
   const auto sort = [] {
@@ -463,70 +442,6 @@ TEST_F(Memory, WhatMayBeCopiedLaterCounts) {
 TEST_F(Memory, ArgumentsForTheHostCount) {
   if (kCheckedHeap) GTEST_SKIP() << kNotCounted;
   EXPECT_EXIT(nestCallsWithManyArguments(), ::testing::ExitedWithCode(0), "");
-}
-
-// An assignment that fails stores nothing, also where it would have appended in place.
-TEST_F(Memory, AFailedAppendLeavesTheString) {
-  const std::string script =
-      "local big = 'x' for i = 1, 26 do big = big .. big end local s = 'a' .. 'b' "
-      "local ok = pcall(function() s = s .. 'tail' .. big .. big .. big .. big .. big .. big end) "
-      "return not ok and s == 'ab'";
-  expectTrue(script);
-}
-
-// Takes what memory there is, in blocks down to `smallest` bytes, in the order of their sizes.
-std::vector<void*> takeAllMemory(std::size_t smallest) {
-  std::vector<void*> blocks;
-  blocks.reserve(1 << 20);
-  limitMemory(kMegabyte);
-  for (std::size_t bytes = kMegabyte; bytes >= smallest; bytes = bytes * 3 / 4) {
-    while (void* const block = std::malloc(bytes)) blocks.push_back(block);
-  }
-  return blocks;
-}
-
-// Not even for the message.
-[[noreturn]] void runWithoutMemory() {
-  LuaVM vm;
-  needMuchMemory(vm);
-  const std::string source = "return {}";
-  const std::vector<void*> taken = takeAllMemory(16);
-  const LuaResult result = vm.runScriptString(source, "c");
-  for (void* const block : taken) std::free(block);
-  limitMemory(kLittleMemory);
-  _exit(!result.ok && run(vm, kBusyScript) == kBusyOutcome ? 0 : 1);
-}
-
-TEST_F(Memory, ARunWithoutAnyIsAFailedOne) {
-  EXPECT_EXIT(runWithoutMemory(), ::testing::ExitedWithCode(0), "");
-}
-
-// Assigns a text that there is no memory for to values of other kinds, and ends the process with
-// status 0 if all of them stay what they were.
-[[noreturn]] void copyWithoutMemory() {
-  const LuaValue text(std::string(kLittleMemory, 'x'));
-  const std::pair<LuaValue, std::string> targets[] = {
-      {LuaValue(), "nil"},
-      {integer(1), "i1"},
-      {LuaValue("short"), "'short'"},
-      {sequence(integer(1)), "[i1]"},
-      {object({{"a", integer(1)}}), "{a: i1}"},
-  };
-  limitMemory(kLittleMemory / 2);
-  bool allStay = true;
-  for (auto [target, before] : targets) {
-    try {
-      target = text;
-      allStay = false;
-    } catch (const std::bad_alloc&) {
-      allStay = allStay && typed(target) == before;
-    }
-  }
-  _exit(allStay && !::testing::Test::HasFailure() ? 0 : 1);
-}
-
-TEST_F(Memory, AFailedCopyLeavesTheHostsValue) {
-  EXPECT_EXIT(copyWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -39,6 +39,7 @@ const Stranger kStrangers[] = {
     {"for i = 1, 9000000000000000000 do end"},
     {"for i = 9000000000000000000, 1, -1 do local x = i end"},
     {"for i = 1, 2, 0.0000000000001 do end"},
+    {"for i = 1, 2, 0.00000000000000000001 do end"},
     {"local a, b = 0, 1 while a ~= b do a = 0 end"},
     {"local t = {1} while true do for k, v in pairs(t) do t[k] = v end end"},
     {"local t = {1, 2} while true do for i in ipairs(t) do t[i] = i end end"},
@@ -60,6 +61,9 @@ const Stranger kStrangers[] = {
      Kind::Stack},
     {"function f() pcall(f) pcall(f) end f()"},
     {"function f() local ok = pcall(f) while true do end end f()"},
+    {"function f(n) if n > 0 then return n, f(n - 1) end end while true do f(10000) end"},
+    {"o = {} function o:m(x) pcall(o.m, o, {x}) return self:m({x}) end while true do pcall(o.m, o) "
+     "end"},
     // Memory.
     {"local t = {} while true do t[#t + 1] = {} end", Kind::Memory},
     {"local t = {} while true do t = {t} end", Kind::Memory},
@@ -71,36 +75,13 @@ const Stranger kStrangers[] = {
     {"local t = {} while true do t[#t + 1] = string.rep('x', 10000) .. #t end", Kind::Memory},
     {"string.rep('x', 1000000000000)", Kind::Memory},
     {"local t = {} while true do t[#t + 1] = pairs(t) end", Kind::Memory},
-    // The library at its worst.
-    {"while true do string.rep('x', 1000000) end"},
-    {"local s = string.rep('x', 4000000) while true do string.sub(s, 2) end"},
-    {"local s = string.rep('x', 4000000) while true do local t = s .. 'y' end"},
-    {"local a, b = string.rep('x', 4000000) .. 'a', string.rep('x', 4000000) .. 'b' "
-     "while true do local c = a == b or a < b end"},
-    {"string.find(string.rep('a', 40), '(a*)*b')"},
-    {"string.find(string.rep('a', 4000000), string.rep('a', 2000000) .. 'b', 1, true)"},
-    {"string.find(string.rep('a', 4000000), string.rep('a', 2000000) .. 'b')"},
-    {"local s = string.rep('a ', 500000) while true do string.gsub(s, 'a', 'bb') end"},
-    {"local s = string.rep('ab', 500000) while true do string.gmatch(s, '(a)(b)') end"},
-    {"local s = string.rep('a', 1000000) while true do string.find(s, '.-b') end"},
-    {"local s = string.rep('%d', 100000) while true do pcall(string.format, s) end"},
-    {"local s = string.rep('9', 1000) while true do tonumber(s) end"},
-    {"local s, f = string.rep('abcd', 1000), string.rep('I4', 1000) "
-     "while true do string.unpack(f, s) end"},
-    {"local t = {} for i = 1, 100000 do t[i] = -i end while true do table.sort(t) end"},
-    {"local t = {} for i = 1, 100000 do t[i] = i end "
-     "while true do table.sort(t, function(a, b) return a > b end) end"},
+    // The library, of which tests/refusal/library_bounds_test.cpp has more.
     {"local t = {} for i = 1, 100000 do t[i] = i end while true do table.sort(t, function() return "
      "true end) end"},
-    {"local t = {} for i = 1, 100000 do t[i] = i end while true do t[#t + 1] = table.remove(t, 1) "
+    {"while true do table.sort({3, 1, 2}, function(a, b) while a do local t = {b} end end) end"},
+    {"while true do pcall(table.sort, {3, 1, 2}, function(a, b) return pcall(error, {a, b}) end) "
      "end"},
-    {"local t = {} for i = 1, 100000 do t[i] = 'abc' end while true do table.concat(t, ', ') end"},
-    {"local t = {} for i = 1, 100000 do t[i] = i end while true do pairs(t) end"},
-    {"local s = string.rep('x', 1000000) while true do tostring(s) pcall(error, s) end"},
-    {"local t = {} for i = 1, 100000 do t[i] = i end while true do print(t) end"},
     {"while true do print('spam') end"},
-    {"while true do io.write('spam', 1, 2.5, 'spam') end"},
-    {"local s = string.rep('x', 1000000) while true do io.stdout:write(s) end"},
     // The host's functions.
     {"while true do callBack(function() return 1 end) end"},
     {"callBack(function() while true do end end)"},
@@ -111,6 +92,8 @@ const Stranger kStrangers[] = {
     {"while true do run('return 1') end"},
     {"run('while true do end') while true do end"},
     {"while true do run('while true do end') end"},
+    {"while true do pcall(run, [[while true do run('while true do end') end]]) end"},
+    {"local function f() return run('return 1'), pcall(f), f() end while true do pcall(f) end"},
 };
 
 struct World {

@@ -166,10 +166,12 @@ bool BufferedFile::flush() noexcept {
 
 // Moves the system's position back to the script's. Where there are no positions the bytes stay
 // unread.
-void BufferedFile::giveBackUnread() noexcept {
+void BufferedFile::giveBackUnread() {
   const std::size_t arrived = unread().size();
-  if (arrived == 0 || lseek(descriptor_, -static_cast<off_t>(arrived), SEEK_CUR) < 0) return;
-  readStart_ = readEnd_ = 0;
+  if (arrived == 0) return;
+  const off_t position = lseek(descriptor_, -static_cast<off_t>(arrived), SEEK_CUR);
+  if (position < 0 && errno != ESPIPE) failWriting();
+  if (position >= 0) readStart_ = readEnd_ = 0;
 }
 
 std::optional<std::int64_t> BufferedFile::seek(std::int64_t offset, int whence) {

@@ -84,8 +84,7 @@ class BufferedFile {
 
   bool flush() noexcept;
   bool closeDescriptor() noexcept;
-  void store(std::string_view text);
-  void giveBackUnread() noexcept;
+  void giveBackUnread();
 
   int descriptor_ = -1;  // -1: closed
   OpenMode mode_;

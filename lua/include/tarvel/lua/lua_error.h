@@ -62,6 +62,18 @@ class TARVELLUA_API LuaException : public std::runtime_error {
   std::shared_ptr<const LuaError> error_;  // shared, because copying an exception must not fail
 };
 
+namespace bridge {
+
+// Not for hosts. The error of an outcome; where there is no memory for it, one that all outcomes
+// share and that says so.
+struct TARVELLUA_API ErrorRelease {
+  void operator()(LuaError* error) const noexcept;
+};
+using HeldError = std::unique_ptr<LuaError, ErrorRelease>;
+TARVELLUA_API HeldError holdError(LuaError&& error) noexcept;
+
+}  // namespace bridge
+
 // A value or an error; T may be void. Can be moved, not copied.
 template <class T>
 class [[nodiscard]] LuaOutcome {
@@ -70,7 +82,7 @@ class [[nodiscard]] LuaOutcome {
   // NOLINTNEXTLINE(google-explicit-constructor)
   LuaOutcome(T value) : value_(std::move(value)) {}
   // NOLINTNEXTLINE(google-explicit-constructor)
-  LuaOutcome(LuaError error) : error_(std::make_unique<LuaError>(std::move(error))) {}
+  LuaOutcome(LuaError error) noexcept : error_(bridge::holdError(std::move(error))) {}
   // Whether there is a value. For a LuaOutcome<bool>, too: `if (vm.call<bool>(rule))` does not ask
   // what the rule said.
   explicit operator bool() const noexcept { return value_.has_value(); }
@@ -93,7 +105,7 @@ class [[nodiscard]] LuaOutcome {
 
  private:
   std::optional<T> value_;
-  std::unique_ptr<LuaError> error_;
+  bridge::HeldError error_;
 };
 
 template <>
@@ -101,7 +113,7 @@ class [[nodiscard]] LuaOutcome<void> {
  public:
   LuaOutcome() = default;
   // NOLINTNEXTLINE(google-explicit-constructor)
-  LuaOutcome(LuaError error) : error_(std::make_unique<LuaError>(std::move(error))) {}
+  LuaOutcome(LuaError error) noexcept : error_(bridge::holdError(std::move(error))) {}
   explicit operator bool() const noexcept { return error_ == nullptr; }
   const LuaError& error() const noexcept { return *error_; }
   void value() {
@@ -109,7 +121,7 @@ class [[nodiscard]] LuaOutcome<void> {
   }
 
  private:
-  std::unique_ptr<LuaError> error_;
+  bridge::HeldError error_;
 };
 
 // What one run of a script came to. It owns what it holds and stays valid after the LuaVM is gone.

@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+#include <tarvel/lua/lua_vm.h>
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "lua/value/heap.h"
+#include "tests/refusal/refused_memory.h"
+#include "tests/unit/value_support.h"
+
+// One interpreter for very many runs: whatever they end with, nothing of them stays.
+
+namespace tarvel::lua {
+namespace {
+
+struct ForeignException {};
+
+const char* const kEndings[] = {
+    "local t = {{}, 'a' .. 1} return t",
+    "t = {x = {'b' .. 2}} function f() return t end return f",
+    "local x = ",
+    "return 'unfinished",
+    "error('a text of some length ' .. 1)",
+    "return pcall(error, {'x' .. 1})",
+    "local t = {} + 1",
+    "os.exit(3)",
+    "pcall(os.exit, 4)",
+    "local function f(t) return {f({t})} end f()",
+    "while true do local t = {'x' .. 1} end",
+    "return ('x'):rep(2000000)",
+    "return io.stdout",
+    "host()",
+    "foreign()",
+    "return ('key' .. 1):match('(%a+)(|%d)'), ('x'):find('[')",
+    "local f = io.open('README.md') return f:read()",
+    "for k, v in ('a=1'):gmatch('(%w)=(%w)') do return {k, v, held} end",
+    "call(function() error('inner') end)",
+    "print({1, {x = 2}}, 'a' .. 1)",
+};
+
+TEST(Endings, LeaveNothingHoweverMany) {
+  LuaOptions options;
+  options.supervised = true;
+  options.limits.steps = 100;
+  options.limits.memory = std::size_t{1} << 20;
+  options.limits.stack = std::size_t{16} << 10;
+  options.output = [](std::string_view) {};
+  LuaVM vm(options);
+  vm.bindFunction("host", [](LuaVM&, const std::vector<LuaValue>&) -> LuaValue {
+    throw std::runtime_error("a reason of some length");
+  });
+  vm.bindFunction("foreign", [](LuaVM&, const std::vector<LuaValue>&) -> LuaValue {
+    throw ForeignException();
+  });
+  vm.bind("call", [](LuaVM& inner, const LuaFunction& f) { return inner.call<int>(f).value(); });
+  const auto runAll = [&](int rounds) {
+    for (int i = 0; i < rounds; ++i) {
+      for (const char* const source : kEndings) {
+        // A global that one run leaves is replaced by the next.
+        try {
+          vm.runScriptString(source, "c" + std::to_string(i % 3));
+        } catch (const ForeignException&) {
+        }
+      }
+    }
+    vm.runScriptString("t, f = nil", "c");
+  };
+  runAll(50);  // caches are full
+  const std::size_t memory = vm.usage().memory;
+  const std::size_t objects = internal::Heap::liveBlocks();
+  const std::size_t hostBlocks = refusal::liveHostBlocks();
+  runAll(internal::kCheckedHeap ? 250 : 10'000);
+  EXPECT_EQ(memory, vm.usage().memory);
+  EXPECT_EQ(objects, internal::Heap::liveBlocks());
+  EXPECT_EQ(hostBlocks, refusal::liveHostBlocks());
+}
+
+}  // namespace
+}  // namespace tarvel::lua

@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+#include <tarvel/lua/lua_vm.h>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "lua/value/heap.h"
+
+// Scripts reach the host in many ways, and the host may do there whatever it may do outside. Every
+// way with every deed, and a second way inside of that.
+
+namespace tarvel::lua {
+
+struct Nest {
+  // What the host does when a script reaches it; nothing at other times.
+  static inline std::function<void()> deed;
+
+  static void reach() {
+    if (const std::function<void()> now = std::exchange(deed, {})) now();
+  }
+};
+
+// Made in the middle of a conversion.
+struct Converted {
+  Converted() { Nest::reach(); }
+  int x = 0;
+};
+template <>
+inline constexpr auto luaRecord<Converted> = record(field("x", &Converted::x));
+
+namespace {
+
+using internal::Heap;
+
+struct Thing {
+  int method(int x) const {
+    Nest::reach();
+    return x;
+  }
+  int value() const { return method(0); }
+  void setValue(int x) { method(x); }
+};
+
+struct Held {
+  ~Held() { Nest::reach(); }
+};
+
+struct ForeignException {};
+
+struct Way {
+  const char* code;
+  bool mayThrow = true;  // a destructor may not
+};
+
+const Way kWays[] = {
+    {"host()"},
+    {"bound(1)"},
+    {"local x = {host(), bound(1)}"},
+    {"pcall(host)"},
+    {"thing:method(1)"},
+    {"local x = thing.value"},
+    {"thing.value = 3"},
+    {"print('x')"},
+    {"io.stderr:write('x')"},
+    {"io.write('x', 'y')"},
+    {"convert({x = 1})"},
+    {"table.sort({3, 1, 2}, function(a, b) host() return a < b end)"},
+    {"for k, v in pairs({1, 2}) do bound(k) end"},
+    {"local t = {held} held = nil t[1] = 1", false},
+    {"local f = held held = nil pcall(function() local g = f f = nil error('x') end)", false},
+    {"local function deep(n, f) if n > 0 then return deep(n - 1, f) end held, f = nil end "
+     "deep(50)",
+     false},
+};
+
+constexpr const char* kBefore = "local a, b, c = {1}, 'x' .. 'y', {{3}} ";
+constexpr const char* kAfter = " local d = {4} return {a, b, c, d}";
+constexpr const char* kExpected = "{{1}, xy, {{3}}, {4}}";
+
+class HostNesting : public ::testing::Test {
+ protected:
+  HostNesting() { begin(); }
+  ~HostNesting() override {
+    vm_.reset();
+    EXPECT_EQ(blocksBefore_, Heap::liveBlocks());
+    EXPECT_EQ(abandonedBefore_, Heap::abandonedBlocks());
+  }
+
+  void begin() {
+    LuaOptions options;
+    options.supervised = true;
+    options.limits.stack = std::size_t{32} << 10;
+    options.output = options.errorOutput = [](std::string_view) { Nest::reach(); };
+    vm_ = std::make_unique<LuaVM>(options);
+    vm_->bindFunction("host", [](LuaVM&, const std::vector<LuaValue>&) {
+      Nest::reach();
+      return LuaValue();
+    });
+    vm_->bind("bound", [](int x) {
+      Nest::reach();
+      return std::tuple(x, x);
+    });
+    vm_->bind("convert", [](const Converted&) {});
+    vm_->defineClass<Thing>("Thing")
+        .method("method", &Thing::method)
+        .property("value", &Thing::value, &Thing::setValue);
+    vm_->setGlobal("thing", std::make_shared<Thing>());
+  }
+
+  static std::string around(const Way& way) { return kBefore + std::string(way.code) + kAfter; }
+
+  void arm(LuaVM& vm, std::function<void()> deed) {
+    vm.bindFunction("held", [held = std::make_shared<Held>()](
+                                LuaVM&, const std::vector<LuaValue>&) { return LuaValue(); });
+    Nest::deed = std::move(deed);
+  }
+
+  const std::size_t blocksBefore_ = Heap::liveBlocks();
+  const std::size_t abandonedBefore_ = Heap::abandonedBlocks();
+  std::unique_ptr<LuaVM> vm_;
+};
+
+struct Deed {
+  const char* name;
+  std::function<void(LuaVM&, const std::string& script)> act;
+};
+
+std::string textOf(const LuaOutcome<LuaValue>& outcome) {
+  return outcome ? (*outcome).toString() : outcome.error().toString();
+}
+
+// The script reaches the host again.
+const Deed kDeeds[] = {
+    {"runs",
+     [](LuaVM& vm, const std::string& script) {
+       EXPECT_EQ(kExpected, vm.runScriptString(script, "inner").value.toString());
+     }},
+    {"loads and calls",
+     [](LuaVM& vm, const std::string& script) {
+       const LuaFunction function = vm.load("for i = 1, 2 do y = i end " + script, "inner").value();
+       EXPECT_EQ(kExpected, textOf(vm.call(function)));
+       EXPECT_EQ(kExpected, textOf(vm.call(function, 1, "x", std::vector<int>(50, 1))));
+     }},
+    {"fails",
+     [](LuaVM& vm, const std::string& script) {
+       vm.setGlobal("inner", vm.load(script, "inner").value());
+       EXPECT_EQ("c:1: 4 text",
+                 vm.runScriptString("local t = {'a' .. 1} error(#inner() .. ' text')", "c").error);
+     }},
+    {"exits",
+     [](LuaVM& vm, const std::string& script) {
+       vm.setGlobal("inner", vm.load(script, "inner").value());
+       EXPECT_EQ(3, vm.runScriptString("local t = {inner()} pcall(os.exit, 3)", "c").exitCode);
+     }},
+    {"overflows",
+     [](LuaVM& vm, const std::string& script) {
+       vm.setGlobal("inner", vm.load(script, "inner").value());
+       EXPECT_EQ(
+           "c:1: stack overflow",
+           vm.runScriptString("local function f(t) inner() return {f({t})} end f()", "c").error);
+     }},
+    {"runs by way of another interpreter",
+     [](LuaVM& vm, const std::string& script) {
+       LuaVM other;
+       other.bind("run", [&] { return vm.runScriptString(script, "inner").value.toString(); });
+       EXPECT_EQ(kExpected, other.runScriptString("return run()", "other").value.toString());
+     }},
+    {"runs at the end of another interpreter",
+     [](LuaVM& vm, const std::string& script) {
+       auto other = std::make_shared<LuaVM>();
+       const auto last = [&](void*) {
+         EXPECT_EQ(kExpected, vm.runScriptString(script, "inner").value.toString());
+       };
+       other->bind("run", [held = std::shared_ptr<void>(nullptr, last)] {});
+       other->runScriptString("t = {run} run = nil", "other");
+     }},
+    {"moves values",
+     [](LuaVM& vm, const std::string& script) {
+       vm.setGlobal("a.b.c", std::vector<std::string>(40, "text"));
+       EXPECT_EQ(40u, vm.getGlobal<std::vector<std::string>>("a.b.c").value().size());
+       vm.bind("later", [] { return 5; });
+       EXPECT_EQ(5, vm.call<int>("later").value());
+       vm.defineClass<Thing>("Thing").method("another", &Thing::method);
+       vm.runScriptString(script, "inner");
+     }},
+};
+
+TEST_F(HostNesting, OfEveryWayInEveryWay) {
+  for (const Way& outer : kWays) {
+    for (const Deed& deed : kDeeds) {
+      for (const Way& inner : kWays) {
+        int reached = 0;
+        arm(*vm_, [&] {
+          ++reached;
+          arm(*vm_, [&] {
+            ++reached;
+            EXPECT_EQ("{1}",
+                      vm_->runScriptString("local t = {1} return t", "third").value.toString());
+          });
+          deed.act(*vm_, around(inner));
+        });
+        const LuaResult result = vm_->runScriptString(around(outer), "outer");
+        EXPECT_EQ(kExpected, result.ok ? result.value.toString() : result.error)
+            << outer.code << '\n'
+            << deed.name << '\n'
+            << inner.code;
+        EXPECT_EQ(2, reached) << outer.code << '\n' << deed.name << '\n' << inner.code;
+        if (HasFailure()) return;
+      }
+    }
+  }
+}
+
+// What the host throws there ends the run, or passes through it; the interpreter goes on.
+TEST_F(HostNesting, OfExceptions) {
+  for (const Way& way : kWays) {
+    if (!way.mayThrow) continue;
+    const bool isCaught = std::string_view(way.code).starts_with("pcall");
+    arm(*vm_, [] { throw std::runtime_error("no"); });
+    const LuaResult result = vm_->runScriptString(around(way), "c");
+    EXPECT_EQ(isCaught, result.ok) << way.code;
+    EXPECT_TRUE(result.ok || result.error.ends_with("no")) << way.code << ": " << result.error;
+    arm(*vm_, [] { throw ForeignException(); });
+    EXPECT_THROW(vm_->runScriptString(around(way), "c"), ForeignException) << way.code;
+    const LuaFunction function = vm_->load(around(way), "c").value();
+    arm(*vm_, [] { throw ForeignException(); });
+    EXPECT_THROW(static_cast<void>(vm_->call(function)), ForeignException) << way.code;
+    EXPECT_EQ(kExpected, textOf(vm_->call(function))) << way.code;
+  }
+}
+
+// The interpreter ends when the run has ended that the host destroys its LuaVM in.
+TEST_F(HostNesting, OfTheEnd) {
+  vm_.reset();
+  for (const Way& way : kWays) {
+    begin();
+    LuaVM& vm = *vm_;
+    arm(vm, [this, &vm] {
+      arm(vm, [this] { vm_.reset(); });
+      EXPECT_EQ("{{1}}", vm.runScriptString("host() return {{1}}", "inner").value.toString());
+    });
+    EXPECT_EQ(kExpected, vm.runScriptString(around(way), "c").value.toString()) << way.code;
+    EXPECT_EQ(nullptr, vm_);
+    EXPECT_EQ(blocksBefore_, Heap::liveBlocks()) << way.code;
+  }
+}
+
+}  // namespace
+}  // namespace tarvel::lua
