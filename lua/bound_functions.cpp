@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "lua/bridge_access.h"
+#include "lua/evaluator/call_protocol.h"
 #include "lua/lua_vm_impl.h"
+#include "lua/native_objects.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/value/completion.h"
 #include "lua/value/errors.h"
@@ -30,13 +32,16 @@ using internal::ValueSpan;
 
 namespace {
 
-// Where a function of the host puts its results: above its arguments.
+// Where a function of the host puts its results: above its arguments. There is room for the usual
+// number of them, and runs inside the function leave it.
 class ResultSink final : public ScriptSink {
  public:
-  // Room is made when the first result comes: what the function runs may lower the stack's limit.
-  explicit ResultSink(LuaVM::Impl& interpreter)
-      : ScriptSink(internal::interpreterOf(interpreter)), first_(interpreter.stack.top()) {
-    next_ = end_ = reinterpret_cast<std::byte*>(first_);
+  static constexpr std::uint32_t kUsualResults = internal::ValueStack::kLeastRoom;
+
+  ResultSink(LuaVM::Impl& interpreter, Value* first)
+      : ScriptSink(internal::interpreterOf(interpreter)), first_(first) {
+    next_ = reinterpret_cast<std::byte*>(first);
+    end_ = reinterpret_cast<std::byte*>(first + kUsualResults);
   }
 
   // What was put into it, as the completion of a call.
@@ -78,8 +83,11 @@ std::vector<LuaValue> Arguments::rest(std::size_t index) const {
 }
 
 void* Arguments::receiver(const void* classKey) const {
-  if (count_ > 0) {
-    if (void* const object = at(0).address(classKey)) return object;
+  if (count_ > 0) [[likely]] {
+    if (void* const object = internal::objectOf(*reinterpret_cast<const Value*>(first_), classKey))
+        [[likely]] {
+      return object;
+    }
   }
   fail(0, nullptr, false, Problem());
 }
@@ -104,12 +112,14 @@ void Arguments::failCount(std::size_t least, std::size_t most) const {
 }  // namespace bridge
 
 using bridge::Callable;
+using internal::Site;
+using internal::Value;
 
 namespace {
 
 // What the host throws becomes an error at the call. What is an error of the script already, from
 // its arguments, passes.
-void callHost(Callable& function, bridge::Arguments& arguments, internal::Site site) {
+inline void callHost(Callable& function, bridge::Arguments& arguments, internal::Site site) {
   try {
     function.call(arguments);
   } catch (const internal::RuntimeError&) {
@@ -127,19 +137,37 @@ void callHost(Callable& function, bridge::Arguments& arguments, internal::Site s
 namespace {
 
 struct BoundCode final : internal::NativeCode {
-  BoundCode(internal::Heap& heap, std::string fullName, std::shared_ptr<Callable> hostFunction)
+  BoundCode(internal::Heap& heap, std::string fullName, std::shared_ptr<Callable> hostFunction,
+            bool isSupervised)
       : NativeCode(heap, {}), name(std::move(fullName)), callable(std::move(hostFunction)) {
-    direct = callBound;
+    whole = isSupervised ? callBound<internal::Supervised> : callBound<internal::Unsupervised>;
   }
 
-  static internal::Value callBound(LuaVM::Impl& interpreter, internal::Value* frame,
-                                   std::uint32_t count, internal::Site site) {
+  template <class Supervision>
+  static Value callBound(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+    internal::ValueStack& stack = interpreter.stack;
+    Value* const end = frame + 1 + count;
+    Value* const resultsEnd = end + bridge::ResultSink::kUsualResults;
+    constexpr std::uint32_t kHostBytes = internal::stack_cost::kNativeCall;
+    if (!stack.hasRoom(resultsEnd, kHostBytes) && !stack.makeRoom(resultsEnd, kHostBytes))
+        [[unlikely]] {
+      internal::failStackOverflow(site);
+    }
+    Value* const outerTop = stack.top();
+    stack.setTop(end);
+    typename Supervision::NativeCall call(interpreter.self, frame, site);
+    bridge::ResultSink results(interpreter, end);
     const auto& code = *static_cast<const BoundCode*>(frame[0].function->code);
-    bridge::ResultSink results(interpreter);
     bridge::Arguments arguments = bridge::ArgumentsAccess::make(
         interpreter, internal::ValueSpan(frame + 1, count), results, code.name, site);
     callHost(*code.callable, arguments, site);
-    return results.take();
+    call.returned();
+    const Value completion = results.take();
+    stack.setTop(outerTop);
+    internal::clearSlots(frame, end);
+    if (internal::ReturnSignal::isSeveral(completion)) [[unlikely]]
+      return internal::settleSeveral(frame, completion);
+    return completion;
   }
 
   const std::string name;  // as messages show it
@@ -156,7 +184,8 @@ struct BoundCode final : internal::NativeCode {
 internal::Value LuaVM::Impl::makeBound(std::string_view name, std::string fullName,
                                        std::shared_ptr<Callable> function) {
   internal::OwnedValue interned{Value(strings.intern(name))};
-  auto code = std::make_unique<BoundCode>(heap, std::move(fullName), std::move(function));
+  auto code = std::make_unique<BoundCode>(heap, std::move(fullName), std::move(function),
+                                          options.supervised);
   return Value(
       internal::FunctionObject::createNative(heap, interned.take().string, std::move(code)));
 }

@@ -181,7 +181,7 @@ RawValue Call::rawResult(std::size_t index) const noexcept {
   const State& opened = state();
   // In two words, as it was stored just before: one load of both would have to wait.
   if (index == 0 && opened.hasSingle) [[likely]]
-    return {{opened.single.tag, std::bit_cast<std::uint64_t>(opened.single.integer)}};
+    return {opened.single.tag, std::bit_cast<std::uint64_t>(opened.single.integer)};
   const internal::ValueSpan results = opened.results();
   return std::bit_cast<RawValue>(index < results.size() ? results[index] : Value());
 }

@@ -31,12 +31,18 @@ std::size_t nextRecordNumber() noexcept {
   return next++;
 }
 
-internal::RecordKeys& keysOf(RecordKeys* keys) noexcept {
-  return *reinterpret_cast<internal::RecordKeys*>(keys);
-}
+static_assert(RawValue::kNil == internal::kNil && RawValue::kInteger == internal::kInteger &&
+              RawValue::kFloat == internal::kFloat && RawValue::kTable == internal::kTable);
 
-Value toValue(RawValue raw) noexcept { return std::bit_cast<Value>(raw); }
-RawValue toRaw(Value value) noexcept { return std::bit_cast<RawValue>(value); }
+Value toValue(RawValue raw) noexcept {
+  Value value;
+  value.tag = raw.tag;
+  value.integer = std::bit_cast<std::int64_t>(raw.payload);
+  return value;
+}
+RawValue toRaw(Value value) noexcept {
+  return {value.tag, std::bit_cast<std::uint64_t>(value.integer)};
+}
 
 }  // namespace
 
@@ -99,18 +105,8 @@ bool ScriptValue::readInteger(RawValue raw, std::int64_t& out) noexcept {
   return value.isFloat() && internal::exactInteger(value.number, out);
 }
 
-bool ScriptValue::readNumber(RawValue raw, double& out) noexcept {
+bool ScriptValue::readText(RawValue raw, std::string_view& out) noexcept {
   const Value value = toValue(raw);
-  if (value.isFloat()) {
-    out = value.number;
-    return true;
-  }
-  out = static_cast<double>(value.integer);
-  return value.isInteger();
-}
-
-bool ScriptValue::read(std::string_view& out) const noexcept {
-  const Value value = toValue(raw_);
   if (!value.isString()) return false;
   out = value.string->view();
   return true;
@@ -126,8 +122,6 @@ bool ScriptValue::read(LuaFunction& out) const {
 LuaValue ScriptValue::toPublic() const {
   return internal::implOf(interpreter_).valueToPublic(toValue(raw_));
 }
-
-bool ScriptValue::isTable() const noexcept { return toValue(raw_).isTable(); }
 
 void ScriptValue::countCopy() const {
   const Table& table = *toValue(raw_).table;
@@ -147,6 +141,7 @@ ScriptValue ScriptValue::element(std::size_t number) const noexcept {
 
 bool ScriptValue::next(std::size_t& cursor, ScriptValue& key, ScriptValue& value) const noexcept {
   const Table& table = *toValue(raw_).table;
+  table.takeBack();
   for (; cursor < table.arraySize(); ++cursor) {
     const Value element = table.element(static_cast<std::uint32_t>(cursor));
     if (element.isNil()) continue;
@@ -165,21 +160,20 @@ bool ScriptValue::next(std::size_t& cursor, ScriptValue& key, ScriptValue& value
   return false;
 }
 
-RecordKeys* ScriptValue::record(const RecordNames& names) const {
+void ScriptValue::readFields(const RecordNames& names, RawValue* out) const {
   LuaVM::Impl& interpreter = internal::implOf(interpreter_);
-  return reinterpret_cast<RecordKeys*>(&interpreter.records.of(names, interpreter.strings));
+  const Table& table = *toValue(raw_).table;
+  for (internal::RecordKeys::Key& key : interpreter.records.of(names, interpreter.strings).keys)
+    *out++ = toRaw(table.getString(key.key.string, key.hint));
 }
 
-ScriptValue ScriptValue::field(RecordKeys* keys, std::size_t number) const noexcept {
-  internal::RecordKeys::Key& key = keysOf(keys).keys[number];
-  return {interpreter_, toRaw(toValue(raw_).table->getString(key.name.get().string, key.hint))};
-}
-
-bool ScriptValue::findOther(RecordKeys* keys, std::string& text) const {
-  const auto isField = [keys](const Value& key) {
+bool ScriptValue::findOther(const RecordNames& names, std::string& text) const {
+  LuaVM::Impl& interpreter = internal::implOf(interpreter_);
+  const internal::RecordKeys& fields = interpreter.records.of(names, interpreter.strings);
+  const auto isField = [&fields](const Value& key) {
     if (!key.isString()) return false;
-    for (const internal::RecordKeys::Key& field : keysOf(keys).keys) {
-      if (stringsEqual(field.name.get().string, key.string)) return true;
+    for (const internal::RecordKeys::Key& field : fields.keys) {
+      if (stringsEqual(field.key.string, key.string)) return true;
     }
     return false;
   };
@@ -193,8 +187,8 @@ bool ScriptValue::findOther(RecordKeys* keys, std::string& text) const {
   return false;
 }
 
-std::string ScriptValue::description() const {
-  const Value value = toValue(raw_);
+std::string ScriptValue::describe(RawValue raw) {
+  const Value value = toValue(raw);
   if (value.isNumber()) return value.toString();
   if (value.isNil() || value.tag == internal::kUserData) return describeValueType(value);
   return std::string(value.tag == internal::kIterator ? "an " : "a ") + describeValueType(value);
@@ -211,27 +205,12 @@ void ScriptSink::makeRoom() {
   end_ = reinterpret_cast<std::byte*>(end);
 }
 
-void ScriptSink::put(RawValue value) {
-  *reinterpret_cast<Value*>(next_) = toValue(value);
-  next_ += sizeof(Value);
-}
-
-// Apart, so that the usual way needs no frame.
-[[gnu::noinline]] void ScriptSink::putBehindRoom(RawValue value) {
+void ScriptSink::putBehindRoom(RawValue value) {
   makeRoom();
   put(value);
 }
 
-void ScriptSink::putPlain(RawValue value) {
-  if (next_ == end_) [[unlikely]]
-    return putBehindRoom(value);
-  put(value);
-}
-
-void ScriptSink::nil() { putPlain(toRaw(Value())); }
 void ScriptSink::boolean(bool value) { putPlain(toRaw(Value(value))); }
-void ScriptSink::integer(std::int64_t value) { putPlain(toRaw(Value(value))); }
-void ScriptSink::number(double value) { putPlain(toRaw(Value(value))); }
 
 // What follows makes room first, because what it makes would be lost when there is none.
 void ScriptSink::text(std::string_view value) {
@@ -291,8 +270,7 @@ void ScriptSink::endRecord(const RecordNames& names) {
   const auto count = static_cast<std::uint32_t>(names.count);
   Table* const table = Table::create(interpreter.heap, 0, count);
   Value* const first = reinterpret_cast<Value*>(next_) - count;
-  for (std::uint32_t i = 0; i < count; ++i)
-    table->addField(fields.keys[i].key, std::exchange(first[i], Value()));
+  table->addFields([&fields](std::uint32_t i) { return fields.keys[i].key; }, first, count);
   next_ = reinterpret_cast<std::byte*>(first);
   if (next_ == end_) makeRoom();  // a record without fields
   put(toRaw(Value(table)));

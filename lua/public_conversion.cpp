@@ -17,10 +17,6 @@ namespace tarvel::lua::bridge {
 
 namespace {
 
-const RecordNames& namesOf(RecordKeys* keys) noexcept {
-  return *reinterpret_cast<const RecordNames*>(keys);
-}
-
 // Keys go the same way between host and scripts as elsewhere: whole decimal numbers are integers.
 LuaValue keyValue(const std::string& key) {
   const std::optional<std::int64_t> integer = internal::integerKey(key);
@@ -108,25 +104,20 @@ bool PublicValue::next(std::size_t& cursor, PublicValue& key, PublicValue& value
   return true;
 }
 
-RecordKeys* PublicValue::record(const RecordNames& names) const noexcept {
-  return reinterpret_cast<RecordKeys*>(const_cast<RecordNames*>(&names));
-}
-
-PublicValue PublicValue::field(RecordKeys* names, std::size_t number) const {
+PublicValue PublicValue::field(const RecordNames& names, std::size_t number) const {
   if (members() == nullptr) return PublicValue(kNil);
-  const auto member = members()->find(namesOf(names).names[number]);
+  const auto member = members()->find(names.names[number]);
   return PublicValue(member != members()->end() ? member->second : kNil);
 }
 
-bool PublicValue::findOther(RecordKeys* names, std::string& key) const {
+bool PublicValue::findOther(const RecordNames& names, std::string& key) const {
   if (elements() != nullptr) {
     key = "1";
     return !elements()->empty();
   }
-  const RecordNames& fields = namesOf(names);
   for (const auto& member : *members()) {
     const auto isKey = [&member](const char* name) { return member.first == name; };
-    if (std::any_of(fields.names, fields.names + fields.count, isKey)) continue;
+    if (std::any_of(names.names, names.names + names.count, isKey)) continue;
     key = member.first;
     return true;
   }

@@ -62,6 +62,7 @@ std::shared_ptr<LuaFunctionHandle> internal::handleOf(const Value& function, Hea
 // ---- Out of the interpreter ---------------------------------------------------------------------
 
 bool internal::isSequence(Table& table) noexcept {
+  table.takeBack();
   if (table.liveEntries() > 0) return false;
   for (auto i = static_cast<std::uint32_t>(table.length()); i < table.arraySize(); ++i) {
     if (!table.element(i).isNil()) return false;

@@ -27,10 +27,6 @@ Value firstOf(LuaVM::Impl& interpreter, Value completion) {
   return first;
 }
 
-namespace {
-
-// Moves several values down to where the frame of the call started, over what the call has
-// released.
 Value settleSeveral(Value* frame, Value completion) noexcept {
   const std::uint32_t count = ReturnSignal::count(completion);
   Value* const from = completion.values;
@@ -40,6 +36,8 @@ Value settleSeveral(Value* frame, Value completion) noexcept {
   }
   return ReturnSignal::severalValues(frame, count);
 }
+
+namespace {
 
 // Stores what a native function returned from frame[0] on, after the arguments are gone.
 template <class Supervision>
@@ -107,13 +105,9 @@ Value keepFailure(LuaVM::Impl& interpreter, ProtectedRuntimeError&& error) noexc
 
 // Several values must not be released with the locals whose slots they have overwritten.
 template <class Supervision>
-[[gnu::noinline]] Value finishWithoutSingleValue(Value* frame, const FunctionExpr* body,
-                                                 Value completion) {
+[[gnu::noinline]] Value finishWithSeveral(Value* frame, const FunctionExpr* body,
+                                          Value completion) {
   Value* end = &slotAt(frame + 1, body->releaseEnd);
-  if (!ReturnSignal::isSeveral(completion)) {
-    clearSlots(frame, end);
-    return ReturnSignal::noValues();
-  }
   if (completion.values < end) end = completion.values;
   clearSlots(frame, end);
   const Value settled = settleSeveral(frame, completion);
@@ -128,9 +122,11 @@ template <class Supervision>
   if (callee.tag != kFunction) failNotCallable(callee, site);
   const FunctionExpr* const body = callee.function->body;
   if (body == nullptr) {
-    const LeafFunction leaf = nativeCodeOf(callee.function)->leaf;
-    if (leaf == nullptr) return callCallingNative<Supervision>(interpreter, frame, count, site);
-    return callLeaf<Supervision>(interpreter.self, leaf, frame, count, site);
+    const NativeCode* const code = nativeCodeOf(callee.function);
+    if (code->whole != nullptr) return code->whole(interpreter, frame, count, site);
+    if (code->leaf == nullptr)
+      return callCallingNative<Supervision>(interpreter, frame, count, site);
+    return callLeaf<Supervision>(interpreter.self, code->leaf, frame, count, site);
   }
   if (!interpreter.stack.makeRoom(&slotAt(frame, body->frameBytes), body->stackBytes))
     failStackOverflow(site);
@@ -139,8 +135,8 @@ template <class Supervision>
   return runBody<Supervision, AllResults>(body, frame, site);
 }
 
-template Value finishWithoutSingleValue<Unsupervised>(Value*, const FunctionExpr*, Value);
-template Value finishWithoutSingleValue<Supervised>(Value*, const FunctionExpr*, Value);
+template Value finishWithSeveral<Unsupervised>(Value*, const FunctionExpr*, Value);
+template Value finishWithSeveral<Supervised>(Value*, const FunctionExpr*, Value);
 template Value callAny<Unsupervised>(LuaVM::Impl&, Value*, std::uint32_t, Site);
 template Value callAny<Supervised>(LuaVM::Impl&, Value*, std::uint32_t, Site);
 

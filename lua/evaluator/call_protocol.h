@@ -20,13 +20,17 @@ namespace tarvel::lua::internal {
 // failed one.
 Value firstOf(LuaVM::Impl& interpreter, Value completion);
 
-// Ends a call whose body returned none or several values.
+// Ends a call whose body returned several values.
 template <class Supervision>
-Value finishWithoutSingleValue(Value* frame, const FunctionExpr* body, Value completion);
+Value finishWithSeveral(Value* frame, const FunctionExpr* body, Value completion);
 
 // Any callee, any number of arguments.
 template <class Supervision>
 Value callAny(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site);
+
+// Moves several values down to where the frame of the call started, over what the call has
+// released.
+Value settleSeveral(Value* frame, Value completion) noexcept;
 
 // The code of a native function.
 inline const NativeCode* nativeCodeOf(const FunctionObject* function) noexcept {
@@ -47,9 +51,11 @@ template <class Supervision>
 
 // What a node wants of a call's completion: all of it, or one value.
 struct AllResults {
+  static Value none() noexcept { return ReturnSignal::noValues(); }
   static Value of(LuaVM::Impl&, Value completion) noexcept { return completion; }
 };
 struct OneResult {
+  static Value none() noexcept { return Value(); }
   static Value of(LuaVM::Impl& interpreter, Value completion) {
     return isSingleValue(completion) ? completion : firstOf(interpreter, completion);
   }
@@ -59,8 +65,8 @@ struct OneResult {
 // `end`, then the callee's, where that is not null. Returns the completion.
 Value destroyAndRelease(Value* slot, Value* end, Value* callee, Value completion) noexcept;
 
-// Releases a frame whose body has returned one value, which this returns. As long as no object has
-// to be destroyed, nothing is called and the value can stay in its registers.
+// Releases a frame whose body has returned one value or none, and returns that. As long as no
+// object has to be destroyed, nothing is called and the value can stay in its registers.
 [[gnu::always_inline]] inline Value releaseFrame(const FunctionExpr* body, Value* frame,
                                                  Value completion) noexcept {
   Value* const end = &slotAt(frame + 1, body->releaseEnd);
@@ -81,12 +87,15 @@ template <class Supervision, class Results>
 [[gnu::always_inline]] inline Value runBody(const FunctionExpr* body, Value* frame,
                                             const Site& site) {
   typename Supervision::ScriptCall call(body, frame, site);
-  const Value completion = executeStatement(body->entry, frame + 1);
+  Value completion = executeStatement(body->entry, frame + 1);
   if (!isSingleValue(completion)) [[unlikely]] {
     if (isFailed(completion)) return Results::of(*body->interpreter, completion);
-    call.returned();
-    return Results::of(*body->interpreter,
-                       finishWithoutSingleValue<Supervision>(frame, body, completion));
+    if (ReturnSignal::isSeveral(completion)) {
+      call.returned();
+      return Results::of(*body->interpreter,
+                         finishWithSeveral<Supervision>(frame, body, completion));
+    }
+    completion = Results::none();
   }
   call.returned();
   return releaseFrame(body, frame, completion);
@@ -103,6 +112,9 @@ template <class Supervision, class Results, std::uint32_t Count>
     if (body != nullptr && body->parameterCount == Count) [[likely]] {
       if (stack.hasRoom(&slotAt(frame, body->frameBytes), body->stackBytes)) [[likely]]
         return runBody<Supervision, Results>(body, frame, site);
+    } else if (body == nullptr) {
+      const NativeCode::DirectCall whole = nativeCodeOf(callee.function)->whole;
+      if (whole != nullptr) return Results::of(interpreter, whole(interpreter, frame, Count, site));
     }
   }
   return Results::of(interpreter, callAny<Supervision>(interpreter, frame, Count, site));

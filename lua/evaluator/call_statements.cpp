@@ -20,7 +20,7 @@ Value executeCallStatement(const Node* node, Value* base) {
   const CallExpr* const call = static_cast<const ExpressionStmt*>(node)->expression;
   const Value result = evaluateExpressionMulti(call, base);
   if (!isSingleValue(result)) [[unlikely]]
-    return discard(*node->interpreter, result);
+    return isFailedOrSeveral(result) ? discard(*node->interpreter, result) : normalCompletion();
   drop(result);
   return normalCompletion();
 }

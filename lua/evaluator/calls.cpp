@@ -130,9 +130,16 @@ struct RunningFunctionCall {
   return indexField(call, receiver, call->methodName, call->hint, base);
 }
 
-// Of no table. The method of a string, or of a native object where the hint finds it, takes no
-// frame.
+// Where the hint finds it, it takes no frame.
+[[gnu::noinline]] Value lookUpMethodOfNative(const CallExpr* call, Value receiver, Value* base) {
+  const Value method = receiver.native->type.hintedMember(call->methodName, call->hint);
+  if (method.tag == kFunction) [[likely]]
+    return retain(method);
+  return lookUpAnyMethod(call, receiver, base);
+}
+
 [[gnu::noinline]] Value lookUpMethodOfOther(const CallExpr* call, Value receiver, Value* base) {
+  if (receiver.tag == kUserData) return lookUpMethodOfNative(call, receiver, base);
   if (receiver.tag == kString) {
     LuaVM::Impl& interpreter = *call->interpreter;
     const Value library = interpreter.globals.at(interpreter.standard.stringLibrarySlot);
@@ -140,11 +147,6 @@ struct RunningFunctionCall {
       const Value method = library.table->getString(call->methodName, call->hint);
       if (!method.isNil()) return retain(method);
     }
-  }
-  if (receiver.tag == kUserData) [[likely]] {
-    const Value method = receiver.native->type.hintedMember(call->methodName, call->hint);
-    if (method.tag == kFunction) [[likely]]
-      return retain(method);
   }
   return lookUpAnyMethod(call, receiver, base);
 }

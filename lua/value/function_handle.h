@@ -54,9 +54,12 @@ struct NativeCode : FunctionCode {
   NativeCode(Heap& heap, NativeFunction nativeFunction) noexcept
       : FunctionCode(heap), function(std::move(nativeFunction)) {}
 
-  // One of these three is what a call runs.
+  // One of these four is what a call runs.
   LeafFunction leaf = nullptr;
   DirectCall direct = nullptr;
+  // Does all that belongs to a call, so that nothing else stands between a script and the function:
+  // it makes room on the stack and releases what stands in the frame, as completion.h says.
+  DirectCall whole = nullptr;
   NativeFunction function;  // may be empty; calling it is then a script error
 
   UnaryFunction unary = nullptr;  // beside `leaf`, where there is one

@@ -21,26 +21,40 @@ struct IteratorState : Object {
                         std::uint32_t count, Site site);
 
   Kind kind;
-  // Pairs: all items as they were when the iterator was made, a key and a value each. Gmatch: what
-  // `step` needs.
+  // Pairs gives all items as they were when the iterator was made. Until the table is accessed
+  // again, it lends the iterator its parts; then the items that are left are copied.
+  bool hasLost = false;  // Pairs: there was no memory for that copy
+  // Pairs without the table's parts: the items, a key and a value each. Gmatch: what `step` needs.
   ValueList values;
-  // Pairs: the next item's place in `values`. Ipairs: the last index delivered. Gmatch: `step`'s.
+  // Pairs: the next item's place in `values` or among the parts. Ipairs: the last index delivered.
+  // Gmatch: `step`'s.
   std::uint64_t position = 0;
   // Gmatch: finds the next match.
   Step step = nullptr;
   std::uint32_t itemSize = 2;  // values; Gmatch: `step`'s
-  // Ipairs: the table, owned and read live, and its length when the iterator was made.
+  // Owned. Ipairs: the table, read live. Pairs: the table that lends its parts.
   Table* table = nullptr;
-  std::uint64_t limit = 0;
+  std::uint64_t limit = 0;  // Ipairs: the table's length when the iterator was made
+  Table parts;              // Pairs, while `table` is not null
 
   IteratorState(Kind iteratorKind, ValueList&& items)
       : kind(iteratorKind), values(std::move(items)) {}
   ~IteratorState();
 
+  // Returns the parts to the table that lends them, for its items may change now. Throws
+  // std::bad_alloc when there is no memory for a copy of those that are left, and has done nothing.
+  void endLoan();
+  // Then for where nothing may throw: the next step does.
+  void loseItems() noexcept;
+
   // All return an owned reference.
   static IteratorState* createPairs(Heap& heap, Table& table, Site site);
   static IteratorState* createIpairs(Heap& heap, Table& table);
   static IteratorState* createGmatch(Heap& heap, ValueList&& values, Step step);
+
+ private:
+  void copyItems(Heap& heap, Site site);
+  void returnParts() noexcept;
 };
 
 }  // namespace tarvel::lua::internal

@@ -1,5 +1,6 @@
 // How the objects that scripts share are made. How they end: destroyObject.
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -54,27 +55,71 @@ NativeObject* NativeObject::create(Heap& heap, Kind kind, NativeClass& type,
 }
 
 IteratorState::~IteratorState() {
-  if (table != nullptr) drop(Value(table));
+  if (table == nullptr) return;
+  if (kind == Kind::Pairs) table->takeParts(parts);
+  drop(Value(table));
 }
 
-IteratorState* IteratorState::createPairs(Heap& heap, Table& table, Site site) {
-  ValueList items(heap, 2 * (std::size_t{table.arraySize()} + table.liveEntries()));
-  const auto forEachIndex = [&](std::size_t count, const auto& visit) {
-    inPieces(heap.meter(), count, kElementsPerStep, site, [&](std::size_t first, std::size_t some) {
-      for (std::size_t i = first; i < first + some; ++i) visit(static_cast<std::uint32_t>(i));
-    });
+// Copies the items of the parts that are still to be delivered.
+void IteratorState::copyItems(Heap& heap, Site site) {
+  const std::uint64_t elements = parts.arraySize();
+  const std::uint64_t places = elements + parts.entryCount();
+  const auto firstElement = std::min(position, elements);
+  const auto firstEntry = std::max(position, elements) - elements;
+  const auto entries = std::min<std::uint64_t>(parts.liveEntries(), places - elements - firstEntry);
+  ValueList items(heap, 2 * (elements - firstElement + entries));
+  const auto forEachIndex = [&](std::uint64_t first, std::uint64_t end, const auto& visit) {
+    inPieces(heap.meter(), end - first, kElementsPerStep, site,
+             [&](std::size_t offset, std::size_t some) {
+               for (std::size_t i = first + offset; i < first + offset + some; ++i)
+                 visit(static_cast<std::uint32_t>(i));
+             });
   };
-  forEachIndex(table.arraySize(), [&](std::uint32_t i) {
-    if (table.element(i).isNil()) return;
+  forEachIndex(firstElement, elements, [&](std::uint32_t i) {
+    if (parts.element(i).isNil()) return;
     items.add(Value(static_cast<std::int64_t>(i) + 1));
-    items.add(retain(table.element(i)));
+    items.add(retain(parts.element(i)));
   });
-  forEachIndex(table.entryCount(), [&](std::uint32_t i) {
-    if (table.entryValue(i).isNil()) return;
-    items.add(retain(table.entryKey(i).toValue()));
-    items.add(retain(table.entryValue(i)));
+  forEachIndex(firstEntry, places - elements, [&](std::uint32_t i) {
+    if (parts.entryValue(i).isNil()) return;
+    items.add(retain(parts.entryKey(i).toValue()));
+    items.add(retain(parts.entryValue(i)));
   });
-  return new (heap.allocate(sizeof(IteratorState))) IteratorState(Kind::Pairs, std::move(items));
+  values.swap(items);
+}
+
+void IteratorState::endLoan() {
+  copyItems(Heap::of(table), 0);
+  position = 0;
+  returnParts();
+}
+
+void IteratorState::loseItems() noexcept {
+  hasLost = true;
+  returnParts();
+}
+
+void IteratorState::returnParts() noexcept {
+  Table* const lender = std::exchange(table, nullptr);
+  lender->takeParts(parts);
+  drop(Value(lender));
+}
+
+// What a supervised interpreter counts for the copy is counted by the call.
+IteratorState* IteratorState::createPairs(Heap& heap, Table& table, Site site) {
+  table.fetchBack();
+  OwnedValue iterator(Value(new (heap.allocate(sizeof(IteratorState)))
+                                IteratorState(Kind::Pairs, ValueList(heap))));
+  IteratorState& state = *iterator.get().iterator;
+  if (heap.meter().isSupervised()) {
+    state.parts.takeParts(table);
+    state.copyItems(heap, site);
+  } else if (table.arraySize() + table.entryCount() > 0) {
+    ++table.count;
+    state.table = &table;
+    table.lendTo(state);
+  }
+  return iterator.take().iterator;
 }
 
 IteratorState* IteratorState::createIpairs(Heap& heap, Table& table) {

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "lua/value/hashing.h"
+#include "lua/value/iterator_state.h"
 #include "lua/value/number_rules.h"
 
 namespace tarvel::lua::internal {
@@ -131,10 +132,14 @@ Value Table::get(TableKey key) const noexcept {
 
 Value Table::getEntry(TableKey key) const noexcept {
   const std::uint32_t number = findEntry(key);
-  return number == kNoEntry ? Value() : entries_[number].value;
+  if (number != kNoEntry) return entries_[number].value;
+  // A table that was lent has its array part again now.
+  const std::uint64_t index = static_cast<std::uint64_t>(key.integer) - 1;
+  return key.tag() == kInteger && index < arraySize_ ? array_[index] : Value();
 }
 
 Value* Table::find(TableKey key) noexcept {
+  takeBack();
   const std::uint64_t index = static_cast<std::uint64_t>(key.integer) - 1;
   Value* place = nullptr;
   if (key.tag() == kInteger && index < arraySize_) {
@@ -159,6 +164,10 @@ std::uint32_t Table::findEntry(TableKey key) const noexcept {
     }
     return kNoEntry;
   }
+  if (isLent()) {
+    takeBack();
+    return findEntry(key);
+  }
   const std::uint32_t* const slots = index();
   const std::uint32_t mask = entryCapacity() * 2 - 1;
   for (std::uint32_t slot = key.hash() & mask; slots[slot] != kFreeIndexSlot;
@@ -166,6 +175,37 @@ std::uint32_t Table::findEntry(TableKey key) const noexcept {
     if (sameKey(entries_[slots[slot]].key, key)) return slots[slot];
   }
   return kNoEntry;
+}
+
+// ---- Lending ------------------------------------------------------------------------------------
+
+void Table::takeParts(const Table& lender) noexcept {
+  const auto references = count;
+  *this = lender;
+  count = references;
+}
+
+void Table::lendTo(IteratorState& iterator) noexcept {
+  iterator.parts.takeParts(*this);
+  takeParts(Table());
+  borrower_ = &iterator;
+  capacityCode_ = kLent;
+  // So that nobody concludes that something is absent.
+  liveEntries_ = 1;
+  integerEntries_ = 1;
+}
+
+void Table::fetchBack() {
+  if (isLent()) borrower_->endLoan();
+}
+
+void Table::endLoan() noexcept {
+  IteratorState& iterator = *borrower_;
+  try {
+    iterator.endLoan();
+  } catch (const std::bad_alloc&) {
+    iterator.loseItems();
+  }
 }
 
 // ---- Storing ------------------------------------------------------------------------------------
@@ -189,6 +229,10 @@ void Table::setBeyondArray(std::int64_t key, Value owned) {
 
 // Out of line, so that appending needs no frame.
 [[gnu::noinline]] void Table::setAwayFromArray(std::int64_t key, Value owned) {
+  if (isLent()) {
+    takeBack();
+    return setInteger(key, owned);
+  }
   const std::int64_t size = arraySize_;
   if (key < 1 || (key >= kFirstSparseKey && key > size + kDenseReach)) {
     setEntry(TableKey::ofInteger(key), owned);
@@ -302,6 +346,11 @@ void Table::migrateEntries(std::uint32_t oldSize) noexcept {
 }
 
 void Table::extendBorderIntoEntries() noexcept {
+  if (isLent()) {
+    takeBack();
+    length();
+    return;
+  }
   while (!getEntry(TableKey::ofInteger(static_cast<std::int64_t>(border_) + 1)).isNil()) ++border_;
 }
 
@@ -317,8 +366,7 @@ std::uint32_t* Table::index() const noexcept {
   return reinterpret_cast<std::uint32_t*>(entries_ + entryCapacity());
 }
 
-void Table::indexEntry(std::uint32_t number) noexcept {
-  if (capacityCode_ < kIndexedCapacity) return;
+void Table::indexLargeEntry(std::uint32_t number) noexcept {
   std::uint32_t* const slots = index();
   const std::uint32_t mask = entryCapacity() * 2 - 1;
   std::uint32_t slot = entries_[number].key.hash() & mask;

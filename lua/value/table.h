@@ -36,6 +36,8 @@ struct TableKey {
 // - The values under 1 to `border_` are not nil, wherever they stand.
 // - An entry whose value is nil is absent for every reader. Its place in the order is given up: a
 //   key that is stored again after it was nil stands at the end.
+// - A table that is lent has no parts, and an iterator has them. Its sizes send every access to
+//   where the parts are fetched back first; who uses the parts as such calls takeBack().
 class Table : public Object {
  public:
   // Returns an owned reference. `arrayHint` and `entryHint` say how many keys are about to be
@@ -96,14 +98,21 @@ class Table : public Object {
     setStringWithHint(key, owned, hint);
   }
 
-  // Stores an owned value under a key that is not in the table, for which `create` made room. Nil
-  // is left out.
-  void addField(TableKey key, Value owned) noexcept {
-    if (owned.isNil()) return;
-    retain(key.toValue());
-    new (&entries_[entryCount_]) Entry{key, owned};
-    ++liveEntries_;
-    indexEntry(entryCount_++);
+  // Moves values to the keys `keyOf(0)` on, strings that are not in the table; `create` made room
+  // for them. Nil is left out.
+  template <class KeyOf>
+  void addFields(const KeyOf& keyOf, Value* values, std::uint32_t keys) noexcept {
+    std::uint32_t number = entryCount_;
+    for (std::uint32_t i = 0; i < keys; ++i) {
+      const Value value = values[i];
+      if (value.isNil()) continue;
+      values[i].tag = kNil;
+      const TableKey key = keyOf(i);
+      ++key.string->count;
+      new (&entries_[number++]) Entry{key, value};
+    }
+    liveEntries_ += number - entryCount_;
+    while (entryCount_ < number) indexEntry(entryCount_++);
   }
 
   // The value of `#`: the number of leading elements that are not nil, and where the array part has
@@ -123,6 +132,17 @@ class Table : public Object {
   const Value& entryValue(std::uint32_t number) const noexcept { return entries_[number].value; }
   std::uint32_t liveEntries() const noexcept { return liveEntries_; }
 
+  // Gives the parts to an iterator until the next access, or until it returns them itself.
+  void lendTo(IteratorState& iterator) noexcept;
+  // Makes another table's parts those of this one.
+  void takeParts(const Table& lender) noexcept;
+  // Fetches the parts back. The first throws std::bad_alloc where the iterator, which needs a copy,
+  // can get no memory for it; the second leaves that to the iterator.
+  void fetchBack();
+  void takeBack() const noexcept {
+    if (isLent()) const_cast<Table*>(this)->endLoan();
+  }
+
  private:
   struct Entry {
     TableKey key;
@@ -133,6 +153,8 @@ class Table : public Object {
     return number < entryCount_ && entries_[number].key.string == key &&
            entries_[number].key.tag() == kString;
   }
+  bool isLent() const noexcept { return capacityCode_ == kLent; }
+  void endLoan() noexcept;
   Value getEntry(TableKey key) const noexcept;
   Value findWithHint(StringObject* key, std::uint32_t& hint) const noexcept;
   std::uint32_t findEntry(TableKey key) const noexcept;
@@ -158,7 +180,10 @@ class Table : public Object {
   }
   [[gnu::noinline]] void noteWalk(std::uint32_t elements) noexcept;
   void rebuildEntries(std::uint32_t capacity);
-  void indexEntry(std::uint32_t number) noexcept;
+  void indexEntry(std::uint32_t number) noexcept {
+    if (capacityCode_ >= kIndexedCapacity) indexLargeEntry(number);
+  }
+  void indexLargeEntry(std::uint32_t number) noexcept;
   std::uint32_t* index() const noexcept;
   static std::size_t entryBytes(std::uint32_t capacity) noexcept;
   void noteIntegerEntry(int change) noexcept;
@@ -169,6 +194,7 @@ class Table : public Object {
   // From this capacity on entries have an index, and capacities are powers of two; fewer entries
   // are found by looking at each.
   static constexpr std::uint32_t kIndexedCapacity = 16;
+  static constexpr std::uint32_t kLent = 255;  // in place of a code for a capacity
   static constexpr std::uint32_t kMostIntegerEntries = (std::uint32_t{1} << 24) - 1;
 
   std::uint32_t entryCapacity() const noexcept {
@@ -177,7 +203,10 @@ class Table : public Object {
   }
   void setEntryCapacity(std::uint32_t capacity) noexcept;
 
-  Value* array_ = nullptr;
+  union {
+    Value* array_ = nullptr;
+    IteratorState* borrower_;  // while it is lent
+  };
   Entry* entries_ = nullptr;     // behind them, from kIndexedCapacity on, the hash index
   std::uint32_t arraySize_ = 0;  // keys 1 to arraySize_ live here; elements may be nil
   std::uint32_t arrayCapacity_ = 0;

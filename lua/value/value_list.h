@@ -21,6 +21,12 @@ class ValueList {
         size_(std::exchange(other.size_, 0)),
         capacity_(std::exchange(other.capacity_, 0)) {}
   ValueList& operator=(ValueList&&) = delete;
+  void swap(ValueList& other) noexcept {
+    std::swap(heap_, other.heap_);
+    std::swap(values_, other.values_);
+    std::swap(size_, other.size_);
+    std::swap(capacity_, other.capacity_);
+  }
   ~ValueList() {
     for (std::size_t i = 0; i < size_; ++i) drop(values_[i]);
     if (values_ != nullptr) Heap::release(values_, capacity_ * sizeof(Value));

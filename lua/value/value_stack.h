@@ -18,6 +18,10 @@ namespace tarvel::lua::internal {
 //   that the abandoned frames owned.
 class ValueStack {
  public:
+  // Slots above the top for which there is still room after a run that began at the top, where
+  // there was room before.
+  static constexpr std::uint32_t kLeastRoom = 8;
+
   // Throws std::bad_alloc when not even a small reservation can be had.
   ValueStack();
   ~ValueStack();
@@ -79,7 +83,7 @@ class ValueStack {
   Value* end_ = nullptr;
   Value* softLimit_ = nullptr;
   Value* limit_ = nullptr;  // frames end here at the latest
-  std::uint32_t largestFrame_ = 0;
+  std::uint32_t largestFrame_ = kLeastRoom;
 };
 
 }  // namespace tarvel::lua::internal

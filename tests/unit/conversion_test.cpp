@@ -122,6 +122,7 @@ TEST(Conversion, OfArgumentsFailsAsThatOfTheLibrary) {
   vm.bind("all", [](int first, const std::vector<LuaValue>& rest) {
     return std::tuple(first, rest.size());
   });
+  vm.bind("count", [](const std::map<std::string, int>& members) { return members.size(); });
   vm.bind("fail", [](LuaVM&, bool) { throw std::runtime_error("no such thing"); });
   vm.bind("apply", [](LuaVM& inner, const LuaFunction& f) { return inner.call<int>(f).value(); });
   vm.bind("same", [](std::shared_ptr<World> world) { return world; });
@@ -147,6 +148,7 @@ TEST(Conversion, OfArgumentsFailsAsThatOfTheLibrary) {
       {"return byte(3, {1, 'x'})",
        "c:1: byte: argument 2: [2]: a whole number expected, got a string"},
       {"return byte(3, 4)", "c:1: byte expects a table"},
+      {"t = {a = 1, b = 2} unfinished = pairs(t) return count(t)", "2"},
       {"return all(1, 2, nil, 4)", "{1, 3}"},
       {"fail(1)", "c:1: fail expects a boolean argument"},
       {"return pcall(fail, true)", "{false, no such thing}"},

@@ -26,6 +26,8 @@ TEST(HostFunction, GetsArgumentsAndGivesOneResult) {
   EXPECT_EQ(";", seen);
   EXPECT_EQ("nil", run(vm, "return host(nil, 1, 2.5, 'x', {1}, {a = true}, host, nil)"));
   EXPECT_EQ(";nil;i1;f2.5;'x';[i1];{a: true};<host>;nil;", seen);
+  EXPECT_EQ("nil", run(vm, "t = {1, a = 2} unfinished = pairs(t) return host(t)"));
+  EXPECT_EQ(";{1: i1, a: i2};", seen);
   answer = sequence(integer(1), object({{"2", LuaValue("x")}}));
   EXPECT_EQ("[i3 [i1 {2: 'x'}]]", run(vm, "return 3, host()"));
   EXPECT_EQ("[false 'value cannot be bridged out of TarvelLua']",

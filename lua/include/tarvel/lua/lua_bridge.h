@@ -4,6 +4,7 @@
 #include <tarvel/lua/lua_export.h>
 #include <tarvel/lua/lua_value.h>
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -23,11 +24,29 @@ class LuaVM;
 namespace bridge {
 
 struct Interpreter;  // never defined: one interpreter
-struct RecordKeys;   // never defined: the keys of a record in one interpreter
 
-// A value inside an interpreter; what the words mean is the interpreter's.
+// A value inside an interpreter; what its words mean is the interpreter's. The tags of a few kinds
+// are known here, so that these cross without a call.
 struct RawValue {
-  std::uint64_t words[2];
+  static constexpr std::uint64_t kNil = 0;
+  static constexpr std::uint64_t kInteger = 3;
+  static constexpr std::uint64_t kFloat = 4;
+  static constexpr std::uint64_t kTable = 6;
+
+  // Word by word, as the interpreter stores them: a load of both would have to wait for the stores.
+  static RawValue load(const std::byte* place) noexcept {
+    RawValue value;
+    std::memcpy(&value.tag, place, sizeof(std::uint64_t));
+    std::memcpy(&value.payload, place + sizeof(std::uint64_t), sizeof(std::uint64_t));
+    return value;
+  }
+  void store(std::byte* place) const noexcept {
+    std::memcpy(place, &tag, sizeof(std::uint64_t));
+    std::memcpy(place + sizeof(std::uint64_t), &payload, sizeof(std::uint64_t));
+  }
+
+  std::uint64_t tag;
+  std::uint64_t payload;
 };
 
 // The address of its `key` stands for a class of the host.
@@ -90,12 +109,23 @@ class TARVELLUA_API ScriptValue {
       : interpreter_(interpreter), raw_(raw) {}
 
   RawValue raw() const noexcept { return raw_; }
-  bool isNil() const noexcept { return raw_.words[0] == 0; }
+  bool isNil() const noexcept { return raw_.tag == RawValue::kNil; }
   // False where it is none.
   bool read(bool& out) const noexcept { return readBoolean(raw_, out); }
-  bool read(std::int64_t& out) const noexcept { return readInteger(raw_, out); }  // or whole float
-  bool read(double& out) const noexcept { return readNumber(raw_, out); }
-  bool read(std::string_view& out) const noexcept;
+  bool read(std::int64_t& out) const noexcept {  // also a whole float
+    if (raw_.tag != RawValue::kInteger) return readInteger(raw_, out);
+    out = std::bit_cast<std::int64_t>(raw_.payload);
+    return true;
+  }
+  bool read(double& out) const noexcept {
+    if (raw_.tag == RawValue::kFloat) {
+      out = std::bit_cast<double>(raw_.payload);
+      return true;
+    }
+    out = static_cast<double>(std::bit_cast<std::int64_t>(raw_.payload));
+    return raw_.tag == RawValue::kInteger;
+  }
+  bool read(std::string_view& out) const noexcept { return readText(raw_, out); }
   bool read(LuaFunction& out) const;
   // Throws std::runtime_error for what cannot cross.
   LuaValue toPublic() const;
@@ -104,7 +134,7 @@ class TARVELLUA_API ScriptValue {
   std::shared_ptr<void> object(const void* classKey) const;
   std::string className(const void* classKey) const;
 
-  bool isTable() const noexcept;
+  bool isTable() const noexcept { return raw_.tag == RawValue::kTable; }
   // A table is about to be copied: work that counts, because the same table may stand in a value
   // any number of times. Throws what ends the run.
   void countCopy() const;
@@ -113,19 +143,34 @@ class TARVELLUA_API ScriptValue {
   ScriptValue element(std::size_t number) const noexcept;  // from 1
   // Steps through a table, from cursor 0 on. False at the end.
   bool next(std::size_t& cursor, ScriptValue& key, ScriptValue& value) const noexcept;
-  RecordKeys* record(const RecordNames& names) const;
-  ScriptValue field(RecordKeys* keys, std::size_t number) const noexcept;
+  // The values under a record's keys, which are as many as `names` has; borrowed from the table.
+  template <std::size_t Count>
+  class Fields {
+   public:
+    Fields(const ScriptValue& table, const RecordNames& names) : interpreter_(table.interpreter_) {
+      table.readFields(names, values_);
+    }
+    ScriptValue operator[](std::size_t number) const noexcept {
+      return {interpreter_, values_[number]};
+    }
+
+   private:
+    Interpreter* interpreter_;
+    RawValue values_[Count > 0 ? Count : 1];
+  };
   // The first key that is not among them, as text; false where there is none.
-  bool findOther(RecordKeys* keys, std::string& key) const;
+  bool findOther(const RecordNames& names, std::string& key) const;
 
   // "nil", "a string", "4.5".
-  std::string description() const;
+  std::string description() const { return describe(raw_); }
 
  private:
-  // Take the value in registers.
+  // Take the value in registers, so that it need not stand in memory.
   static bool readBoolean(RawValue raw, bool& out) noexcept;
   static bool readInteger(RawValue raw, std::int64_t& out) noexcept;
-  static bool readNumber(RawValue raw, double& out) noexcept;
+  static bool readText(RawValue raw, std::string_view& out) noexcept;
+  static std::string describe(RawValue raw);
+  void readFields(const RecordNames& names, RawValue* out) const;
 
   Interpreter* interpreter_;
   RawValue raw_;
@@ -138,10 +183,12 @@ class TARVELLUA_API ScriptSink {
   ScriptSink(const ScriptSink&) = delete;
   ScriptSink& operator=(const ScriptSink&) = delete;
 
-  void nil();
+  void nil() { putPlain({RawValue::kNil, 0}); }
   void boolean(bool value);
-  void integer(std::int64_t value);
-  void number(double value);
+  void integer(std::int64_t value) {
+    putPlain({RawValue::kInteger, std::bit_cast<std::uint64_t>(value)});
+  }
+  void number(double value) { putPlain({RawValue::kFloat, std::bit_cast<std::uint64_t>(value)}); }
   void text(std::string_view value);
   void function(const LuaFunction& value);
   void any(const LuaValue& value);
@@ -167,8 +214,17 @@ class TARVELLUA_API ScriptSink {
  private:
   static constexpr int kShallow = 16;  // levels for which there is always room
 
-  void put(RawValue value);
-  void putPlain(RawValue value);  // of what owns nothing
+  // Not checked for room.
+  void put(RawValue value) noexcept {
+    value.store(next_);
+    next_ += sizeof(RawValue);
+  }
+  // Of what owns nothing.
+  void putPlain(RawValue value) {
+    if (next_ == end_) [[unlikely]]
+      return putBehindRoom(value);
+    put(value);
+  }
   void putBehindRoom(RawValue value);
   void makeRoom();
   void enter();
@@ -218,9 +274,7 @@ class TARVELLUA_API Arguments {
  public:
   std::size_t count() const noexcept { return count_; }
   ScriptValue at(std::size_t index) const noexcept {
-    RawValue raw;
-    std::memcpy(&raw, first_ + index * sizeof(RawValue), sizeof(RawValue));
-    return ScriptValue(interpreter_, raw);
+    return ScriptValue(interpreter_, RawValue::load(first_ + index * sizeof(RawValue)));
   }
   LuaVM& vm() const noexcept { return *vm_; }
   ScriptSink& results() noexcept { return *results_; }

@@ -357,14 +357,14 @@ requires(isRecord<T>) struct Conversion<T> : TableKind {
   static bool take(const Source& source, T& out, Problem& problem) {
     if (!source.isTable()) return problem.expected("a table", source.description());
     if (!problem.enter(source)) return false;
-    RecordKeys* const keys = source.record(names());
     // First, because where a name is misspelt the field that it should have been is missing.
     if (luaRecord<T>.isExact) {
       std::string other;
-      if (source.findOther(keys, other)) return problem.say("unknown field '" + other + "'");
+      if (source.findOther(names(), other)) return problem.say("unknown field '" + other + "'");
     }
+    const typename Source::template Fields<kCount> fields(source, names());
     const bool isTaken = forEachField([&](std::size_t number, const auto& field) {
-      const Source value = source.field(keys, number);
+      const Source value = fields[number];
       if (!field.required && value.isNil()) return true;
       return Conversion<MemberOf<decltype(field)>>::take(value, out.*field.member, problem) ||
              problem.inField(field.name);
@@ -375,6 +375,8 @@ requires(isRecord<T>) struct Conversion<T> : TableKind {
   }
 
  private:
+  static constexpr std::size_t kCount = std::tuple_size_v<decltype(luaRecord<T>.fields)>;
+
   template <class Field>
   using MemberOf = typename std::remove_cvref_t<Field>::Type;
 
@@ -417,12 +419,22 @@ class TARVELLUA_API PublicValue {
   std::size_t length() const noexcept;
   PublicValue element(std::size_t number) const noexcept;
   bool next(std::size_t& cursor, PublicValue& key, PublicValue& value) const;
-  RecordKeys* record(const RecordNames& names) const noexcept;
-  PublicValue field(RecordKeys* names, std::size_t number) const;
-  bool findOther(RecordKeys* names, std::string& key) const;
+  template <std::size_t>
+  class Fields {
+   public:
+    Fields(const PublicValue& table, const RecordNames& names) noexcept
+        : table_(table), names_(names) {}
+    PublicValue operator[](std::size_t number) const { return table_.field(names_, number); }
+
+   private:
+    const PublicValue& table_;
+    const RecordNames& names_;
+  };
+  bool findOther(const RecordNames& names, std::string& key) const;
   std::string description() const;
 
  private:
+  PublicValue field(const RecordNames& names, std::size_t number) const;
   const LuaValue::Object* members() const noexcept;
   const LuaValue::Sequence* elements() const noexcept;
 
