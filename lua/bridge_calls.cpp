@@ -190,22 +190,6 @@ LuaValue Call::allResults() const {
   return state().interpreter().resultsToPublic(state().results());
 }
 
-namespace {
-
-// There was no memory to say what failed; what was held is released by now.
-LuaError errorWithoutWords() {
-  LuaError error;
-  error.kind = LuaError::Kind::Memory;
-  try {
-    error.message = internal::exceptionText(std::bad_alloc());
-  } catch (const std::bad_alloc&) {
-    error.message.clear();
-  }
-  return error;
-}
-
-}  // namespace
-
 LuaError Call::failure() {
   State& opened = state();
   const auto valueError = [&opened](const char* text) {
@@ -232,7 +216,9 @@ LuaError Call::failure() {
     try {
       return report.error();
     } catch (const std::bad_alloc&) {
-      return errorWithoutWords();
+      LuaError withoutWords;  // which the outcome has
+      withoutWords.kind = LuaError::Kind::Memory;
+      return withoutWords;
     }
   }
 }

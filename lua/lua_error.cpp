@@ -30,7 +30,8 @@ LuaError& errorWithoutMemory =
 namespace bridge {
 
 HeldError holdError(LuaError&& error) noexcept {
-  auto* const held = new (std::nothrow) LuaError(std::move(error));
+  const bool hasWords = error.kind != LuaError::Kind::Memory || !error.message.empty();
+  auto* const held = hasWords ? new (std::nothrow) LuaError(std::move(error)) : nullptr;
   return HeldError(held != nullptr ? held : &errorWithoutMemory);
 }
 

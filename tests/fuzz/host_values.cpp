@@ -1,5 +1,6 @@
 #include <tarvel/lua/lua_vm.h>
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -7,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -45,7 +47,9 @@ LuaValue valueOf(Choices& choices, int depth) {
     case 2:
       return LuaValue(static_cast<std::int64_t>(choices.below(256)) << (8 * choices.below(8)));
     case 3: {
-      // Not whole, so that it stays a float.
+      // Not a whole number of 64 bits, so that it stays a float.
+      static const double kExtremes[] = {1e300, -1e300, HUGE_VAL, -HUGE_VAL, 5e-324, 0.1};
+      if (choices.oneIn(4)) return LuaValue(choices.of(kExtremes));
       return LuaValue(static_cast<double>(choices.below(256)) + 0.5);
     }
     case 4: {
@@ -130,13 +134,17 @@ std::string problemOf(Choices choices) {
   compareAs<bool>("bool", vm, value, problem);
   compareAs<std::int64_t>("int64", vm, value, problem);
   compareAs<std::uint8_t>("uint8", vm, value, problem);
+  compareAs<std::int8_t>("int8", vm, value, problem);
+  compareAs<std::uint64_t>("uint64", vm, value, problem);
   compareAs<double>("double", vm, value, problem);
+  compareAs<float>("float", vm, value, problem);
   compareAs<std::string>("string", vm, value, problem);
   compareAs<std::optional<int>>("optional", vm, value, problem);
   compareAs<std::vector<double>>("numbers", vm, value, problem);
   compareAs<std::vector<std::vector<int>>>("rows", vm, value, problem);
   compareAs<std::map<std::string, LuaValue>>("members", vm, value, problem, true);
   compareAs<std::map<std::string, std::vector<std::string>>>("lists", vm, value, problem, true);
+  compareAs<std::unordered_map<std::string, double>>("table", vm, value, problem, true);
   compareAs<Place>("record", vm, value, problem);
   compareAs<std::vector<Place>>("records", vm, value, problem);
   return problem.empty() ? problem : describe(value) + "\n" + problem;

@@ -1,29 +1,32 @@
+#include <tarvel/lua/lua_vm.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <regex>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "lua/stdlib/patterns/matcher.h"
 #include "lua/stdlib/patterns/translation.h"
 #include "tests/fuzz/choices.h"
+#include "tests/unit/value_support.h"
 
-// Searches a few subjects for a pattern: the matcher finds what std::regex finds.
+// Searches a few subjects for a pattern: find, match, gmatch and gsub give what std::regex gives,
+// or the error that it throws; supervised, too, and on a small stack, where part of the searches
+// runs with the stack watched.
 
 namespace tarvel::lua::fuzz {
 
 namespace {
 
 using namespace std::string_literals;
-using internal::Matcher;
-using internal::PatternMatch;
-using internal::WorkMeter;
 
-constexpr int kMostSubjects = 12;
+constexpr int kMostSubjects = 6;
+// Just enough for running a script.
+constexpr std::size_t kSmallStack = std::size_t{internal::kWideFrames ? 256 : 64} << 10;
 
 class Generator {
  public:
@@ -37,16 +40,40 @@ class Generator {
   unsigned below(std::size_t bound) { return choices_.below(static_cast<unsigned>(bound)); }
   bool oneIn(unsigned others) { return choices_.oneIn(others); }
 
-  // Short where the pattern has many repetitions, for which std::regex takes a power of its length.
+  // Short where std::regex may take a power of the length, or worse.
   std::string subject(std::string_view pattern) {
     const auto repetitions = std::count_if(pattern.begin(), pattern.end(), [](char c) {
       return std::string_view("*+-").find(c) != std::string_view::npos;
     });
     std::string text;
-    for (unsigned left = below(repetitions < 4 ? 60 : 16); left > 0; --left) text += byte();
+    for (unsigned left = below(repetitions < 3 && !hasPieces_ ? 60 : 14); left > 0; --left)
+      text += byte();
     return text;
   }
 
+  std::string anyPattern() {
+    hasPieces_ = oneIn(2);
+    return hasPieces_ ? patternOfPieces() : pattern();
+  }
+
+ private:
+  // Mostly what programs write; now and then something that std::regex rejects.
+  std::string patternOfPieces() {
+    static const char* const kPieces[] = {
+        "a",    "a",      "b",    "=",      "1",       " ",     "%-",    "%.",   "%%",
+        "]",    "a=",     "%a",   "%d",     "%s",      "%w",    "%A",    "%D",   "%S",
+        "%W",   ".",      "[ab]", "[^a]",   "[%w]",    "[^%s]", "[%d-]", "[-a]", "[]",
+        "[^]",  "[%]]",   "[%S]", "[1-]",   "[^%w%s]", "[\\a]", "[ -b]", "%\\",  "[%A]",
+        "{",    "[\xE4]", "[[]",  "\n",     "(?=a)",   "|",     "()",    "(a)",  "(%w+)",
+        "(b-)", "(a=)?",  "(.)*", "(a*1)+", "([^ ]*)", "*",     "*",     "+",    "+",
+        "-",    "-",      "?",    "?",      "^",       "$"};
+    std::string text = oneIn(8) ? "^" : "";
+    for (unsigned left = below(7) + 1; left > 0; --left) text += choices_.of(kPieces);
+    if (oneIn(8)) text += "$";
+    return text;
+  }
+
+  // One sequence of simple parts, in groups or not.
   std::string pattern() {
     std::string text = oneIn(6) ? "^" : "";
     std::size_t open = 0;
@@ -67,7 +94,6 @@ class Generator {
     return text;
   }
 
- private:
   char byte() { return alphabet_[below(alphabet_.size())]; }
 
   std::string literal() {
@@ -103,57 +129,108 @@ class Generator {
 
   Choices choices_;
   std::string alphabet_;
+  bool hasPieces_ = false;
 };
 
-// Start, end and groups; "none" without a match.
-std::string outcomeOf(Matcher& matcher, bool isSupervised, const std::string& subject,
-                      std::size_t from) {
-  WorkMeter meter;
-  if (isSupervised) meter.setSupervised();
-  PatternMatch match;
-  if (!matcher.search(meter, subject, from, match, 0)) return "none";
-  std::string text = std::to_string(match.start) + "-" + std::to_string(match.end);
-  for (const std::string_view capture : match.captures) {
-    text += ";" + std::to_string(capture.data() - subject.data()) + "+" +
-            std::to_string(capture.size());
+// The first `count` values as the script below writes them.
+std::string rowOf(std::vector<std::string> values, std::size_t count) {
+  values.resize(count, "nil");
+  std::string text;
+  for (const std::string& value : values) text.append(value).append("|");
+  return text.append("\n");
+}
+
+std::vector<std::string> capturesOf(const std::smatch& match) {
+  std::vector<std::string> captures;
+  for (std::size_t i = 1; i < match.size(); ++i) captures.push_back(match.str(i));
+  return captures;
+}
+
+// What the script below must return, straight from std::regex.
+std::string expectedFor(const std::string& subject, const std::string& pattern, std::int64_t init,
+                        const std::string& replacement) try {
+  const std::regex expression(internal::translateLuaPatternToRegex(pattern));
+  const std::size_t skipped = static_cast<std::size_t>(std::max<std::int64_t>(init, 1)) - 1;
+  std::vector<std::string> found;
+  std::vector<std::string> matched;
+  std::string rest = subject.substr(std::min(skipped, subject.size()));
+  std::smatch match;
+  if (skipped <= subject.size() && std::regex_search(rest, match, expression)) {
+    const std::size_t start = skipped + static_cast<std::size_t>(match.position(0));
+    matched = capturesOf(match);
+    found = matched;
+    found.insert(found.begin(), std::to_string(start + match.str(0).size()));
+    found.insert(found.begin(), std::to_string(start + 1));
+    if (matched.empty()) matched = {match.str(0)};
   }
-  return text;
+  std::string text = rowOf(found, 5) + rowOf(matched, 4);
+
+  std::string replaced;
+  std::size_t cursor = 0;
+  int count = 0;
+  while (cursor <= subject.size()) {
+    rest = subject.substr(cursor);
+    if (!std::regex_search(rest, match, expression)) break;
+    ++count;
+    matched = capturesOf(match);
+    if (matched.empty()) matched.push_back(match.str(0));
+    text += rowOf(matched, 3);
+    replaced += std::string(match.prefix()) + replacement;
+    cursor += static_cast<std::size_t>(match.position(0) + match.length(0));
+    if (match.length(0) > 0) continue;
+    if (cursor < subject.size()) replaced += subject[cursor];
+    ++cursor;
+  }
+  if (cursor < subject.size()) replaced += subject.substr(cursor);
+  return text + rowOf({replaced, std::to_string(count)}, 2);
+} catch (const std::regex_error& error) {
+  return error.what();
 }
 
-std::string outcomeOf(const std::regex& expression, const std::string& subject, std::size_t from) {
-  const char* const start = subject.data() + from;
-  std::cmatch match;
-  if (!std::regex_search(start, subject.data() + subject.size(), match, expression)) return "none";
-  const auto offset = static_cast<std::size_t>(match.position(0)) + from;
-  std::string text = std::to_string(offset) + "-" +
-                     std::to_string(offset + static_cast<std::size_t>(match.length(0)));
-  for (std::size_t i = 1; i < match.size(); ++i)
-    text += ";" + std::to_string(match[i].first - subject.data()) + "+" +
-            std::to_string(match.length(i));
-  return text;
-}
+constexpr const char* kComparedScript = R"lua(
+function row(a, b, c, d, e)
+  local text = ""
+  for i, value in ipairs({a, b, c, d, e}) do text = text .. value .. "|" end
+  return text .. "\n"
+end
+local ok, text = pcall(function()
+  local a, b, c, d, e = string.find(subject, pattern, init)
+  local text = row(tostring(a), tostring(b), tostring(c), tostring(d), tostring(e))
+  a, b, c, d = string.match(subject, pattern, init)
+  text = text .. row(tostring(a), tostring(b), tostring(c), tostring(d))
+  for a, b, c in string.gmatch(subject, pattern) do
+    text = text .. row(a, tostring(b), tostring(c))
+  end
+  a, b, c = string.gsub(subject, pattern, replacement)
+  return text .. row(a, b, c)
+end)
+return text
+)lua";
 
-std::optional<std::regex> compileStandard(const std::string& expression) try {
-  return std::regex(expression);
-} catch (const std::regex_error&) {
-  return std::nullopt;
-}
+std::string exhausted() { return std::regex_error(std::regex_constants::error_stack).what(); }
 
 std::string problemOf(Generator any) {
-  const std::string pattern = any.pattern();
-  const std::string expression = internal::translateLuaPatternToRegex(pattern);
-  std::optional<Matcher> matcher = Matcher::compile(expression);
-  if (!matcher) return {};
-  const std::optional<std::regex> standard = compileStandard(expression);
-  if (!standard) return pattern + ": std::regex refuses " + expression;
+  const bool isSupervised = any.oneIn(4);
+  const bool isOnSmallStack = any.oneIn(8);
+  const std::string pattern = any.anyPattern();
+  LuaVM vm({.supervised = isSupervised});
+  vm.setGlobal("pattern", pattern);
   for (int i = 0; i < kMostSubjects && !any.isEmpty(); ++i) {
     const std::string subject = any.subject(pattern);
-    const std::size_t from = any.oneIn(3) ? any.below(subject.size() + 1) : 0;
-    const std::string expected = outcomeOf(*standard, subject, from);
-    const std::string found = outcomeOf(*matcher, any.oneIn(4), subject, from);
+    const auto init = static_cast<std::int64_t>(any.below(subject.size() + 4)) - 1;
+    const std::string replacement = any.oneIn(2) ? "<%0>" : "";
+    vm.setGlobal("subject", subject);
+    vm.setGlobal("replacement", replacement);
+    vm.setGlobal("init", init);
+    LuaResult result;
+    const auto run = [&] { result = vm.runScriptString(kComparedScript, "compare"); };
+    isOnSmallStack ? internal::runOnStack(kSmallStack, run) : run();
+    const std::string found = result.ok ? result.value.toString() : result.error;
+    if (isOnSmallStack && found == exhausted()) continue;
+    const std::string expected = expectedFor(subject, pattern, init, replacement);
     if (found != expected)
-      return pattern + " in '" + subject + "' from " + std::to_string(from) + ": " + found +
-             " instead of " + expected;
+      return "'" + pattern + "' in '" + subject + "' from " + std::to_string(init) + ":\n" + found +
+             "instead of\n" + expected;
   }
   return {};
 }

@@ -14,6 +14,7 @@
 #include "lua/lua_vm_impl.h"
 #include "tests/refusal/refused_memory.h"
 #include "tests/unit/script_outcome.h"
+#include "tests/unit/value_support.h"
 
 // Every function of the library at its worst, under bounds that it would exceed: of steps, of time,
 // and of memory, where the memory is what the process really takes.
@@ -98,6 +99,9 @@ const Case kCases[] = {
     {"", "t = {} for i = 1, 20000 do t['k' .. i] = i end", "return t"},
     {"", "t = {} for i = 1, 40 do t = {t, t} end", "same(t)"},
     {"", "s = ('a'):rep(2000000)", "same(s)"},
+    {"",
+     "f, s = ('I4'):rep(20000), ('x'):rep(80000) function go() nest(go, string.unpack(f, s)) end",
+     "while true do pcall(go) end"},
     {"print", "t = {} for i = 1, 40 do t = {t, t} end", "print(t)"},
     {"print", "s = ('a'):rep(2000000)", "print(s)"},
     {"io.write", "s = ('a'):rep(2000000)", "io.write(s)"},
@@ -132,6 +136,10 @@ std::unique_ptr<LuaVM> makeHost(const char* setup) {
   options.output = options.errorOutput = [](std::string_view) {};
   auto vm = std::make_unique<LuaVM>(options);
   vm->bindFunction("same", [](LuaVM&, const Arguments& arguments) { return arguments[0]; });
+  vm->bindFunction("nest", [](LuaVM& inner, const Arguments& arguments) {
+    static_cast<void>(inner.call<void>(std::get<LuaFunction>(arguments[0].data)));
+    return LuaValue();
+  });
   EXPECT_EQ("", vm->runScriptString(setup, "setup").error) << setup;
   return vm;
 }
@@ -167,7 +175,7 @@ TEST(LibraryBounds, OfMemoryHold) {
   for (const Case& c : kCases) {
     const std::unique_ptr<LuaVM> vm = makeHost(c.setup);
     LuaLimits limits;
-    limits.steps = 20'000;
+    limits.steps = internal::kSanitized ? 5'000 : 20'000;
     limits.memory = vm->usage().memory + kMore;
     const std::size_t before = refusal::startPeakBytes();
     runWithin(*vm, c.work, limits);

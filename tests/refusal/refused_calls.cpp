@@ -10,6 +10,9 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
+#include <cstdint>
+
+#include "tests/refusal/refused_memory.h"
 
 namespace tarvel::lua::refusal {
 
@@ -17,7 +20,7 @@ namespace {
 
 // Only one thread at a time makes calls here.
 Fault current;
-std::array<std::atomic<std::size_t>, 8> counts{};
+std::array<std::atomic<std::size_t>, 9> counts{};
 
 // 0, an errno, or kShort.
 int faultOf(Call call) noexcept {
@@ -38,9 +41,14 @@ bool isRefused(Call call) noexcept {
 void injectFault(const Fault& fault) noexcept {
   current = fault;
   for (auto& count : counts) count = 0;
+  const bool isMemory = fault.call == Call::Memory;
+  refuseInProcess(isMemory ? fault.number : SIZE_MAX,
+                  fault.withAllLater ? Refused::WithAllLater : Refused::Alone);
 }
 
-std::size_t callCount(Call call) noexcept { return counts[static_cast<std::size_t>(call)]; }
+std::size_t callCount(Call call) noexcept {
+  return call == Call::Memory ? countInProcess() : counts[static_cast<std::size_t>(call)].load();
+}
 
 }  // namespace tarvel::lua::refusal
 

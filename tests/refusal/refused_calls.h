@@ -10,7 +10,8 @@
 
 namespace tarvel::lua::refusal {
 
-enum class Call { None, Open, Read, Write, Close, Seek, Status, Thread };
+// Memory: as in refused_memory.h.
+enum class Call { None, Open, Read, Write, Close, Seek, Status, Thread, Memory };
 
 // Instead of an error: a read or write of one byte.
 inline constexpr int kShort = -1;

@@ -23,7 +23,8 @@ struct State {
   std::size_t bytes = 0;
 };
 
-thread_local State state;
+thread_local State threadState;
+State processState;
 std::atomic<std::size_t> hostBlocks{0};
 
 std::atomic<std::size_t> bytesInUse{0};
@@ -34,7 +35,10 @@ void countBlock(void* block) noexcept {
   if (now > peak) peak = now;
 }
 
+State& activeState() noexcept { return threadState.isActive ? threadState : processState; }
+
 bool isRefused(const void* block, std::size_t bytes) noexcept {
+  State& state = activeState();
   if (!state.isActive) return false;
   if (bytes != 0 && block == state.block && bytes == state.bytes) return true;
   const std::size_t number = state.count++;
@@ -46,7 +50,7 @@ bool isRefused(const void* block, std::size_t bytes) noexcept {
 }
 
 void* newHostBlock(std::size_t bytes) noexcept {
-  state.bytes = 0;
+  activeState().bytes = 0;
   void* const block = isRefused(nullptr, 0) ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
   if (block != nullptr) ++hostBlocks;
   countBlock(block);
@@ -67,12 +71,18 @@ void deleteHostBlock(void* block) noexcept {
 }  // namespace
 
 MemoryRefusal::MemoryRefusal(std::size_t number, Refused which) noexcept {
-  state = {true, which, number, 0, nullptr, 0};
+  threadState = {true, which, number, 0, nullptr, 0};
 }
 
-MemoryRefusal::~MemoryRefusal() { state.isActive = false; }
+MemoryRefusal::~MemoryRefusal() { threadState.isActive = false; }
 
-std::size_t MemoryRefusal::count() noexcept { return state.count; }
+std::size_t MemoryRefusal::count() noexcept { return threadState.count; }
+
+void refuseInProcess(std::size_t number, Refused which) noexcept {
+  processState = {true, which, number, 0, nullptr, 0};
+}
+
+std::size_t countInProcess() noexcept { return processState.count; }
 
 std::size_t liveHostBlocks() noexcept { return hostBlocks; }
 

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-// Refuses allocations of this thread: those of interpreters, which come from realloc and mmap, and
+// Refuses allocations of a thread: those of interpreters, which come from realloc and mmap, and
 // those of the host, which come from operator new. The linker puts the functions of
 // refused_memory.cpp in their place (tests/CMakeLists.txt).
 
@@ -21,6 +21,10 @@ class MemoryRefusal {
   // How many allocations there have been since.
   static std::size_t count() noexcept;
 };
+
+// From now on, on all threads of this process, which must not allocate at the same time.
+void refuseInProcess(std::size_t number, Refused which) noexcept;
+std::size_t countInProcess() noexcept;
 
 // What operator new has handed out and nobody has given back, on all threads.
 std::size_t liveHostBlocks() noexcept;

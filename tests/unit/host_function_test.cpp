@@ -51,35 +51,6 @@ TEST(HostFunction, FailsWithItsExceptionsText) {
   EXPECT_EQ("[false 'not enough memory']", run(vm, "return pcall(exhaust)"));
 }
 
-// What is no std::exception is none of the interpreter's business, and leaves it in order.
-TEST(HostFunction, LetsOtherExceptionsPass) {
-  LuaVM vm;
-  vm.bindFunction("raise", [](LuaVM&, const Arguments& arguments) -> LuaValue {
-    throw std::get<std::int64_t>(arguments.at(0).data);
-  });
-  vm.bindFunction("nested", [](LuaVM& caller, const Arguments&) {
-    return caller.runScriptString("local x = {} pcall(raise, 4)", "nested").value;
-  });
-  const std::pair<const char*, std::int64_t> cases[] = {
-      {"raise(1)", 1},
-      {"local t = {'kept' .. 1} pcall(pcall, raise, 2) t = nil", 2},
-      {"table.sort({3, 1, 2}, function(a, b) raise(3) end)", 3},
-      {"return {1, {nested()}}", 4},
-      {"function f(n, t) if n == 0 then raise(5) end return 1 + f(n - 1, {t}) end f(100)", 5},
-  };
-  for (const auto& [source, code] : cases) {
-    try {
-      vm.runScriptString(source, "c");
-      ADD_FAILURE() << source;
-    } catch (std::int64_t foreign) {
-      EXPECT_EQ(code, foreign) << source;
-    }
-    EXPECT_EQ("[i1 [false 'c']]",
-              run(vm, "function g() return {pcall(error, 'x') , 'c'} end return 1, g()"));
-    EXPECT_EQ("error c:1: x", run(vm, "error('x')"));
-  }
-}
-
 TEST(HostFunction, MayRunScriptsAndSetGlobals) {
   LuaVM vm;
   vm.bindFunction("eval", [](LuaVM& caller, const Arguments& arguments) {

@@ -74,6 +74,11 @@ const Way kWays[] = {
     {"table.sort({3, 1, 2}, function(a, b) host() return a < b end)"},
     {"for k, v in pairs({1, 2}) do bound(k) end"},
     {"local t = {held} held = nil t[1] = 1", false},
+    {"local t = {object, {object}} object = nil t = nil", false},
+    {"local function f(o) object = nil o = tostring(o) .. tostring({o}) end f(object)", false},
+    {"s = 'a' .. 1 local function take() local o = object object = nil return 'x' end "
+     "s = s .. take() .. s",
+     false},
     {"local f = held held = nil pcall(function() local g = f f = nil error('x') end)", false},
     {"local function deep(n, f) if n > 0 then return deep(n - 1, f) end held, f = nil end "
      "deep(50)",
@@ -111,12 +116,14 @@ class HostNesting : public ::testing::Test {
     vm_->defineClass<Thing>("Thing")
         .method("method", &Thing::method)
         .property("value", &Thing::value, &Thing::setValue);
+    vm_->defineClass<Held>("Held");
     vm_->setGlobal("thing", std::make_shared<Thing>());
   }
 
   static std::string around(const Way& way) { return kBefore + std::string(way.code) + kAfter; }
 
   void arm(LuaVM& vm, std::function<void()> deed) {
+    vm.setGlobal("object", std::make_shared<Held>());
     vm.bindFunction("held", [held = std::make_shared<Held>()](
                                 LuaVM&, const std::vector<LuaValue>&) { return LuaValue(); });
     Nest::deed = std::move(deed);
@@ -246,7 +253,10 @@ TEST_F(HostNesting, OfTheEnd) {
       arm(vm, [this] { vm_.reset(); });
       EXPECT_EQ("{{1}}", vm.runScriptString("host() return {{1}}", "inner").value.toString());
     });
-    EXPECT_EQ(kExpected, vm.runScriptString(around(way), "c").value.toString()) << way.code;
+    const std::string script = kBefore + std::string(way.code) +
+                               " bound(1) local d = string.rep('x', 3) return {a, b, c, d}";
+    EXPECT_EQ("{{1}, xy, {{3}}, xxx}", vm.runScriptString(script, "c").value.toString())
+        << way.code;
     EXPECT_EQ(nullptr, vm_);
     EXPECT_EQ(blocksBefore_, Heap::liveBlocks()) << way.code;
   }

@@ -153,38 +153,6 @@ TEST(Destructors, AndTheEndOfTheInterpreter) {
   EXPECT_EQ((std::vector<std::string>{"ran", "the interpreter has ended"}), outcomes);
 }
 
-// The run goes on to its end, with functions of the library and the host.
-TEST(InterpreterEnd, WaitsForTheRunThatDestroysItsLuaVm) {
-  const std::string scripts[] = {
-      "local t = {1} stop() t[2] = string.rep('x', 3) return {t, again('return 4')}",
-      "local t = {1} pcall(stop) t[2] = ('x'):rep(3) return {t, again('return 4')}",
-      R"(local t = {1, 'xxx'}
-         table.sort({2, 1}, function() stop() return again('return true') end)
-         return {t, again('return 4')})",
-      "local t = {1, again('stop() return \"xxx\"')} return {t, again('return 4')}",
-      "held = nil return {{1, 'xxx'}, again('return 4')}",
-  };
-  for (const std::string& script : scripts) {
-    const auto held = std::make_shared<int>(0);
-    auto vm = std::make_unique<LuaVM>();
-    const auto stop = [&vm, held](LuaVM&, const Arguments&) {
-      vm.reset();
-      return LuaValue();
-    };
-    vm->bindFunction("stop", stop);
-    vm->bindFunction("again", [](LuaVM& self, const Arguments& arguments) {
-      return self.runScriptString(arguments.at(0).toString(), "inner").value;
-    });
-    vm->bindFunction("held", [end = std::make_shared<Finally>([&vm] { vm.reset(); })](
-                                 LuaVM&, const Arguments&) { return LuaValue(); });
-    LuaVM& running = *vm;
-    const LuaResult result = running.runScriptString(script, "c");
-    EXPECT_EQ("{{1, xxx}, 4}", result.value.toString()) << result.error;
-    EXPECT_EQ(nullptr, vm);
-    EXPECT_EQ(2, held.use_count());  // this one's and `stop`'s
-  }
-}
-
 // The host destroys the last thing that refers to an interpreter: a function that holds it.
 TEST(InterpreterEnd, ComesWithTheFunctionThatHoldsTheLuaVm) {
   const char* const scripts[] = {

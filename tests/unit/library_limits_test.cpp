@@ -127,8 +127,6 @@ TEST(LibraryWork, CountsMemoryThatStandsElsewhere) {
                         "('x'):find('x' .. ('[x]?'):rep(200) .. '([' .. i .. ']*)') end return n"));
   EXPECT_LT(std::size_t{390} << 10, vm.usage().memory);
   EXPECT_GT(std::size_t{2} << 20, vm.usage().peakMemory);
-  EXPECT_EQ("error not enough memory",
-            run(vm, "t = {} for i = 1, 200 do t[i] = io.open('/dev/null') end"));
 }
 
 }  // namespace

@@ -5,20 +5,16 @@
 #include <ucontext.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
-#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/value_support.h"
@@ -92,18 +88,18 @@ TEST(Recursion, ThroughLongBlocksIsAnErrorToo) {
 
 // Nor does any other level of a tall tree. Where it ends on the stack differs from size to size.
 TEST(Recursion, ThroughTallTreesIsAnErrorToo) {
-  const std::string source = "n = 0 function f() n = n + 1 return " + repeated("1 .. (", 3500) +
-                             "f()" + repeated(")", 3500) + " end f()";
-  const std::size_t least = (kWideFrames ? 45 : 15) * kMegabyte;  // with less it is not even read
-  for (std::size_t size = least; size < least + 900 * kKilobyte; size += 90 * kKilobyte)
-    runOnStack(size, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
-}
-
-TEST(Recursion, ThroughATallTreeIsAnErrorToo) {
-  const std::string source = "function id(x) return x end function f() n = n + 1 return " +
-                             repeated("{x = {id(", 800) + "f()" + repeated(")}}", 800) + " end f()";
-  for (std::size_t size = 17; size < 25; ++size)
-    runOnStack(size * kMegabyte, [&] { recurse(source.c_str(), "error c:1: stack overflow"); });
+  const std::size_t least =
+      (kWideFrames ? 45 : 17) * kMegabyte;  // with less they are not even read
+  const std::string sources[] = {
+      repeated("1 .. (", 3500) + "f()" + repeated(")", 3500),
+      repeated("{x = {id(", 800) + "f()" + repeated(")}}", 800),
+  };
+  for (const std::string& source : sources) {
+    const std::string script =
+        "n = 0 function id(x) return x end function f() n = n + 1 return " + source + " end f()";
+    for (std::size_t size = least; size < least + 900 * kKilobyte; size += 90 * kKilobyte)
+      runOnStack(size, [&] { recurse(script.c_str(), "error c:1: stack overflow"); });
+  }
 }
 
 // A run inside a run inside a run.
@@ -406,42 +402,6 @@ TEST_F(Memory, ComparatorsThatCallNativesLeaveNothingOnTheStack) {
               : 1);
   };
   EXPECT_EXIT(sort(), ::testing::ExitedWithCode(0), "");
-}
-
-// What a script gets without a copy is refused where copying it later would take too much.
-TEST_F(Memory, WhatMayBeCopiedLaterCounts) {
-  if (kCheckedHeap) GTEST_SKIP() << kNotCounted;
-  for (const std::string call : {
-           "string.unpack, string.rep('I4', 9000000), string.rep('x', 36000000)",
-           "error, string.rep('x', 150000000)",
-       }) {
-    const std::string script =
-        "local ok, message = pcall(" + call + ") return not ok and message == 'not enough memory'";
-    EXPECT_EXIT(runWithLittleMemory(script, false), ::testing::ExitedWithCode(0), "") << call;
-  }
-}
-
-// The arguments of a host's function that calls the script again, and so on.
-[[noreturn]] void nestCallsWithManyArguments() {
-  LuaVM vm;
-  leaveLittleMemory(vm, false);
-  const std::string script =
-      "again(string.unpack(string.rep('I4', 1000000), string.rep('x', 4000000)))";
-  std::string innermost;
-  vm.bindFunction("again", [&](LuaVM& caller, const Arguments&) {
-    const std::string text = run(caller, script);
-    if (innermost.empty()) innermost = text;
-    return LuaValue();
-  });
-  run(vm, script);
-  const std::size_t peak = peakMemory();
-  std::cerr << innermost << ' ' << peak << '\n';
-  _exit(innermost == "error not enough memory" && peak < kMostPeakMemory ? 0 : 1);
-}
-
-TEST_F(Memory, ArgumentsForTheHostCount) {
-  if (kCheckedHeap) GTEST_SKIP() << kNotCounted;
-  EXPECT_EXIT(nestCallsWithManyArguments(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -344,30 +344,6 @@ TEST_F(NativeObjects, AreTheSameUserdataAsLongAsScriptsHaveThem) {
   EXPECT_EQ("i3", host.run("return again.wind"));
 }
 
-TEST_F(NativeObjects, MayUseTheInterpreterWhenTheyAreDestroyed) {
-  const char* const scripts[] = {
-      "local a, b = {1}, 'x' .. 'y' w = nil return {a, b, {4}}",
-      "local a, b = {1}, 'x' .. 'y' g = {w = w, o = {w}} w = nil g = nil return {a, b, {4}}",
-      "local a, b = {1}, 'x' .. 'y' function get() g = nil return {a, b, {4}} end g = {w = w} "
-      "w = nil return g.w.get",
-      "local a, b = {1}, 'x' .. 'y' local function f(n, o) w = nil if n == 0 then return 1 end "
-      "local r = f(n - 1, {o}) return r end f(200, w) return {a, b, {4}}",
-      "local a, b, h = {1}, 'x' .. 'y', w w = nil local o = 's' o = o .. tostring(h) .. "
-      "tostring({h}) h = nil return {a, b, {4}}",
-  };
-  for (const char* const script : scripts) {
-    Host host;
-    std::string inner;
-    auto world = std::make_shared<World>();
-    world->atEnd = [&] { inner = host.run("local a, b, c = {}, {}, {} return #{a, b, c}"); };
-    host.set("w", world);
-    world.reset();
-    EXPECT_EQ("[[i1] 'xy' [i4]]", host.run(script)) << script;
-    EXPECT_EQ("i3", inner) << script;
-    host.run("get = nil");
-  }
-}
-
 TEST_F(NativeObjects, AreGivenBackWhenTheInterpreterEnds) {
   auto world = std::make_shared<World>();
   LuaValue handle;
