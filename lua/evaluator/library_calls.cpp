@@ -73,14 +73,16 @@ struct LeafCall {
 
 // ---- One argument, which needs no slot ----------------------------------------------------------
 
-// The general form of a call whose callee and argument are known, both owned.
+// The general form of a call whose callee and argument are known, both owned, and which has been
+// counted.
+template <class Supervision>
 [[gnu::noinline]] Value callLeafInFrame(const CallExpr* call, Value* base, Value callee,
                                         Value argument) {
   Value* const frame = &slotAt(base, call->frameOffset);
   frame[0] = callee;
   frame[1] = argument;
-  return callLeaf<Unsupervised>(call->interpreter->self, nativeCodeOf(callee)->leaf, frame, 1,
-                                call->site);
+  return callLeaf<Supervision>(call->interpreter->self, nativeCodeOf(callee)->leaf, frame, 1,
+                               call->site);
 }
 
 template <class Callee>
@@ -91,13 +93,13 @@ UnaryFunction findUnary(const CallExpr* call, Value& callee) noexcept {
 }
 
 // The call where the callee has no short form.
-template <class Callee, class Results>
+template <class Supervision, class Callee, class Results>
 [[gnu::noinline]] Value callWithoutShortForm(const Node* node, Value* base) {
-  return LeafCall<Callee>::template Of<Unsupervised, 1>::template run<Results>(node, base);
+  return LeafCall<Callee>::template Of<Supervision, 1>::template run<Results>(node, base);
 }
 
 // Nothing can release callee and argument meanwhile.
-template <class Callee>
+template <class Supervision, class Callee>
 struct CallWithFrameVariable {
   template <class Results>
   [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
@@ -105,17 +107,18 @@ struct CallWithFrameVariable {
     Value callee;
     const UnaryFunction unary = findUnary<Callee>(call, callee);
     if (unary == nullptr) [[unlikely]]
-      return callWithoutShortForm<Callee, Results>(node, base);
+      return callWithoutShortForm<Supervision, Callee, Results>(node, base);
     const Value argument = slotAt(base, frameOffsetOf(*call->arguments[0]));
+    Supervision::step(call->interpreter->heap.meter(), call->site);
     const Value result = unary(*call->interpreter, argument);
     if (result.tag != kNotAnswered) [[likely]]
       return result;
-    return callLeafInFrame(call, base, retain(callee), retain(argument));
+    return callLeafInFrame<Supervision>(call, base, retain(callee), retain(argument));
   }
 };
 
 // An argument that is counted goes into a slot, where an error finds it.
-template <class Callee>
+template <class Supervision, class Callee>
 struct CallWithOneArgument {
   template <class Results>
   [[gnu::always_inline]] static inline Value run(const Node* node, Value* base) {
@@ -123,19 +126,23 @@ struct CallWithOneArgument {
     Value callee;
     const UnaryFunction unary = findUnary<Callee>(call, callee);
     if (unary == nullptr) [[unlikely]]
-      return callWithoutShortForm<Callee, Results>(node, base);
+      return callWithoutShortForm<Supervision, Callee, Results>(node, base);
     Value& calleeSlot = slotAt(base, call->frameOffset);
     calleeSlot = callee;
     ++callee.function->count;
     const Value argument = evaluateExpression(call->arguments[0], base);
-    if (!argument.isCounted()) [[likely]] {
+    if (argument.isCounted()) [[unlikely]] {
+      (&calleeSlot)[1] = argument;
+      Supervision::step(call->interpreter->heap.meter(), call->site);
+    } else {
+      Supervision::step(call->interpreter->heap.meter(), call->site);
       const Value result = unary(*call->interpreter, argument);
       if (result.tag != kNotAnswered) [[likely]] {
         clearSlot(calleeSlot);
         return result;
       }
     }
-    return callLeafInFrame(call, base, calleeSlot, argument);
+    return callLeafInFrame<Supervision>(call, base, calleeSlot, argument);
   }
 };
 
@@ -143,20 +150,24 @@ struct CallWithOneArgument {
 
 constexpr std::uint32_t kMostOfLibrary = 4;  // arguments that have a node function of their own
 
+template <class Supervision, class Callee>
+bool chooseForm(CallExpr& call, const NativeCode& code) {
+  if (code.unary == nullptr || call.arguments.size != 1)
+    return chooseByCount<Supervision, LeafCall<Callee>::template Of, kMostOfLibrary>(call);
+  if (isFrameVariable(*call.arguments[0])) {
+    chooseResults<CallWithFrameVariable<Supervision, Callee>>(call);
+  } else {
+    chooseResults<CallWithOneArgument<Supervision, Callee>>(call);
+  }
+  return true;
+}
+
 template <class Callee>
 bool chooseWithCallee(CallExpr& call) {
   const NativeCode* const code = nativeCodeOf(Callee::find(&call));
   if (code == nullptr || code->leaf == nullptr) return false;
-  if (call.interpreter->options.supervised)
-    return chooseByCount<Supervised, LeafCall<Callee>::template Of, kMostOfLibrary>(call);
-  if (code->unary == nullptr || call.arguments.size != 1)
-    return chooseByCount<Unsupervised, LeafCall<Callee>::template Of, kMostOfLibrary>(call);
-  if (isFrameVariable(*call.arguments[0])) {
-    chooseResults<CallWithFrameVariable<Callee>>(call);
-  } else {
-    chooseResults<CallWithOneArgument<Callee>>(call);
-  }
-  return true;
+  return call.interpreter->options.supervised ? chooseForm<Supervised, Callee>(call, *code)
+                                              : chooseForm<Unsupervised, Callee>(call, *code);
 }
 
 bool isGlobal(const Expr& expression) noexcept {

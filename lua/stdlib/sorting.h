@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 
@@ -20,6 +21,13 @@ namespace sorting {
 constexpr std::ptrdiff_t kShortRun = 16;
 // From here on three medians of three choose the pivot.
 constexpr std::ptrdiff_t kLongRun = 256;
+
+// An order that counts its comparisons may have another one for ranges that it counts as a whole.
+template <class Less>
+concept CountsRanges = requires(Less& less) {
+  less.countAtOnce(std::ptrdiff_t(), std::uint64_t());
+};
+constexpr std::ptrdiff_t kSortedAtOnce = 1024;  // elements; takes some ten microseconds
 
 // An element taken out of its place, which goes where the hole is in the end, also when the order
 // throws.
@@ -118,6 +126,11 @@ T* gather(T* first, T* last, Belongs belongs) {
 template <class T, class Less>
 void sortWithin(T* first, T* last, int levelsLeft, Less& less) {
   while (last - first > kShortRun) {
+    if constexpr (CountsRanges<Less>) {
+      const auto size = static_cast<std::uint64_t>(last - first);
+      if (auto* const plain = less.countAtOnce(last - first, size * std::bit_width(size) / 2))
+        return sortWithin(first, last, levelsLeft, *plain);
+    }
     if (levelsLeft-- == 0) return heapSort(first, last, less);
     std::swap(*first, *choosePivot(first, last, less));
     const T pivot = *first;
@@ -134,15 +147,31 @@ void sortWithin(T* first, T* last, int levelsLeft, Less& less) {
   insertionSort(first, last, less);
 }
 
+// Whether each element from `next` on goes before the one in front of it, or with `descends` false,
+// none does.
+template <class T, class Less>
+bool goesOn(T* next, T* last, bool descends, Less& less) {
+  if constexpr (CountsRanges<Less>) {
+    for (T* end = next; next < last; next = end) {
+      end += std::min(kSortedAtOnce, last - next);
+      auto* const plain = less.countAtOnce(end - next, static_cast<std::uint64_t>(end - next));
+      if (plain == nullptr) break;
+      if (!goesOn(next, end, descends, *plain)) return false;
+    }
+  }
+  for (; next < last; ++next) {
+    if (less(next[0], next[-1]) != descends) return false;
+  }
+  return true;
+}
+
 // Whether the range was in order, or is so now because it was in the reverse of it. Looks no
 // further than where neither can be.
 template <class T, class Less>
 bool wasOrdered(T* first, T* last, Less& less) {
   if (last - first < 2) return true;
   const bool descends = less(first[1], first[0]);
-  for (T* next = first + 2; next < last; ++next) {
-    if (less(next[0], next[-1]) != descends) return false;
-  }
+  if (!goesOn(first + 2, last, descends, less)) return false;
   if (descends) std::reverse(first, last);
   return true;
 }

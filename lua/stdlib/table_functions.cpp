@@ -35,6 +35,9 @@ void forEachKey(WorkMeter& meter, std::int64_t first, std::int64_t last, Site si
            });
 }
 
+// So many are moved as fast as a table is prepared for not moving them.
+constexpr std::int64_t kFewElements = 64;
+
 // Moves the elements behind `position` down and returns the one that stood there, owned. A run that
 // ends meanwhile leaves that one among those that have moved.
 Value takeOut(WorkMeter& meter, Table& table, std::int64_t position, std::int64_t length,
@@ -71,7 +74,13 @@ Value tableRemove(LuaVM& vm, ValueSpan args, Site site) {
   const std::int64_t position =
       isGiven(args, 1) ? requireInteger("table.remove", args, 1, site) : length;
   if (position < 1 || position > length) return Value();
-  return takeOut(LuaVM::Impl::of(vm).heap.meter(), table, position, length, site);
+  WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
+  // A supervised interpreter moves the elements, because it counts that.
+  Value first;
+  if (position == 1 && length > kFewElements && length <= table.arraySize() &&
+      !meter.isSupervised() && table.tryTakeFirst(static_cast<std::uint32_t>(length), first))
+    return first;
+  return takeOut(meter, table, position, length, site);
 }
 
 // ---- table.concat -------------------------------------------------------------------------------
@@ -90,15 +99,20 @@ char* copyBytes(std::string_view bytes, char* out) noexcept {
 }
 
 // The joined text of strings, of which there is one at least, owned; nil where another value is
-// among them.
+// among them, and for what is too much to be done at once in a supervised run.
 Value joinStrings(Heap& heap, const Value* first, const Value* last, std::string_view separator,
                   Site site) {
+  WorkMeter& meter = heap.meter();
+  const auto count = static_cast<std::size_t>(last - first);
+  if (meter.isSupervised() && count > kStepsPerPiece * kElementsPerStep) return Value();
   std::size_t length = 0;
   for (const Value* element = first; element != last; ++element) {
     if (!element->isString()) return Value();
     length += (element != first ? separator.size() : 0) + element->string->length;
     if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
   }
+  if (meter.isSupervised() && stepsForBytes(length) > kStepsPerPiece) return Value();
+  meter.spend(2 * count / kElementsPerStep + stepsForBytes(length), site);
   StringObject* const joined = createText(heap, length, site);
   char* out = copyBytes(first->string->view(), joined->data());
   for (const Value* element = first + 1; element != last; ++element) {
@@ -119,7 +133,7 @@ Value tableConcat(LuaVM& vm, ValueSpan args, Site site) {
   if (count == 0) return interpreter.makeString({});
 
   WorkMeter& meter = interpreter.heap.meter();
-  if (!meter.isSupervised() && count <= static_cast<std::int64_t>(table.arraySize())) {
+  if (count <= static_cast<std::int64_t>(table.arraySize())) {
     const Value* const first = &table.element(0);
     const Value joined = joinStrings(interpreter.heap, first, first + count, separator, site);
     if (!joined.isNil()) return joined;
@@ -180,12 +194,22 @@ class MixedOrder {
   std::string textOfB_;
 };
 
-// An order of a supervised interpreter: every comparison is a step. Of strings so are the bytes
+// An order of a supervised interpreter: comparisons are steps. Of strings so are the bytes
 // that are compared.
 template <class Order>
 class CountedOrder {
  public:
-  CountedOrder(WorkMeter& meter, Site site) : meter_(meter), site_(site) {}
+  // `isFast`: no comparison takes long by itself.
+  CountedOrder(WorkMeter& meter, bool isFast, Site site)
+      : meter_(meter), isFast_(isFast), site_(site) {}
+
+  // The order without counting for a range in which so many comparisons are made at once, which are
+  // counted now; null where they may take long.
+  Order* countAtOnce(std::ptrdiff_t size, std::uint64_t comparisons) {
+    if (!isFast_ || size > sorting::kSortedAtOnce) return nullptr;
+    meter_.spend(comparisons, site_);
+    return &order_;
+  }
 
   bool operator()(const Value& a, const Value& b) {
     meter_.step(site_);
@@ -208,6 +232,7 @@ class CountedOrder {
   static constexpr std::size_t kPiece = 16 * kBytesPerStep;
 
   WorkMeter& meter_;
+  bool isFast_;
   Site site_;
   Order order_;
 };
@@ -220,7 +245,7 @@ class SortedElements {
   SortedElements(Heap& heap, const Table& table, std::int64_t count, Site site)
       : elements_(heap, static_cast<std::size_t>(count)) {
     forEachKey(heap.meter(), 1, count, site,
-               [&](std::int64_t key) { elements_.push(retain(table.getInteger(key))); });
+               [&](std::int64_t key) { elements_.add(retain(table.getInteger(key))); });
   }
 
   Value* begin() noexcept { return elements_.begin(); }
@@ -237,11 +262,14 @@ class SortedElements {
 
 bool isNumber(const Value& value) noexcept { return value.isNumber(); }
 bool isString(const Value& value) noexcept { return value.isString(); }
+bool isShortString(const Value& value) noexcept {
+  return value.isString() && value.string->length < kBytesPerStep;
+}
 
 template <class Order>
-void sortBy(WorkMeter& meter, SortedElements& elements, Site site) {
+void sortBy(WorkMeter& meter, SortedElements& elements, bool isFast, Site site) {
   if (meter.isSupervised()) {
-    introspectiveSort(elements.begin(), elements.end(), CountedOrder<Order>(meter, site));
+    introspectiveSort(elements.begin(), elements.end(), CountedOrder<Order>(meter, isFast, site));
   } else {
     introspectiveSort(elements.begin(), elements.end(), Order());
   }
@@ -250,18 +278,20 @@ void sortBy(WorkMeter& meter, SortedElements& elements, Site site) {
 void sortInDefaultOrder(WorkMeter& meter, SortedElements& elements, Site site) {
   bool allNumbers = true;
   bool allStrings = true;
+  bool allShort = true;
   const auto count = static_cast<std::size_t>(elements.end() - elements.begin());
   inPieces(meter, count, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
     const Value* const first = elements.begin() + offset;
     allNumbers = allNumbers && std::all_of(first, first + some, isNumber);
     allStrings = allStrings && std::all_of(first, first + some, isString);
+    allShort = allShort && std::all_of(first, first + some, isShortString);
   });
   if (allNumbers) {
-    sortBy<NumberOrder>(meter, elements, site);
+    sortBy<NumberOrder>(meter, elements, true, site);
   } else if (allStrings) {
-    sortBy<StringOrder>(meter, elements, site);
+    sortBy<StringOrder>(meter, elements, allShort, site);
   } else {
-    sortBy<MixedOrder>(meter, elements, site);
+    sortBy<MixedOrder>(meter, elements, false, site);
   }
 }
 

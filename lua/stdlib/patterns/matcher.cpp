@@ -60,11 +60,32 @@ class Metered {
   }
   template <class Find>
   const char* scan(const char* next, const char* end, const Find& find) {
-    return findInPieces(meter_, next, end, site_, find);
+    const char* const soon = next + std::min(kFree, end - next);
+    const char* const found = find(next, soon);
+    return found != soon || soon == end ? found : scanFar(next, end, find);
   }
   // As scan, from `next` down to `low`.
   template <class Find>
   const char* scanBack(const char* low, const char* next, const Find& find) {
+    const char* const soon = next - std::min(kFree, next - low);
+    const char* const found = find(soon, next);
+    return found != soon || soon == low ? found : scanFarBack(low, next, find);
+  }
+  const char* findText(std::string_view subject, std::string_view text) {
+    const std::size_t found = internal::findText(meter_, subject, text, 0, site_);
+    return subject.data() + std::min(found, subject.size());
+  }
+
+ private:
+  static constexpr unsigned kMovesPerStep = 4;
+  static constexpr std::ptrdiff_t kFree = kBytesPerStep - 1;  // so few bytes are no step
+
+  template <class Find>
+  [[gnu::noinline]] const char* scanFar(const char* next, const char* end, const Find& find) {
+    return findInPieces(meter_, next, end, site_, find);
+  }
+  template <class Find>
+  [[gnu::noinline]] const char* scanFarBack(const char* low, const char* next, const Find& find) {
     constexpr auto kMost = static_cast<std::ptrdiff_t>(kBytesPerStep * kStepsPerPiece);
     for (;;) {
       const char* const pieceLow = next - std::min(kMost, next - low);
@@ -74,13 +95,6 @@ class Metered {
       next = pieceLow;
     }
   }
-  const char* findText(std::string_view subject, std::string_view text) {
-    const std::size_t found = internal::findText(meter_, subject, text, 0, site_);
-    return subject.data() + std::min(found, subject.size());
-  }
-
- private:
-  static constexpr unsigned kMovesPerStep = 4;
 
   WorkMeter& meter_;
   Site site_;
@@ -109,7 +123,8 @@ const char* findByteSoon(const char* next, const char* end, char byte) noexcept 
 }
 
 template <class Work>
-const char* endOfRun(Work& work, const Instruction& run, const char* at, const char* end) {
+[[gnu::always_inline]] inline const char* endOfRun(Work& work, const Instruction& run,
+                                                   const char* at, const char* end) {
   using Kind = Instruction::Kind;
   if (run.kind == Kind::RunUntil || run.kind == Kind::CapturedRunUntil) {
     return work.scan(at, end, [&run](const char* from, const char* to) {

@@ -96,14 +96,29 @@ const char* findTextIn(std::string_view subject, std::string_view text) noexcept
   return end;
 }
 
+namespace {
+
+// Where the whole search takes no longer than a few steps may, it is counted afterwards.
+const char* findSupervised(WorkMeter& meter, std::string_view subject, std::string_view text,
+                           Site site) {
+  constexpr std::size_t kSoonSearched = 32 * kBytesPerStep;
+  const char* const end = subject.data() + subject.size();
+  if (subject.size() > kSoonSearched)
+    return SupervisedSearch(meter, text, site).find(subject.data(), end);
+  const char* const found = findTextIn(subject, text);
+  meter.spend(stepsForBytes(static_cast<std::uint64_t>(found - subject.data())), site);
+  return found;
+}
+
+}  // namespace
+
 std::size_t findText(WorkMeter& meter, std::string_view subject, std::string_view text,
                      std::size_t from, Site site) {
   if (text.size() > subject.size() - from) return std::string_view::npos;
   if (text.empty()) return from;
-  const char* const next = subject.data() + from;
   const char* const end = subject.data() + subject.size();
   const char* const found = meter.isSupervised()
-                                ? SupervisedSearch(meter, text, site).find(next, end)
+                                ? findSupervised(meter, subject.substr(from), text, site)
                                 : findTextIn(subject.substr(from), text);
   return found == end ? std::string_view::npos : static_cast<std::size_t>(found - subject.data());
 }
