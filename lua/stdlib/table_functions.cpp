@@ -35,6 +35,9 @@ void forEachKey(WorkMeter& meter, std::int64_t first, std::int64_t last, Site si
            });
 }
 
+// So many are moved as fast as a table is prepared for not moving them.
+constexpr std::int64_t kFewElements = 64;
+
 // Moves the elements behind `position` down and returns the one that stood there, owned. A run that
 // ends meanwhile leaves that one among those that have moved.
 Value takeOut(WorkMeter& meter, Table& table, std::int64_t position, std::int64_t length,
@@ -71,7 +74,13 @@ Value tableRemove(LuaVM& vm, ValueSpan args, Site site) {
   const std::int64_t position =
       isGiven(args, 1) ? requireInteger("table.remove", args, 1, site) : length;
   if (position < 1 || position > length) return Value();
-  return takeOut(LuaVM::Impl::of(vm).heap.meter(), table, position, length, site);
+  WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
+  // A supervised interpreter moves the elements, because it counts that.
+  Value first;
+  if (position == 1 && length > kFewElements && length <= table.arraySize() &&
+      !meter.isSupervised() && table.tryTakeFirst(static_cast<std::uint32_t>(length), first))
+    return first;
+  return takeOut(meter, table, position, length, site);
 }
 
 // ---- table.concat -------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -118,7 +119,10 @@ void Table::destroy(Table* table) noexcept {
     drop(table->entries_[i].key.toValue());
     drop(table->entries_[i].value);
   }
-  if (table->array_ != nullptr) Heap::release(table->array_, table->arrayCapacity_ * sizeof(Value));
+  if (table->array_ != nullptr) {
+    const std::uint32_t gap = table->hasHeader_ ? table->header().gap : 0;
+    Heap::release(table->array_ - gap, (gap + table->arrayCapacity_) * sizeof(Value));
+  }
   if (table->entries_ != nullptr)
     Heap::release(table->entries_, entryBytes(table->entryCapacity()));
   Heap::release(table, sizeof(Table));
@@ -233,11 +237,12 @@ void Table::setBeyondArray(std::int64_t key, Value owned) {
     takeBack();
     return setInteger(key, owned);
   }
-  const std::int64_t size = arraySize_;
+  const std::int64_t size = hasHeader_ ? std::max(header().reach, arraySize_) : arraySize_;
   if (key < 1 || (key >= kFirstSparseKey && key > size + kDenseReach)) {
     setEntry(TableKey::ofInteger(key), owned);
     return;
   }
+  if (hasHeader_ && owned.isNil() && key <= header().reach) return;
   OwnedValue guard(owned);
   growArray(static_cast<std::uint32_t>(key));
   setElement(static_cast<std::uint32_t>(key - 1), guard.take());
@@ -252,10 +257,6 @@ void Table::setStringWithHint(StringObject* key, Value owned, std::uint32_t& hin
 void Table::retreatBorder(std::int64_t key) noexcept {
   if (key >= 1 && key <= static_cast<std::int64_t>(border_))
     retreatBorderTo(static_cast<std::uint32_t>(key - 1));
-}
-
-void Table::noteWalk(std::uint32_t elements) noexcept {
-  heap().meter().note(elements / kWalkedPerStep);
 }
 
 // Returns the number of the entry that holds the value, kNoEntry when a nil needed none.
@@ -316,21 +317,94 @@ void Table::forgetEntry(std::uint32_t number) noexcept {
 
 // ---- The array part -----------------------------------------------------------------------------
 
+// Also keeps what stands in front of the elements.
 void Table::reserveArray(std::uint32_t capacity) {
   if (capacity <= arrayCapacity_) return;
-  void* const block = array_ == nullptr ? heap().allocate(capacity * sizeof(Value))
-                                        : heap().reallocate(array_, arrayCapacity_ * sizeof(Value),
-                                                            capacity * sizeof(Value));
-  array_ = static_cast<Value*>(block);
+  const std::size_t gap = hasHeader_ ? header().gap : 0;
+  const std::size_t bytes = (gap + capacity) * sizeof(Value);
+  void* const block =
+      array_ == nullptr
+          ? heap().allocate(bytes)
+          : heap().reallocate(array_ - gap, (gap + arrayCapacity_) * sizeof(Value), bytes);
+  array_ = static_cast<Value*>(block) + gap;
   arrayCapacity_ = capacity;
 }
 
 void Table::growArray(std::uint32_t newSize) {
+  // Where elements are taken out as fast as others are added, the same room serves again.
+  if (newSize > arrayCapacity_ && hasHeader_ && header().gap > arrayCapacity_ / 3) slideTo(1);
   if (newSize > arrayCapacity_) reserveArray(grownCapacity(arrayCapacity_, newSize));
   const std::uint32_t oldSize = arraySize_;
   for (std::uint32_t i = oldSize; i < newSize; ++i) new (&array_[i]) Value();
   arraySize_ = newSize;
   if (integerEntries_ > 0) migrateEntries(oldSize);
+}
+
+// ---- The header of the array part ---------------------------------------------------------------
+
+// Moves the elements to where that many places are in front of them.
+void Table::slideTo(std::uint32_t gap) noexcept {
+  ArrayHeader moved = header();
+  Value* const from = array_;
+  array_ = array_ - moved.gap + gap;
+  arrayCapacity_ = arrayCapacity_ + moved.gap - gap;
+  std::memmove(static_cast<void*>(array_), from, arraySize_ * sizeof(Value));
+  moved.gap = gap;
+  new (&header()) ArrayHeader(moved);
+}
+
+// False where there is no memory for it.
+bool Table::makeHeader() noexcept {
+  if (hasHeader_) return true;
+  if (arrayCapacity_ == arraySize_) {
+    try {
+      reserveArray(arrayCapacity_ + arrayCapacity_ / 8 + 1);
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+  }
+  std::memmove(static_cast<void*>(array_ + 1), array_, arraySize_ * sizeof(Value));
+  ++array_;
+  --arrayCapacity_;
+  hasHeader_ = 1;
+  new (&header()) ArrayHeader{1, arraySize_, 0, 0};
+  return true;
+}
+
+bool Table::tryTakeFirst(std::uint32_t length, Value& out) noexcept {
+  if (length > arraySize_) return false;
+  if (length < arraySize_ && !array_[arraySize_ - 1].isNil()) return false;
+  if (!makeHeader()) return false;
+  header().reach = std::max(header().reach, arraySize_);
+  while (arraySize_ > length && array_[arraySize_ - 1].isNil()) --arraySize_;
+  if (length < arraySize_) return false;
+  const ArrayHeader moved{header().gap + 1, header().reach, 0, 0};
+  out = array_[0];
+  ++array_;
+  --arrayCapacity_;
+  --arraySize_;
+  border_ = length - 1;
+  new (&header()) ArrayHeader(moved);
+  return true;
+}
+
+// The border is about to go far back, to `index`. Counts the way that length() goes once the hole
+// is filled, and notes where that may go at once.
+void Table::prepareWalk(std::uint32_t index) noexcept {
+  WorkMeter& meter = heap().meter();
+  meter.note((border_ - index) / kWalkedPerStep);
+  if (meter.isSupervised() || index >= arraySize_ || !makeHeader()) return;
+  header().hole = index;
+  header().runEnd = std::min(border_, arraySize_);
+}
+
+void Table::advanceBorder() noexcept {
+  if (hasHeader_) {
+    const ArrayHeader known = header();
+    while (border_ <= known.hole && border_ < arraySize_ && !array_[border_].isNil()) ++border_;
+    if (border_ == known.hole + 1) border_ = std::max(border_, known.runEnd);
+  }
+  while (border_ < arraySize_ && !array_[border_].isNil()) ++border_;
 }
 
 // Moves the keys that the array has grown over from the hash part.

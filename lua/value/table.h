@@ -118,7 +118,11 @@ class Table : public Object {
   // The value of `#`: the number of leading elements that are not nil, and where the array part has
   // no nil, of the keys of the hash part that follow without a gap. Amortised constant time.
   std::int64_t length() noexcept {
-    while (border_ < arraySize_ && !array_[border_].isNil()) ++border_;
+    if (border_ < arraySize_ && !array_[border_].isNil()) {
+      ++border_;
+      if (border_ < arraySize_ && !array_[border_].isNil()) [[unlikely]]
+        advanceBorder();
+    }
     if (border_ >= arraySize_ && integerEntries_ > 0) extendBorderIntoEntries();
     return border_;
   }
@@ -131,6 +135,11 @@ class Table : public Object {
   TableKey entryKey(std::uint32_t number) const noexcept { return entries_[number].key; }
   const Value& entryValue(std::uint32_t number) const noexcept { return entries_[number].value; }
   std::uint32_t liveEntries() const noexcept { return liveEntries_; }
+
+  // Takes the element under 1 out, owned, and moves the others of the sequence down, which is
+  // `length` long and in the array part. Constant time, amortised. False, and nothing done, where
+  // other elements follow or memory for it is short.
+  bool tryTakeFirst(std::uint32_t length, Value& out) noexcept;
 
   // Gives the parts to an iterator until the next access, or until it returns them itself.
   void lendTo(IteratorState& iterator) noexcept;
@@ -149,6 +158,22 @@ class Table : public Object {
     Value value;
   };
 
+  // What a table knows of its array part once elements were taken out at the front, or a hole was
+  // made there. It stands in the last of the unused places in front of the elements.
+  struct ArrayHeader {
+    std::uint32_t gap;    // the number of these places
+    std::uint32_t reach;  // keys up to here belong to the array part, which may be shorter
+    // The elements behind the hole, up to this index, are not nil; none where it is 0.
+    std::uint32_t hole;
+    std::uint32_t runEnd;
+
+    void noteNil(std::uint32_t index) noexcept {
+      if (index > hole && index < runEnd) runEnd = index;
+    }
+  };
+  static_assert(sizeof(ArrayHeader) == sizeof(Value));
+  ArrayHeader& header() const noexcept { return reinterpret_cast<ArrayHeader*>(array_)[-1]; }
+
   bool isEntryOf(StringObject* key, std::uint32_t number) const noexcept {
     return number < entryCount_ && entries_[number].key.string == key &&
            entries_[number].key.tag() == kString;
@@ -159,7 +184,7 @@ class Table : public Object {
   Value findWithHint(StringObject* key, std::uint32_t& hint) const noexcept;
   std::uint32_t findEntry(TableKey key) const noexcept;
   void setElement(std::uint32_t index, Value owned) noexcept {
-    if (owned.isNil() && index < border_) retreatBorderTo(index);
+    if (owned.isNil()) noteNil(index);
     replaceSlot(array_[index], owned);
   }
   void setBeyondArray(std::int64_t key, Value owned);
@@ -173,12 +198,18 @@ class Table : public Object {
   void migrateEntries(std::uint32_t oldSize) noexcept;
   void extendBorderIntoEntries() noexcept;
   void retreatBorder(std::int64_t key) noexcept;
-  // Counts the way back, which length() goes when the hole is filled again.
+  void noteNil(std::uint32_t index) noexcept {
+    if (hasHeader_) header().noteNil(index);
+    if (index < border_) retreatBorderTo(index);
+  }
   void retreatBorderTo(std::uint32_t index) noexcept {
-    if (border_ - index > kWalkedPerStep) noteWalk(border_ - index);
+    if (border_ - index > kWalkedPerStep) prepareWalk(index);
     border_ = index;
   }
-  [[gnu::noinline]] void noteWalk(std::uint32_t elements) noexcept;
+  [[gnu::noinline]] void prepareWalk(std::uint32_t index) noexcept;
+  void advanceBorder() noexcept;
+  bool makeHeader() noexcept;
+  void slideTo(std::uint32_t gap) noexcept;
   void rebuildEntries(std::uint32_t capacity);
   void indexEntry(std::uint32_t number) noexcept {
     if (capacityCode_ >= kIndexedCapacity) indexLargeEntry(number);
@@ -195,7 +226,7 @@ class Table : public Object {
   // are found by looking at each.
   static constexpr std::uint32_t kIndexedCapacity = 16;
   static constexpr std::uint32_t kLent = 255;  // in place of a code for a capacity
-  static constexpr std::uint32_t kMostIntegerEntries = (std::uint32_t{1} << 24) - 1;
+  static constexpr std::uint32_t kMostIntegerEntries = (std::uint32_t{1} << 23) - 1;
 
   std::uint32_t entryCapacity() const noexcept {
     if (capacityCode_ < kIndexedCapacity) return capacityCode_;
@@ -214,7 +245,8 @@ class Table : public Object {
   std::uint32_t entryCount_ = 0;   // used entries, dead ones included
   std::uint32_t liveEntries_ = 0;  // entries whose value is not nil
   // Entries with an integer key, dead ones included; once it is kMostIntegerEntries it stays so.
-  std::uint32_t integerEntries_ : 24 = 0;
+  std::uint32_t integerEntries_ : 23 = 0;
+  std::uint32_t hasHeader_ : 1 = 0;
   std::uint32_t capacityCode_ : 8 = 0;  // of entryCapacity()
 };
 

@@ -205,15 +205,5 @@ TEST(Conversion, OfATypeThatContainsItselfEnds) {
             tree("local t = {} for i = 1, 40 do t = {kids = {t, t}} end return t").kind);
 }
 
-// The room for results is made after the function has run scripts of its own.
-TEST(Conversion, OfResultsAfterANestedRun) {
-  LuaVM vm;
-  vm.bind("many", [](LuaVM& inner) {
-    inner.runScriptString("local function f() return f() .. 'x' end f()", "inner");
-    return std::tuple(std::string("a"), std::vector<int>{1, 2}, std::string("c"), 4, 5, 6);
-  });
-  EXPECT_EQ("{a, {1, 2}, c, 4, 5, 6}", evaluate(vm, "return many()"));
-}
-
 }  // namespace
 }  // namespace tarvel::lua

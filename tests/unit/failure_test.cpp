@@ -46,21 +46,6 @@ void bindSignal(LuaVM& vm, const char* name, StopSignal::Reason reason) {
       });
 }
 
-// What a caught failure leaves behind is released before the script sees its message.
-TEST(Failure, IsKeptWhileOthersHappen) {
-  LuaVM vm;
-  const auto runInner = [&vm](void*) { vm.runScriptString("pcall(error, 'inner')", "d"); };
-  {
-    const std::shared_ptr<void> held(static_cast<void*>(nullptr), runInner);
-    vm.bindFunction("hold", [held](LuaVM&, const Arguments&) { return LuaValue(); });
-  }
-  const LuaResult result = vm.runScriptString(
-      "local ok, message = pcall(function() local h = hold hold = nil error('outer') end) "
-      "return message",
-      "c");
-  EXPECT_EQ("outer", result.value.toString());
-}
-
 // A message and whether LuaResult::error has chunk and line in front of it.
 TEST(Failure, HasAKindAMessageAndAPlace) {
   LuaVM vm;
@@ -196,22 +181,6 @@ TEST_F(Sites, AreUsedAgainAfterTheLast) {
   std::string all;
   for (internal::Site site = 0; site < 14; ++site) all += at(table, site) + " ";
   EXPECT_EQ("- h1 h2 b1 b2 b3 e1 e2 e3 f1 d1 d2 d3 - ", all);
-}
-
-TEST_F(Sites, GoWithTheirChunks) {
-  LuaVM vm;
-  const auto runMany = [&](std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-      const std::string number = std::to_string(i % 7);
-      run(vm, "keep" + number + " = function() error('x') end " + repeated("f = 1 ", 40),
-          "c" + number);
-      failureOf(vm, "x = " + repeated("(", i % 30), "broken");
-      failureOf(vm, "keep" + number + "()");
-    }
-    return vm.usage().memory;
-  };
-  const std::size_t before = runMany(100);
-  EXPECT_EQ(before, runMany(1000));
 }
 
 }  // namespace

@@ -79,7 +79,10 @@ const Way kWays[] = {
     {"s = 'a' .. 1 local function take() local o = object object = nil return 'x' end "
      "s = s .. take() .. s",
      false},
-    {"local f = held held = nil pcall(function() local g = f f = nil error('x') end)", false},
+    {"local f = held held = nil local ok, message = pcall(function() local g = f f = nil "
+     "error('x') "
+     "end) if message ~= 'x' then a = message end",
+     false},
     {"local function deep(n, f) if n > 0 then return deep(n - 1, f) end held, f = nil end "
      "deep(50)",
      false},

@@ -101,22 +101,6 @@ TEST(Destructors, MayChangeTheVariableThatTextIsAppendedTo) {
   }
 }
 
-// Such runs leave the stack as they found it.
-TEST(Destructors, MayRunScriptsAsOftenAsTheyLike) {
-  LuaVM vm;
-  int runs = 0;
-  vm.bindFunction("make", [&runs](LuaVM& self, const Arguments&) {
-    const auto held = std::make_shared<Finally>([&self, &runs] {
-      runs += self.runScriptString("local a, b, c, d, e = 1, 2, 3, 4, 5", "inner").ok ? 1 : 0;
-    });
-    self.bindFunction("held", [held](LuaVM&, const Arguments&) { return LuaValue(); });
-    return LuaValue();
-  });
-  constexpr const char* kScript = "local t = {} for i = 1, 20000 do make() held = nil end return t";
-  EXPECT_EQ("{}", vm.runScriptString(kScript, "outer").value.toString());
-  EXPECT_EQ(20000, runs);
-}
-
 // Values that reach the host in such a run go when the host's function is done with them, also if
 // the function that is destroyed was part of a public value.
 TEST(Destructors, DoNotKeepThePublicValuesOfTheirRuns) {
