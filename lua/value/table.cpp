@@ -317,15 +317,21 @@ void Table::forgetEntry(std::uint32_t number) noexcept {
 
 // ---- The array part -----------------------------------------------------------------------------
 
-// Also keeps what stands in front of the elements.
 void Table::reserveArray(std::uint32_t capacity) {
   if (capacity <= arrayCapacity_) return;
-  const std::size_t gap = hasHeader_ ? header().gap : 0;
-  const std::size_t bytes = (gap + capacity) * sizeof(Value);
-  void* const block =
-      array_ == nullptr
-          ? heap().allocate(bytes)
-          : heap().reallocate(array_ - gap, (gap + arrayCapacity_) * sizeof(Value), bytes);
+  if (hasHeader_) return reserveBehindGap(capacity);
+  void* const block = array_ == nullptr ? heap().allocate(capacity * sizeof(Value))
+                                        : heap().reallocate(array_, arrayCapacity_ * sizeof(Value),
+                                                            capacity * sizeof(Value));
+  array_ = static_cast<Value*>(block);
+  arrayCapacity_ = capacity;
+}
+
+// Also keeps what stands in front of the elements.
+[[gnu::noinline]] void Table::reserveBehindGap(std::uint32_t capacity) {
+  const std::size_t gap = header().gap;
+  void* const block = heap().reallocate(array_ - gap, (gap + arrayCapacity_) * sizeof(Value),
+                                        (gap + capacity) * sizeof(Value));
   array_ = static_cast<Value*>(block) + gap;
   arrayCapacity_ = capacity;
 }

@@ -195,6 +195,7 @@ class Table : public Object {
   void forgetEntry(std::uint32_t number) noexcept;
   void growArray(std::uint32_t newSize);
   void reserveArray(std::uint32_t capacity);
+  void reserveBehindGap(std::uint32_t capacity);
   void migrateEntries(std::uint32_t oldSize) noexcept;
   void extendBorderIntoEntries() noexcept;
   void retreatBorder(std::int64_t key) noexcept;
