@@ -37,7 +37,8 @@ class ItemStack {
  private:
   void push(const T& item) {
     // As much again as there is: what it doubles to, with what is moved there.
-    if (items_.size() == items_.capacity()) memory_.add((items_.size() + 1) * sizeof(T));
+    constexpr std::size_t kItemBytes = sizeof(T);  // NOLINT(bugprone-sizeof-expression): a pointer
+    if (items_.size() == items_.capacity()) memory_.add((items_.size() + 1) * kItemBytes);
     items_.push_back(item);
   }
 

@@ -19,19 +19,16 @@ std::string join(std::initializer_list<std::string_view> pieces) {
 }  // namespace
 
 void failRuntime(Site site, std::string_view message, FailureKind kind) {
-  if (protectedCallDepth < 1) throw RuntimeError(std::string(message), site, true, kind);
+  if (!isInProtectedCall()) throw RuntimeError(std::string(message), site, true, kind);
   throw ProtectedRuntimeError{std::string(message), site, true, kind};
 }
 
 void failRuntime(Site site, std::initializer_list<std::string_view> pieces) {
-  if (protectedCallDepth < 1) throw RuntimeError(join(pieces), site, true);
+  if (!isInProtectedCall()) throw RuntimeError(join(pieces), site, true);
   throw ProtectedRuntimeError{join(pieces), site, true, FailureKind::Script};
 }
 
-void throwError(ProtectedRuntimeError&& error) {
-  if (protectedCallDepth > 0) throw std::move(error);
-  throw RuntimeError(error.message, error.site, error.hasLocation, error.kind);
-}
+bool isInProtectedCall() noexcept { return protectedCallDepth > 0; }
 
 void failHost(Site site, const std::exception& error) {
   throw RuntimeError(std::string(exceptionText(error)), site, false, FailureKind::Host);

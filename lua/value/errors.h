@@ -94,8 +94,8 @@ struct StopSignal {
 // exception would stop for on its way.
 [[noreturn]] void failRuntime(Site site, std::initializer_list<std::string_view> pieces);
 
-// Raises it in the form that the active pcalls ask for.
-[[noreturn]] void throwError(ProtectedRuntimeError&& error);
+// Whether a pcall is active on this thread, so that errors are thrown as ProtectedRuntimeError.
+bool isInProtectedCall() noexcept;
 
 // Raises what a function of the host threw as a script error with the exception's text. The text of
 // a failed run deliberately names no line: hosts know these texts without one.

@@ -25,12 +25,14 @@ Value PendingFailure::set(ProtectedRuntimeError&& error) noexcept {
   return failedCompletion();
 }
 
-void PendingFailure::raise() {
-  if (text_.get().isString()) {
-    error_.message = text_.get().string->view();
-    text_ = OwnedValue();
-  }
-  throwError(std::move(error_));
+void PendingFailure::prepareError() {
+  if (!text_.get().isString()) return;
+  error_.message = text_.get().string->view();
+  text_ = OwnedValue();
+}
+
+void PendingFailure::raiseUnprotected() {
+  throw RuntimeError(error_.message, error_.site, error_.hasLocation, error_.kind);
 }
 
 }  // namespace tarvel::lua::internal

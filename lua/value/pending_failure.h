@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "lua/value/errors.h"
 #include "lua/value/value.h"
@@ -18,13 +19,21 @@ class PendingFailure {
   Value set(std::string message, Site site) noexcept;
   Value set(ProtectedRuntimeError&& error) noexcept;
 
-  // Throws it.
-  [[noreturn]] void raise();
+  // Throws it, in the form that the active pcalls ask for. Inline, because unwinding costs
+  // thousands of instructions for each function on the way.
+  [[noreturn, gnu::always_inline]] inline void raise() {
+    prepareError();
+    if (isInProtectedCall()) throw std::move(error_);
+    raiseUnprotected();
+  }
   // For a pcall: the text as a string, or nil, and then it is message().
   Value takeText() noexcept { return text_.take(); }
   const std::string& message() const noexcept { return error_.message; }
 
  private:
+  void prepareError();
+  [[noreturn]] void raiseUnprotected();
+
   OwnedValue text_;
   ProtectedRuntimeError error_;
 };

@@ -16,7 +16,9 @@ class ByteSet {
   }
   // From `first` to `last` in the order of the type char, which may be signed.
   void addRange(char first, char last) noexcept {
-    for (int byte = first; byte <= last; ++byte) add(static_cast<char>(byte));
+    if (first > last) return;
+    for (char byte = first; byte != last; ++byte) add(byte);
+    add(last);
   }
   void add(const ByteSet& other) noexcept {
     for (std::size_t i = 0; i < words_.size(); ++i) words_[i] |= other.words_[i];
