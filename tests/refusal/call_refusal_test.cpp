@@ -94,7 +94,7 @@ const Error kErrors[] = {
     {Call::Memory, ENOMEM},
 };
 
-constexpr std::size_t kMemoryStep = internal::kCheckedHeap ? 23 : 1;
+constexpr std::size_t kMemoryStep = internal::kCheckedHeap ? 97 : 1;
 
 struct Outcome {
   int status = 0;

@@ -295,7 +295,7 @@ const char* const kScripts[] = {
 };
 
 // So many of a larger number are tried, at even distances: long scripts repeat what they do.
-constexpr std::size_t kMostTried = 200;
+constexpr std::size_t kMostTried = internal::kSanitized ? 70 : 200;
 
 class RefusedMemory : public ::testing::Test {
  protected:
