@@ -3,6 +3,7 @@
 #if __has_include(<stdio_ext.h>)
 #include <stdio_ext.h>
 #endif
+#include <sys/resource.h>
 #include <tarvel/lua/lua_vm.h>
 #include <unistd.h>
 
@@ -213,10 +214,19 @@ bool runOnNewThread(Run& run, std::size_t stackBytes) {
   return started;
 }
 
+// What the stack may take of the address space that the process may have.
+std::size_t mostStackBytes() {
+  rlimit space{};
+  if (getrlimit(RLIMIT_AS, &space) != 0 || space.rlim_cur == RLIM_INFINITY) return kStackBytes;
+  return static_cast<std::size_t>(space.rlim_cur) / 4;
+}
+
 // A smaller stack only means that scripts can recurse less deep.
 int runWithLargeStack(Arguments arguments) {
   Run run{arguments, 1};
+  const std::size_t most = mostStackBytes();
   for (std::size_t bytes = kStackBytes; bytes >= kLeastStackBytes; bytes /= 2) {
+    if (bytes > most && bytes > kLeastStackBytes) continue;
     if (runOnNewThread(run, bytes)) return run.status;
   }
   runOnThisThread(&run);

@@ -136,7 +136,7 @@ Usage:
         if options.sanitized:
             self.skipTest("sanitizers need more address space")
         source = "function depth(n) if n == 0 then return 0 end return 1 + depth(n - 1) end print(depth(10000))"
-        for mebibytes in (200, 60):
+        for mebibytes in (200, 140, 100, 60, 40):
             space = limit(resource.RLIMIT_AS, mebibytes * MEBIBYTE)
             self.check_script(source, preexec_fn=space, stdout="10000\n")
         for call in ('read("*a")', 'read("*l")', "read(9223372036854775807)"):

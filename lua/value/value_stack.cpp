@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <new>
 
 namespace tarvel::lua::internal {
@@ -15,11 +16,13 @@ constexpr std::ptrdiff_t kLimitStep = 64;  // slots by which the soft limit rise
 
 }  // namespace
 
+// Where address space is short, as much as this takes is left for all else.
 ValueStack::ValueStack() {
   for (std::size_t bytes = kReservedBytes; bytes >= kSmallestReservation; bytes /= 2) {
-    void* const memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
+    void* const memory = mmap(nullptr, 2 * bytes, PROT_READ | PROT_WRITE,
                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (memory == MAP_FAILED) continue;
+    munmap(static_cast<std::byte*>(memory) + bytes, bytes);
     // Fresh pages are all zero, which is nil.
     base_ = static_cast<Value*>(memory);
     end_ = base_ + bytes / sizeof(Value);
