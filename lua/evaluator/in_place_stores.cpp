@@ -103,18 +103,26 @@ const Expr* targetOf(const Node* node, std::uint32_t number = 0) noexcept {
   return normalCompletion();
 }
 
+// The value to be stored, owned. False where the source is not what its form is for; any other form
+// than AnySource then has to give way to that.
+template <class Source>
+[[gnu::always_inline]] inline bool tryLoadValue(const Node* node, Value* base, Value& value) {
+  const Expr* const source = asAssignment(node)->value;
+  if constexpr (Source::kInPlace) {
+    if (!Source::tryLoad(source, base, value)) return false;
+    value = retain(value);
+  } else {
+    value = evaluateExpression(source, base);
+  }
+  return true;
+}
+
 template <bool InFrame, class Source>
 struct ElementStore {
   static Value run(const Node* node, Value* base) {
     Value value;
-    if constexpr (!Source::kInPlace) {
-      const Expr* const source = asAssignment(node)->value;
-      value = evaluateExpression(source, base);
-    } else if (!Source::tryLoad(asAssignment(node)->value, base, value)) [[unlikely]] {
+    if (!tryLoadValue<Source>(node, base, value)) [[unlikely]]
       return ElementStore<InFrame, AnySource>::run(node, base);
-    } else {
-      value = retain(value);
-    }
     const auto* const index = static_cast<const IndexExpr*>(targetOf(node));
     Table* table = nullptr;
     std::int64_t key = 0;
@@ -138,14 +146,8 @@ template <bool InFrame, class Source>
 struct FieldStore {
   static Value run(const Node* node, Value* base) {
     Value value;
-    if constexpr (!Source::kInPlace) {
-      const Expr* const source = asAssignment(node)->value;
-      value = evaluateExpression(source, base);
-    } else if (!Source::tryLoad(asAssignment(node)->value, base, value)) [[unlikely]] {
+    if (!tryLoadValue<Source>(node, base, value)) [[unlikely]]
       return FieldStore<InFrame, AnySource>::run(node, base);
-    } else {
-      value = retain(value);
-    }
     const auto* const field = static_cast<const FieldExpr*>(targetOf(node));
     Table* table = nullptr;
     if (!tryTable(field, InFrame, base, table)) [[unlikely]]
