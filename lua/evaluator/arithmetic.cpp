@@ -5,6 +5,7 @@
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
+#include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
 #include "lua/value/errors.h"
 
@@ -70,6 +71,7 @@ struct Evaluated {
   template <class Right>
   [[gnu::noinline]] static Value rightAfter(const Node* node, Value* base, Value left) {
     OwnedValue leftGuard(left);
+    const LandingBarrier barrier(node->interpreter->landing);
     const Value right = evaluateExpression(Place::operation(node)->right, base);
     return ofOwned(node, base, leftGuard.take(), right);
   }

@@ -18,7 +18,7 @@ void failNotCallable(const Value& callee, Site site) {
 void failStackOverflow(Site site) { failRuntime(site, "stack overflow", FailureKind::Stack); }
 
 Value firstOf(LuaVM::Impl& interpreter, Value completion) {
-  if (isFailed(completion)) interpreter.pendingFailure.raise();
+  if (isFailed(completion)) interpreter.raisePending();
   if (!ReturnSignal::isSeveral(completion)) return Value();
   Value* const values = completion.values;
   const Value first = values[0];

@@ -5,6 +5,7 @@
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
+#include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
 #include "lua/value/errors.h"
 #include "lua/value/number_rules.h"
@@ -132,6 +133,7 @@ struct Evaluated {
     if constexpr (std::is_same_v<Right, Constant>) {
       right = retain(comparison->constant);  // needs no base, so the common path need not keep it
     } else {
+      const LandingBarrier barrier(node->interpreter->landing);
       right = evaluateExpression(comparison->right, base);
     }
     return ofOwned(node, base, leftGuard.take(), right);
