@@ -138,6 +138,8 @@ class LuaVM::Impl {
   // Ends the node function that asked for a value where the call failed: in the innermost pcall, or
   // as an exception.
   [[noreturn]] void raisePending();
+  // Fails in a node function that has nothing to release, in the same way. As failRuntime.
+  [[noreturn]] void raiseAt(Site site, std::initializer_list<std::string_view> pieces);
   // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `site`.
   internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, Site site);
   internal::MultiValue callHandle(internal::FunctionObject* function, internal::ValueSpan arguments,

@@ -5,7 +5,6 @@
 #include "lua/evaluator/node_functions.h"
 #include "lua/evaluator/operands.h"
 #include "lua/evaluator/operators.h"
-#include "lua/lua_vm_impl.h"
 #include "lua/value/completion.h"
 #include "lua/value/errors.h"
 
@@ -60,20 +59,16 @@ struct Evaluated {
 
   // Takes over both operands.
   [[gnu::noinline]] static Value ofOwned(const Node* node, Value* base, Value left, Value right) {
-    const OwnedValue leftGuard(left);
-    const OwnedValue rightGuard(right);
     Value result;
     if (tryApply<LeftOther, RightOther>(node, base, left, right, result)) return result;
-    const Site site = Place::operation(node)->site;
-    return Place::put(node, base, evaluateArithmetic(left, Op::kToken, right, site));
+    result = evaluateArithmetic(Place::operation(node), Op::kToken, left, right);
+    return Place::put(node, base, result);
   }
 
   template <class Right>
   [[gnu::noinline]] static Value rightAfter(const Node* node, Value* base, Value left) {
-    OwnedValue leftGuard(left);
-    const LandingBarrier barrier(node->interpreter->landing);
-    const Value right = evaluateExpression(Place::operation(node)->right, base);
-    return ofOwned(node, base, leftGuard.take(), right);
+    const Value right = evaluateHolding(left, Place::operation(node)->right, base);
+    return ofOwned(node, base, left, right);
   }
 
   // The left operand is a frame variable or a literal.

@@ -96,13 +96,19 @@ void LuaVM::Impl::raisePending() {
   pendingFailure.raise();
 }
 
+void LuaVM::Impl::raiseAt(Site site, std::initializer_list<std::string_view> pieces) {
+  if (landing == nullptr) internal::failRuntime(site, pieces);
+  pendingFailure.set(internal::joinText(pieces), site);
+  landing->land();
+}
+
 // ExitSignal, StopSignal and what a host throws besides standard exceptions pass through.
 Value LuaVM::Impl::callLanding(Value* frame, std::uint32_t count, Site site) {
   const internal::ProtectedCallScope scope;
   internal::FailureLanding here(landing);
   if (_setjmp(here.point()) != 0) return internal::failedCompletion();
   try {
-    if (!frame->isFunction()) internal::failNotCallable(*frame, site);
+    if (!frame->isFunction()) internal::failNotCallable(*this, *frame, site);
     return callAnyFrame(*this, frame, count, site);
   } catch (internal::ProtectedRuntimeError& error) {
     return pendingFailure.set(std::move(error));
@@ -127,7 +133,7 @@ Value LuaVM::Impl::callProtected(Value* frame, std::uint32_t count, Site site) {
 }
 
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
-  if (!callee.isFunction()) internal::failNotCallable(callee, site);
+  if (!callee.isFunction()) internal::failNotCallable(*this, callee, site);
   return callHandle(callee.function, arguments, site);
 }
 

@@ -40,7 +40,7 @@ const char* const kEndings[] = {
     "print({1, {x = 2}}, 'a' .. 1)",
 };
 
-// pcall(f) where a call fails that was an operand, while the function holds what is made here.
+// What fails in a node function or in a call that is an operand, while something made here is held.
 const char* const kFailingOperands[] = {
     "('1' .. n) + fail()",
     "('x' .. n) < fail()",
@@ -52,6 +52,20 @@ const char* const kFailingOperands[] = {
     "('x' .. n):rep(fail())",
     "held('x' .. n, fail(), 1)",
     "#fail()",
+    "{n, n} + n",
+    "n - ('x' .. n)",
+    "n < {n, n}",
+    "('x' .. n) >= n",
+    "t.none.x",
+    "(t.none)[{n, n}]",
+    "({n, n}).x.y",
+    "('x' .. n).none.x",
+    "select_({n, n}).x.y",
+    "t.none({n, n})",
+    "t.none:m({n, n})",
+    "({n, n}):none()",
+    "(function() return n end).x",
+    "(function() return n end)[{n, n}]",
     "-fail()",
     "not fail()",
     "fail() or 'x'",
