@@ -96,31 +96,64 @@ std::size_t expectedLength(const Value& value) noexcept {
   return value.isString() ? value.string->length : kUsualNumberLength;
 }
 
-char* copyBytes(std::string_view bytes, char* out) noexcept {
-  return std::copy(bytes.begin(), bytes.end(), out);
+[[gnu::noinline]] char* copyLongText(WorkMeter& meter, std::string_view text, char* out,
+                                     Site site) {
+  inPieces(meter, text, site,
+           [&out](std::string_view piece) { out = std::copy(piece.begin(), piece.end(), out); });
+  return out;
+}
+
+template <bool isCounted>
+[[gnu::always_inline]] inline char* copyText(WorkMeter& meter, std::string_view text, char* out,
+                                             Site site) {
+  if (isCounted && text.size() >= kBytesPerStep) return copyLongText(meter, text, out, site);
+  return std::copy(text.begin(), text.end(), out);
+}
+
+// Writes the strings to `out`, which has room for them. Counted, each long one is work of its own.
+template <bool isCounted>
+char* writeJoined(WorkMeter& meter, const Value* first, const Value* last,
+                  std::string_view separator, char* out, Site site) {
+  for (const Value* element = first; element != last; ++element) {
+    out = copyText<isCounted>(meter, separator, out, site);
+    out = copyText<isCounted>(meter, element->string->view(), out, site);
+  }
+  return out;
 }
 
 // The joined text of strings, of which there is one at least, owned; nil where another value is
-// among them, and for what is too much to be done at once in a supervised run.
+// among them.
 Value joinStrings(Heap& heap, const Value* first, const Value* last, std::string_view separator,
                   Site site) {
   WorkMeter& meter = heap.meter();
   const auto count = static_cast<std::size_t>(last - first);
-  if (meter.isSupervised() && count > kStepsPerPiece * kElementsPerStep) return Value();
   std::size_t length = 0;
-  for (const Value* element = first; element != last; ++element) {
-    if (!element->isString()) return Value();
-    length += (element != first ? separator.size() : 0) + element->string->length;
-    if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
+  const Value* next = first;
+  inPieces(meter, count, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+    const Value* const end = first + offset + some;
+    for (; next != end && next->isString(); ++next) {
+      length += (next != first ? separator.size() : 0) + next->string->length;
+      if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
+    }
+  });
+  if (next != last) return Value();
+  OwnedValue joined(Value(createText(heap, length, site)));
+  char* out = joined.get().string->data();
+  const std::string_view start = first->string->view();
+  const bool isSoonDone =
+      count <= kStepsPerPiece * kElementsPerStep && stepsForBytes(length) <= kStepsPerPiece;
+  if (isSoonDone || !meter.isSupervised()) {
+    meter.spend(count / kElementsPerStep + stepsForBytes(length), site);
+    writeJoined<false>(meter, first + 1, last, separator,
+                       std::copy(start.begin(), start.end(), out), site);
+    return joined.take();
   }
-  if (meter.isSupervised() && stepsForBytes(length) > kStepsPerPiece) return Value();
-  meter.spend(2 * count / kElementsPerStep + stepsForBytes(length), site);
-  StringObject* const joined = createText(heap, length, site);
-  char* out = copyBytes(first->string->view(), joined->data());
-  for (const Value* element = first + 1; element != last; ++element) {
-    out = copyBytes(element->string->view(), copyBytes(separator, out));
-  }
-  return Value(joined);
+  out = copyText<true>(meter, start, out, site);
+  inPieces(meter, count - 1, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+    const Value* const from = first + 1 + offset;
+    out = writeJoined<true>(meter, from, from + some, separator, out, site);
+  });
+  return joined.take();
 }
 
 }  // namespace
