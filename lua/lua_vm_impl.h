@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "lua/value/errors.h"
+#include "lua/value/failure_landing.h"
 #include "lua/value/function_handle.h"
 #include "lua/value/globals.h"
 #include "lua/value/heap.h"
@@ -134,12 +135,17 @@ class LuaVM::Impl {
   // The same with any value in frame[0], for pcall: when the script fails, all that stands from
   // `frame` on is released, and the completion is a failed one.
   Value callProtected(Value* frame, std::uint32_t count, Site site);
+  // Ends the node function that asked for a value where the call failed: in the innermost pcall, or
+  // as an exception.
+  [[noreturn]] void raisePending();
+  // Fails in a node function that has nothing to release, in the same way. As failRuntime.
+  [[noreturn]] void raiseAt(Site site, std::initializer_list<std::string_view> pieces);
   // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `site`.
   internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, Site site);
   internal::MultiValue callHandle(internal::FunctionObject* function, internal::ValueSpan arguments,
                                   Site site);
   // Whether callee(first, second) gives a true first value: a comparator's call, without lists of
-  // arguments and results. All three are borrowed.
+  // arguments and results. All three are borrowed. Under a LandingBarrier of the caller's.
   bool callPredicate(const Value& callee, const Value& first, const Value& second, Site site);
   // Runs a chunk's top level as a function without parameters.
   internal::MultiValue runChunk(internal::ResolvedChunk& chunk);
@@ -170,6 +176,7 @@ class LuaVM::Impl {
   internal::StandardObjects standard;
   std::unique_ptr<internal::PatternCache> patterns;
   internal::PendingFailure pendingFailure;
+  internal::FailureLanding* landing = nullptr;  // the innermost pcall's, while nothing bars the way
   internal::RecordKeyCache records;
   // Of the host's types, by what tells these apart. They belong to the heap.
   std::unordered_map<const void*, internal::NativeClass*> hostClasses;
@@ -177,6 +184,8 @@ class LuaVM::Impl {
   std::size_t activeRuns = 0;  // of a supervised interpreter
 
  private:
+  // callProtected before the failure is settled.
+  Value callLanding(Value* frame, std::uint32_t count, Site site);
   [[noreturn]] static void failEnded();
   LuaResult tryRun(const std::string& source, const std::string& chunkName);
   LuaResult makeSuccess(internal::ValueSpan results) const;

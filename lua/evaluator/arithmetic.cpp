@@ -59,19 +59,16 @@ struct Evaluated {
 
   // Takes over both operands.
   [[gnu::noinline]] static Value ofOwned(const Node* node, Value* base, Value left, Value right) {
-    const OwnedValue leftGuard(left);
-    const OwnedValue rightGuard(right);
     Value result;
     if (tryApply<LeftOther, RightOther>(node, base, left, right, result)) return result;
-    const Site site = Place::operation(node)->site;
-    return Place::put(node, base, evaluateArithmetic(left, Op::kToken, right, site));
+    result = evaluateArithmetic(Place::operation(node), Op::kToken, left, right);
+    return Place::put(node, base, result);
   }
 
   template <class Right>
   [[gnu::noinline]] static Value rightAfter(const Node* node, Value* base, Value left) {
-    OwnedValue leftGuard(left);
-    const Value right = evaluateExpression(Place::operation(node)->right, base);
-    return ofOwned(node, base, leftGuard.take(), right);
+    const Value right = evaluateHolding(left, Place::operation(node)->right, base);
+    return ofOwned(node, base, left, right);
   }
 
   // The left operand is a frame variable or a literal.

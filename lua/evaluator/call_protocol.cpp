@@ -11,14 +11,14 @@
 
 namespace tarvel::lua::internal {
 
-void failNotCallable(const Value& callee, Site site) {
-  failRuntime(site, {"attempt to call a ", describeValueType(callee), " value"});
+void failNotCallable(LuaVM::Impl& interpreter, const Value& callee, Site site) {
+  interpreter.raiseAt(site, {"attempt to call a ", describeValueType(callee), " value"});
 }
 
 void failStackOverflow(Site site) { failRuntime(site, "stack overflow", FailureKind::Stack); }
 
 Value firstOf(LuaVM::Impl& interpreter, Value completion) {
-  if (isFailed(completion)) interpreter.pendingFailure.raise();
+  if (isFailed(completion)) interpreter.raisePending();
   if (!ReturnSignal::isSeveral(completion)) return Value();
   Value* const values = completion.values;
   const Value first = values[0];
@@ -119,7 +119,7 @@ template <class Supervision>
 [[gnu::noinline]] Value callAny(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
                                 Site site) {
   const Value callee = frame[0];
-  if (callee.tag != kFunction) failNotCallable(callee, site);
+  if (callee.tag != kFunction) failNotCallable(interpreter, callee, site);
   const FunctionExpr* const body = callee.function->body;
   if (body == nullptr) {
     const NativeCode* const code = nativeCodeOf(callee.function);

@@ -60,7 +60,7 @@ std::uint32_t evaluateExpressionList(const ArenaList<Expr*>& expressions, Value*
   } else if (ReturnSignal::isSeveral(result)) {
     count += ReturnSignal::count(result);  // they stand where the call's frame started: here
   } else if (isFailed(result)) {
-    last->interpreter->pendingFailure.raise();
+    last->interpreter->raisePending();
   }
   return count;
 }

@@ -77,37 +77,55 @@ Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count
 }
 
 MultiValue callFromNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
+  const internal::LandingBarrier barrier(interpreter.landing);
   return takeResults(interpreter, callAnyFrame(interpreter, frame, count, site));
 }
 
 }  // namespace
 
 Value LuaVM::Impl::callFrame(Value* frame, std::uint32_t count, Site site) {
+  const internal::LandingBarrier barrier(landing);
   const Value completion = callAnyFrame(*this, frame, count, site);
   if (isFailed(completion)) [[unlikely]]
     pendingFailure.raise();
   return completion;
 }
 
+void LuaVM::Impl::raisePending() {
+  if (landing != nullptr) landing->land();
+  pendingFailure.raise();
+}
+
+void LuaVM::Impl::raiseAt(Site site, std::initializer_list<std::string_view> pieces) {
+  if (landing == nullptr) internal::failRuntime(site, pieces);
+  pendingFailure.set(internal::joinText(pieces), site);
+  landing->land();
+}
+
 // ExitSignal, StopSignal and what a host throws besides standard exceptions pass through.
-Value LuaVM::Impl::callProtected(Value* frame, std::uint32_t count, Site site) {
-  const internal::ValueStack::Mark mark = stack.markAt(frame);
-  internal::PendingFailure taken;
+Value LuaVM::Impl::callLanding(Value* frame, std::uint32_t count, Site site) {
+  const internal::ProtectedCallScope scope;
+  internal::FailureLanding here(landing);
+  if (_setjmp(here.point()) != 0) return internal::failedCompletion();
   try {
-    const internal::ProtectedCallScope scope;
-    if (!frame->isFunction()) internal::failNotCallable(*frame, site);
-    const Value completion = callAnyFrame(*this, frame, count, site);
-    if (!isFailed(completion)) return completion;
-    taken = std::move(pendingFailure);
+    if (!frame->isFunction()) internal::failNotCallable(*this, *frame, site);
+    return callAnyFrame(*this, frame, count, site);
   } catch (internal::ProtectedRuntimeError& error) {
-    taken.set(std::move(error));
+    return pendingFailure.set(std::move(error));
   } catch (const std::bad_alloc&) {
     // There may be no memory for a message either.
-    taken.set(standard.outOfMemoryText, site);
+    return pendingFailure.set(standard.outOfMemoryText, site);
   } catch (const std::exception& error) {
-    taken.set(std::string(internal::exceptionText(error)), site);
+    return pendingFailure.set(std::string(internal::exceptionText(error)), site);
   }
+}
+
+Value LuaVM::Impl::callProtected(Value* frame, std::uint32_t count, Site site) {
+  const internal::ValueStack::Mark mark = stack.markAt(frame);
+  const Value completion = callLanding(frame, count, site);
+  if (!isFailed(completion)) return completion;
   // The error goes no further. What is released may run scripts that fail.
+  internal::PendingFailure taken = std::move(pendingFailure);
   trace.clear();
   stack.unwindTo(mark);
   pendingFailure = std::move(taken);
@@ -115,7 +133,7 @@ Value LuaVM::Impl::callProtected(Value* frame, std::uint32_t count, Site site) {
 }
 
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
-  if (!callee.isFunction()) internal::failNotCallable(callee, site);
+  if (!callee.isFunction()) internal::failNotCallable(*this, callee, site);
   return callHandle(callee.function, arguments, site);
 }
 

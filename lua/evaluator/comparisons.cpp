@@ -49,7 +49,7 @@ struct GreaterEqual {
 };
 
 // Each rule: what two values of common kinds give (`tryFast`, only where no owned operand needs
-// release), and what any two give (`decide`).
+// release), whether two have an answer (`applies`), and what two such give (`decide`).
 template <class Order>
 struct OrderRule {
   template <bool LeftOwned, bool RightOwned>
@@ -74,9 +74,8 @@ struct OrderRule {
     out = Order::decide(a, b);
     return true;
   }
-  static bool decide(const Node* node, const Value& left, const Value& right) {
-    return compareValues(left, right, Order::kToken, node->site);
-  }
+  static bool applies(Value left, Value right) noexcept { return areOrdered(left, right); }
+  static bool decide(Value left, Value right) { return compareValues(left, right, Order::kToken); }
 };
 
 template <bool WhenEqual>
@@ -101,7 +100,8 @@ struct EqualityRule {
     out = numbersEqual(left, right) == WhenEqual;
     return true;
   }
-  static bool decide(const Node*, const Value& left, const Value& right) noexcept {
+  static bool applies(Value, Value) noexcept { return true; }
+  static bool decide(Value left, Value right) noexcept {
     return valuesEqual(left, right) == WhenEqual;
   }
 };
@@ -119,22 +119,24 @@ struct Evaluated {
 
   // Takes over both operands.
   [[gnu::noinline]] static bool ofOwned(const Node* comparison, Value*, Value left, Value right) {
-    const OwnedValue leftGuard(left);
-    const OwnedValue rightGuard(right);
-    return Rule::decide(comparison, left, right);
+    const bool applies = Rule::applies(left, right);
+    const bool result = applies && Rule::decide(left, right);
+    drop(left);
+    drop(right);
+    if (!applies) failComparison(comparison);
+    return result;
   }
 
   template <class Right>
   [[gnu::noinline]] static bool rightAfter(const Node* node, Value* base, Value left) {
-    OwnedValue leftGuard(left);
     const auto* const comparison = static_cast<const BinaryExpr*>(node);
     Value right;
     if constexpr (std::is_same_v<Right, Constant>) {
       right = retain(comparison->constant);  // needs no base, so the common path need not keep it
     } else {
-      right = evaluateExpression(comparison->right, base);
+      right = evaluateHolding(left, comparison->right, base);
     }
-    return ofOwned(node, base, leftGuard.take(), right);
+    return ofOwned(node, base, left, right);
   }
 
   // The left operand is a frame variable or a literal.
@@ -148,8 +150,10 @@ struct Evaluated {
     Value left;
     Value right;
     bool result = false;
-    if (tryOperand(comparison->left, base, left) && tryOperand(comparison->right, base, right))
-      return Rule::decide(node, left, right);
+    if (tryOperand(comparison->left, base, left) && tryOperand(comparison->right, base, right)) {
+      if (!Rule::applies(left, right)) failComparison(node);
+      return Rule::decide(left, right);
+    }
     return withEvaluated<Evaluated, LeftOther, RightOther>(comparison, comparison, base, left,
                                                            right, result);
   }

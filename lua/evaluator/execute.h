@@ -24,6 +24,9 @@ inline Value evaluateExpressionMulti(const CallExpr* call, Value* base) {
   return call->executeMulti(call, base);
 }
 
+// Evaluates an expression while the caller holds a value, which is released should that fail.
+Value evaluateHolding(Value held, const Expr* expression, Value* base);
+
 inline bool evaluateCondition(const Expr* condition, Value* base) {
   return condition->test(condition, base);
 }
@@ -47,7 +50,7 @@ Value callBehindFrame(const Node* node, Value* base, Value function,
                       std::initializer_list<Value> arguments);
 
 // In call_protocol.cpp.
-[[noreturn]] void failNotCallable(const Value& callee, Site site);
+[[noreturn]] void failNotCallable(LuaVM::Impl& interpreter, const Value& callee, Site site);
 [[noreturn]] void failStackOverflow(Site site);
 
 }  // namespace tarvel::lua::internal

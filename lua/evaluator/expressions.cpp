@@ -186,6 +186,14 @@ Value makeScriptFunction(const Node* node, Value* base) {
   return lengthOf(operand.get(), length->site);
 }
 
+Value evaluateHolding(Value held, const Expr* expression, Value* base) {
+  OwnedValue guard(held);
+  const LandingBarrier barrier(expression->interpreter->landing);
+  const Value value = evaluateExpression(expression, base);
+  guard.take();
+  return value;
+}
+
 bool testValue(const Node* node, Value* base) {
   const Value value = node->execute(node, base);
   const bool truth = value.isTruthy();

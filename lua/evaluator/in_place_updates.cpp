@@ -40,9 +40,7 @@ const BinaryExpr* operationOf(const Node* node) noexcept {
 // By the operator's rule. Takes over the right operand; the left one is a number.
 template <class Op>
 [[gnu::noinline]] Value updateByRule(const Node* node, Value* base, Value left, Value right) {
-  const OwnedValue rightGuard(right);
-  const Value result = evaluateArithmetic(left, Op::kToken, right, operationOf(node)->site);
-  return storeInTarget(node, base, result);
+  return storeInTarget(node, base, evaluateArithmetic(operationOf(node), Op::kToken, left, right));
 }
 
 template <class Op, class Target>

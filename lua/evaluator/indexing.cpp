@@ -29,9 +29,19 @@ Value stringMethod(LuaVM::Impl& interpreter, const Value& key, Site site) {
   failRuntime(site, "string indexing only supports library methods");
 }
 
-// For what is no table, string or native object.
-[[noreturn]] void failIndex(const Value& object, Site site) {
-  failRuntime(site, {"attempt to index a ", describeValueType(object), " value"});
+constexpr std::string_view kNilIndex = "attempt to index a nil value";
+
+// For what is no table, string or native object. Nil, which scripts index by mistake, needs no
+// exception: who has something to release for the object or the key has looked for it before.
+[[noreturn]] void failIndex(const Node* node, const Value& object) {
+  if (object.isNil()) node->interpreter->raiseAt(node->site, {kNilIndex});
+  failRuntime(node->site, {"attempt to index a ", describeValueType(object), " value"});
+}
+
+// Takes over the key.
+[[noreturn, gnu::noinline]] void failIndexOfNil(const Node* node, Value key) {
+  drop(key);
+  node->interpreter->raiseAt(node->site, {kNilIndex});
 }
 
 }  // namespace
@@ -52,7 +62,7 @@ Value indexValue(const Node* node, const Value& object, const Value& key, Value*
       return readNativeField(node, *object.native, key.string, hint, base);
     }
     default:
-      failIndex(object, node->site);
+      failIndex(node, object);
   }
 }
 
@@ -70,9 +80,10 @@ namespace {
 // Of any object: borrowed, not peeked, or owned and taken over.
 template <bool ObjectOwned>
 [[gnu::noinline]] Value readFieldOfOther(const FieldExpr* node, Value object, Value* base) {
-  if (!ObjectOwned && isPeeked(object))
+  if (!ObjectOwned && isPeeked(object) && !object.isNil())
     return indexField(node, object, node->name, node->hint, base);
   if (!isPeeked(object)) object = evaluatePath(node->object, base);
+  if (object.isNil()) failIndexOfNil(node, Value());
   const OwnedValue guard(object);
   return indexField(node, object, node->name, node->hint, base);
 }
@@ -143,6 +154,7 @@ Value arrayElement(Value object, Value key) noexcept {
 
 // Takes over both operands.
 Value readIndexOfKept(const IndexExpr* node, Value& objectSlot, Value key, Value* base) {
+  if (objectSlot.isNil()) failIndexOfNil(node, key);
   const OwnedValue guard(key);
   const Value result = indexValue(node, objectSlot, key, base);
   clearSlot(objectSlot);
@@ -176,6 +188,7 @@ template <class Key>
 [[gnu::noinline]] Value readIndexOfOther(const IndexExpr* node, Value object, Value key,
                                          Value* base) {
   if (!isPeeked(key)) return readIndexOfPath(node, base);
+  if (object.isNil()) failIndexOfNil(node, Key::kOwned ? key : Value());
   const OwnedValue guard(Key::kOwned ? key : Value());
   TableKey tableKey;
   if (object.tag == kTable && tryMakeKeyFromValue(key, tableKey)) [[likely]]

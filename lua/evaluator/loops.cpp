@@ -87,6 +87,7 @@ struct Range {
 };
 
 [[gnu::noinline]] Range evaluateRange(const NumericForStmt* loop, Value* base) {
+  const LandingBarrier barrier(loop->interpreter->landing);
   const OwnedValue start(evaluateExpression(loop->start, base));
   const OwnedValue limit(evaluateExpression(loop->limit, base));
   const OwnedValue step(loop->step != nullptr ? evaluateExpression(loop->step, base)

@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 
+#include "lua/lua_vm_impl.h"
 #include "lua/value/errors.h"
 #include "lua/value/table.h"
 
@@ -101,18 +102,30 @@ bool valuesEqual(const Value& left, const Value& right) noexcept {
   return left.isNumber() && right.isNumber() && numbersEqual(left, right);
 }
 
-bool compareValues(const Value& left, const Value& right, TokenKind op, Site site) {
-  if (left.isInteger() && right.isInteger()) return ordered(op, left.integer, right.integer);
-  if (left.isNumber() && right.isNumber()) return ordered(op, left.asFloat(), right.asFloat());
-  if (left.isString() && right.isString())
-    return ordered(op, compareStrings(left.string, right.string), 0);
-  failRuntime(site, "ordered comparisons require matching numbers or strings");
+bool areOrdered(const Value& left, const Value& right) noexcept {
+  return (left.isNumber() && right.isNumber()) || (left.isString() && right.isString());
 }
 
-Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, Site site) {
-  if (!left.isNumber() || !right.isNumber()) {
-    failRuntime(site, {"operator '", operatorText(op), "' expects numbers"});
-  }
+void failComparison(const Node* node) {
+  node->interpreter->raiseAt(node->site,
+                             {"ordered comparisons require matching numbers or strings"});
+}
+
+bool compareValues(const Value& left, const Value& right, TokenKind op) {
+  if (left.isInteger() && right.isInteger()) return ordered(op, left.integer, right.integer);
+  if (left.isNumber() && right.isNumber()) return ordered(op, left.asFloat(), right.asFloat());
+  return ordered(op, compareStrings(left.string, right.string), 0);
+}
+
+void failArithmetic(const BinaryExpr* operation, Value left, Value right) {
+  drop(left);
+  drop(right);
+  operation->interpreter->raiseAt(operation->site,
+                                  {"operator '", operatorText(operation->op), "' expects numbers"});
+}
+
+Value evaluateArithmetic(const BinaryExpr* operation, TokenKind op, Value left, Value right) {
+  if (!left.isNumber() || !right.isNumber()) failArithmetic(operation, left, right);
   switch (op) {
     case TokenKind::Plus:
       return addNumbers(left, right);
@@ -123,10 +136,12 @@ Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, Si
     case TokenKind::Slash:
       // Deliberate: a divisor within the epsilon counts as zero, as it compares equal to the
       // integer 0.
-      if (isZeroDivisor(right.asFloat())) failRuntime(site, "division by zero");
+      if (isZeroDivisor(right.asFloat()))
+        operation->interpreter->raiseAt(operation->site, {"division by zero"});
       return divideNumbers(left, right);
     case TokenKind::Percent:
-      if (isZeroDivisor(right.asFloat())) failRuntime(site, "modulo by zero");
+      if (isZeroDivisor(right.asFloat()))
+        operation->interpreter->raiseAt(operation->site, {"modulo by zero"});
       return moduloNumbers(left, right);
     default:
       unreachable("not an arithmetic operator");

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "lua/frontend/syntax_tree.h"
 #include "lua/frontend/token.h"
 #include "lua/value/number_rules.h"
 #include "lua/value/string_object.h"
@@ -41,12 +42,16 @@ inline bool numbersEqual(const Value& left, const Value& right) noexcept {
 
 bool valuesEqual(const Value& left, const Value& right) noexcept;
 
-// An ordering operator on two numbers or two strings. Any other pair raises "ordered comparisons
-// require matching numbers or strings" at `site`.
-bool compareValues(const Value& left, const Value& right, TokenKind op, Site site);
+// Whether these are two numbers or two strings.
+bool areOrdered(const Value& left, const Value& right) noexcept;
+// An ordering operator on two such values.
+bool compareValues(const Value& left, const Value& right, TokenKind op);
+// The error for any other two.
+[[noreturn]] void failComparison(const Node* node);
 
-// An arithmetic operator on any two values, with its checks and errors.
-Value evaluateArithmetic(const Value& left, TokenKind op, const Value& right, Site site);
+// The arithmetic operator `op`, which is the operation's, on any two values, which it takes over,
+// with its checks and errors.
+Value evaluateArithmetic(const BinaryExpr* operation, TokenKind op, Value left, Value right);
 
 // Unary minus. The most negative integer saturates to the largest.
 Value negateValue(const Value& operand, Site site);

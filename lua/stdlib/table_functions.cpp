@@ -327,7 +327,8 @@ Value tableSort(LuaVM::Impl& interpreter, Value* frame, std::uint32_t argumentCo
 
   WorkMeter& meter = interpreter.heap.meter();
   if (!hasComparator && sortInPlace(meter, table, count)) return ReturnSignal::noValues();
-  // A comparator may change the table and drop what it holds.
+  // A comparator may change the table and drop what it holds. When it fails, the copy has to go.
+  const LandingBarrier barrier(interpreter.landing);
   SortedElements elements(interpreter.heap, table, count, site);
   if (hasComparator) {
     introspectiveSort(elements.begin(), elements.end(), [&](const Value& a, const Value& b) {

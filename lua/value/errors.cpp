@@ -10,13 +10,13 @@ namespace {
 // Per thread, so that interpreters on two threads do not disturb each other's choice of error type.
 thread_local std::int32_t protectedCallDepth = 0;
 
-std::string join(std::initializer_list<std::string_view> pieces) {
+}  // namespace
+
+std::string joinText(std::initializer_list<std::string_view> pieces) {
   std::string text;
   for (const std::string_view piece : pieces) text.append(piece);
   return text;
 }
-
-}  // namespace
 
 void failRuntime(Site site, std::string_view message, FailureKind kind) {
   if (!isInProtectedCall()) throw RuntimeError(std::string(message), site, true, kind);
@@ -24,8 +24,8 @@ void failRuntime(Site site, std::string_view message, FailureKind kind) {
 }
 
 void failRuntime(Site site, std::initializer_list<std::string_view> pieces) {
-  if (!isInProtectedCall()) throw RuntimeError(join(pieces), site, true);
-  throw ProtectedRuntimeError{join(pieces), site, true, FailureKind::Script};
+  if (!isInProtectedCall()) throw RuntimeError(joinText(pieces), site, true);
+  throw ProtectedRuntimeError{joinText(pieces), site, true, FailureKind::Script};
 }
 
 bool isInProtectedCall() noexcept { return protectedCallDepth > 0; }

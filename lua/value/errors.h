@@ -94,6 +94,8 @@ struct StopSignal {
 // exception would stop for on its way.
 [[noreturn]] void failRuntime(Site site, std::initializer_list<std::string_view> pieces);
 
+std::string joinText(std::initializer_list<std::string_view> pieces);
+
 // Whether a pcall is active on this thread, so that errors are thrown as ProtectedRuntimeError.
 bool isInProtectedCall() noexcept;
 

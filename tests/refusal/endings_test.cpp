@@ -40,6 +40,54 @@ const char* const kEndings[] = {
     "print({1, {x = 2}}, 'a' .. 1)",
 };
 
+// What fails in a node function or in a call that is an operand, while something made here is held.
+const char* const kFailingOperands[] = {
+    "('1' .. n) + fail()",
+    "('x' .. n) < fail()",
+    "({} == fail())",
+    "('x' .. n) .. fail() .. 'y'",
+    "{('x' .. n), x = fail()}",
+    "({[n] = 'x' .. n})[fail()]",
+    "type('x' .. n, fail())",
+    "('x' .. n):rep(fail())",
+    "held('x' .. n, fail(), 1)",
+    "#fail()",
+    "{n, n} + n",
+    "n - ('x' .. n)",
+    "n < {n, n}",
+    "('x' .. n) >= n",
+    "t.none.x",
+    "(t.none)[{n, n}]",
+    "({n, n}).x.y",
+    "('x' .. n).none.x",
+    "select_({n, n}).x.y",
+    "t.none({n, n})",
+    "t.none:m({n, n})",
+    "({n, n}):none()",
+    "(function() return n end).x",
+    "(function() return n end)[{n, n}]",
+    "-fail()",
+    "not fail()",
+    "fail() or 'x'",
+    "pcall(fail, 'x' .. n) and fail()",
+    "select_(pcall(function() return {'x' .. n} == fail() end)) + fail()",
+    "call(function() return fail() + 1 end)",
+};
+
+std::string failingOperands() {
+  std::string script =
+      "local n = 1 local function fail() error('reason ' .. n) end "
+      "local function held(a, b, c) return a end local function select_(a, b) return 1 end "
+      "local t = {} ";
+  for (const std::string operand : kFailingOperands) {
+    script += "pcall(function() return " + operand + " end) pcall(function() t[{}] = " + operand +
+              " end) pcall(function() local a, b = {}, " + operand + " t[a], t[b] = b, a end) ";
+  }
+  return script +
+         "pcall(function() for i = {n, n, n, n, n, n, n, n}, fail() do end end) "
+         "pcall(table.sort, {6, 5, 4, 3, 2, 1}, function(a, b) return fail() < 1 end) ";
+}
+
 TEST(Endings, LeaveNothingHoweverMany) {
   LuaOptions options;
   options.supervised = true;
@@ -55,6 +103,9 @@ TEST(Endings, LeaveNothingHoweverMany) {
     throw ForeignException();
   });
   vm.bind("call", [](LuaVM& inner, const LuaFunction& f) { return inner.call<int>(f).value(); });
+  LuaVM operands;
+  operands.bind("call", [&](const LuaFunction& f) { return operands.call<int>(f).value(); });
+  const std::string failing = failingOperands();
   const auto runAll = [&](int rounds) {
     for (int i = 0; i < rounds; ++i) {
       for (const char* const source : kEndings) {
@@ -64,15 +115,20 @@ TEST(Endings, LeaveNothingHoweverMany) {
         } catch (const ForeignException&) {
         }
       }
+      if (i % 10 == 0) {
+        EXPECT_TRUE(operands.runScriptString(failing, "c").ok);
+      }
     }
     vm.runScriptString("t, f = nil", "c");
   };
   runAll(50);  // caches are full
   const std::size_t memory = vm.usage().memory;
+  const std::size_t memoryOfOperands = operands.usage().memory;
   const std::size_t objects = internal::Heap::liveBlocks();
   const std::size_t hostBlocks = refusal::liveHostBlocks();
   runAll(internal::kCheckedHeap ? 250 : 10'000);
   EXPECT_EQ(memory, vm.usage().memory);
+  EXPECT_EQ(memoryOfOperands, operands.usage().memory);
   EXPECT_EQ(objects, internal::Heap::liveBlocks());
   EXPECT_EQ(hostBlocks, refusal::liveHostBlocks());
 }
