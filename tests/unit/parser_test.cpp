@@ -20,7 +20,7 @@ using namespace std::string_literals;
 TEST(LexerTest, FindsTheLongestTokens) {
   const std::pair<std::string, std::string> cases[] = {
       {"return 1 === 1", "error c:1:12: expected expression"},
-      {"x = 1--b\n...", "error c:2:1: expected function call"},
+      {"x = 1--b\n...", "error c:2:3: expected expression"},
       {"End, ends, _end, nd1 = 1, 2, 3, 4 return End, ends, _end, nd1", "[i1 i2 i3 i4]"},
       // What cannot go on a number starts the next token.
       {"return 1.5.3", "error c:1:12: expected field name after '.'"},

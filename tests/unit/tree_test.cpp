@@ -107,7 +107,7 @@ class TreeNames {
     if (expression.kind == ExprKind::Literal) return;
     if (expression.kind == ExprKind::Variable) return addHome(as<VariableExpr>(expression).home);
     word(name);
-    addParts(expression);
+    addParts(expression, name);
   }
   void addHome(VariableHome home) {
     // In the order of VariableHome.
@@ -115,13 +115,21 @@ class TreeNames {
     if (home != VariableHome{}) word(homes[static_cast<std::size_t>(home)]);
   }
 
-  void addParts(const Expr& expression) {
+  // The name of an operator's function ends in the policies of the operands (operands.h), all but
+  // those of `and` and `or`; only the policy Other executes the operand.
+  void addOperands(const BinaryExpr& binary, const std::string& name) {
+    std::smatch policies;
+    const bool hasPolicies = std::regex_search(name, policies, std::regex(R"(<(\w+), (\w+)>$)"));
+    if (!hasPolicies || policies[1] == "Other") add(*binary.left);
+    if (!hasPolicies || policies[2] == "Other") add(*binary.right);
+  }
+
+  void addParts(const Expr& expression, const std::string& name) {
     switch (expression.kind) {
       case ExprKind::Unary:
         return add(*as<UnaryExpr>(expression).operand);
       case ExprKind::Binary:
-        add(*as<BinaryExpr>(expression).left);
-        return add(*as<BinaryExpr>(expression).right);
+        return addOperands(as<BinaryExpr>(expression), name);
       case ExprKind::Concat:
         return add(as<ConcatExpr>(expression).operands);
       case ExprKind::Field:
@@ -145,8 +153,11 @@ class TreeNames {
   // parts that are executed.
   void addAssignment(const AssignmentStmt& statement, const std::string& name) {
     const bool isFused = name.starts_with("Arithmetic") || name.starts_with("appendTo");
-    isFused ? addParts(*statement.value) : add(statement.values);
-    for (const AssignTarget& target : statement.targets) addParts(*target.expression);
+    isFused ? addParts(*statement.value, name) : add(statement.values);
+    for (const AssignTarget& target : statement.targets) {
+      const bool isVariable = target.expression->kind == ExprKind::Variable;
+      isVariable ? add(*target.expression) : addParts(*target.expression, name);
+    }
   }
 
   // The node of each branch is a part of the one before.
@@ -156,7 +167,8 @@ class TreeNames {
       const std::string name = nameOf(test->execute);
       word(name);
       // A comparison decides itself.
-      name.starts_with("Comparison") ? addParts(*test->condition) : addCondition(*test->condition);
+      name.starts_with("Comparison") ? addParts(*test->condition, name)
+                                     : addCondition(*test->condition);
       add(*branch.body);
       test = static_cast<const IfStmt*>(test->otherwiseNode);
     }
@@ -198,75 +210,69 @@ TEST(TreeTest, ChoosesFunctionsByTheShapesOfOperands) {
     const char* names;  // of the last statement
   } cases[] = {
       // Arithmetic, fused into the assignment to a variable that only holds scalars.
-      {"n = n + m", "(Arithmetic<Add, IntoLocal> Frame Frame n)"},
-      {"n = -1 % n", "(Arithmetic<Modulo, IntoLocal> Constant Frame n)"},
-      {"n = n - t.x", "(Arithmetic<Subtract, IntoLocal> Frame Field n)"},
-      {"n = n * n + m * m", "(Arithmetic<Add, IntoLocal> Product Product n)"},
-      {"n = t[n][m - 2] + t[m + 1]", "(Arithmetic<Add, IntoLocal> ElementOfElement Element n)"},
-      {"n = t[n].x * t.x[m]", "(Arithmetic<Multiply, IntoLocal> Leaf Leaf n)"},
-      {"n = g - t[n]", "(Arithmetic<Subtract, IntoLocal> Leaf Leaf n)"},
-      {"n = 1 / 2", "(Arithmetic<Divide, IntoLocal> 1 Constant n)"},
-      {"n = g.x * 2", "(Arithmetic<Multiply, IntoLocal> Leaf Constant n)"},
-      {"s = n + 1", "(storeLocal (Arithmetic<Add> Frame Constant) s)"},
+      {"n = n + m", "Arithmetic<Add, IntoLocal><Frame, Frame>"},
+      {"n = -1 % n", "Arithmetic<Modulo, IntoLocal><Constant, Frame>"},
+      {"n = n - t.x", "Arithmetic<Subtract, IntoLocal><Frame, Field>"},
+      {"n = n * n + m * m", "Arithmetic<Add, IntoLocal><Product, Product>"},
+      {"n = t[n][m - 2] + t[m + 1]", "Arithmetic<Add, IntoLocal><ElementOfElement, Element>"},
+      {"n = t[n].x * t.x[m]", "Arithmetic<Multiply, IntoLocal><Leaf, Leaf>"},
+      {"n = g - t[n]", "Arithmetic<Subtract, IntoLocal><Leaf, Leaf>"},
+      {"n = 1 / 2", "Arithmetic<Divide, IntoLocal><Other, Constant>"},
+      {"n = g.x * 2", "Arithmetic<Multiply, IntoLocal><Leaf, Constant>"},
+      {"s = n + 1", "storeLocal Arithmetic<Add><Frame, Constant>"},
       // Comparisons as values, as conditions, and with the `if` that they decide.
-      {"m = n < t.x", "(storeScalarLocal (Comparison<OrderRule<Less>>::AsValue Frame Field) m)"},
+      {"m = n < t.x", "storeScalarLocal Comparison<OrderRule<Less>>::AsValue<Frame, Field>"},
       {"while n <= m do n = n + 1 end",
-       "(executeWhile (Comparison<OrderRule<LessEqual>>::Condition Frame Frame) "
-       "(Arithmetic<Add, IntoLocal> Frame Constant n))"},
+       "executeWhile Comparison<OrderRule<LessEqual>>::Condition<Frame, Frame> Arithmetic<Add, "
+       "IntoLocal><Frame, Constant>"},
       {"if n == 1 then n = 2 end",
-       "(Comparison<EqualityRule<true>>::If Frame Constant (storeInUnused<LiteralSource> 2 n))"},
+       "Comparison<EqualityRule<true>>::If<Frame, Constant> storeInUnused<LiteralSource>"},
       {"if t.x ~= 's' then n = 2 end",
-       "(Comparison<EqualityRule<false>>::If Field Constant (storeInUnused<LiteralSource> 2 n))"},
+       "Comparison<EqualityRule<false>>::If<Field, Constant> storeInUnused<LiteralSource>"},
       {"if n > m * m then n = 1 elseif t.x then n = 2 else n = 3 end",
-       "(Comparison<OrderRule<Greater>>::If Frame (Arithmetic<Multiply> Frame Frame) "
-       "(storeInUnused<LiteralSource> 1 n) "
-       "(executeIfElse (testField<FrameObject> t) (storeInUnused<LiteralSource> 2 n) "
-       "(storeInUnused<LiteralSource> 3 n)))"},
-      {"if not t then n = 1 end", "(executeIfNot t (storeInUnused<LiteralSource> 1 n))"},
+       "Comparison<OrderRule<Greater>>::If<Frame, Other> Arithmetic<Multiply><Frame, Frame> "
+       "storeInUnused<LiteralSource> executeIfElse testField<FrameObject> "
+       "storeInUnused<LiteralSource> storeInUnused<LiteralSource>"},
+      {"if not t then n = 1 end", "executeIfNot storeInUnused<LiteralSource>"},
       // Appending.
-      {"s = s .. n .. 'x'", "(appendToVariable s n x s)"},
-      {"t.x = (t.x .. 1) .. n", "(appendToAccess (readField<FrameObject> t) 1 n t)"},
-      {"s = n .. s", "(storeLocal (evaluateConcat n s) s)"},
+      {"s = s .. n .. 'x'", "appendToVariable"},
+      {"t.x = (t.x .. 1) .. n", "appendToAccess readField<FrameObject>"},
+      {"s = n .. s", "storeLocal evaluateConcat"},
       // Fields and elements.
-      {"return t.x.y", "(readField<PeekedObject> (readField<FrameObject> t))"},
+      {"return t.x.y", "readField<PeekedObject> readField<FrameObject>"},
       {"return g[n][1]",
-       "(readIndex<PeekedObject, OtherKey> (readIndex<PeekedObject, FrameKey> global.g n) 1)"},
+       "readIndex<PeekedObject, OtherKey> readIndex<PeekedObject, FrameKey> global"},
       {"return g[t[n]].y",
-       "(readField<PeekedObject> (readIndex<PeekedObject, PeekedKey> global.g "
-       "(readIndex<FrameObject, FrameKey> t n)))"},
+       "readField<PeekedObject> readIndex<PeekedObject, PeekedKey> global readIndex<FrameObject, "
+       "FrameKey>"},
       {"return t[t.x + 1].y",
-       "(readField<OwnedObject> (readIndex<FrameObject, OtherKey> t (Arithmetic<Add> Field "
-       "Constant)))"},
+       "readField<OwnedObject> readIndex<FrameObject, OtherKey> Arithmetic<Add><Field, Constant>"},
       {"return g[#t.x], g[t.x + 1]",
-       "(returnSeveral (readIndex<PeekedObject, PeekedKey> global.g (evaluatePeekedLength "
-       "(readField<FrameObject> t))) (readIndexKeepingObject global.g (Arithmetic<Add> Field "
-       "Constant)))"},
-      {"return g[g()]",
-       "(readIndexKeepingObject global.g (FunctionCall<GlobalCallee>::Of<0> global.g))"},
-      {"t.x = n", "(FieldStore<true, FrameSource> n t)"},
-      {"g.x = 1", "(FieldStore<false, LiteralSource> 1 global.g)"},
-      {"t.x.y = n", "(FieldStore<false, FrameSource> n (readField<FrameObject> t))"},
-      {"t[n] = true", "(ElementStore<true, LiteralSource> true t n)"},
-      {"t[n] = #s", "(ElementStore<true, AnySource> (evaluatePeekedLength s) t n)"},
-      {"g[1] = s", "(storeElement<VariableObject> s global.g 1)"},
-      {"g[t.x] = s", "(storeElementKeepingObject s global.g (readField<FrameObject> t))"},
+       "returnSeveral readIndex<PeekedObject, PeekedKey> global evaluatePeekedLength "
+       "readField<FrameObject> readIndexKeepingObject global Arithmetic<Add><Field, Constant>"},
+      {"return g[g()]", "readIndexKeepingObject global FunctionCall<GlobalCallee>::Of<0> global"},
+      {"t.x = n", "FieldStore<true, FrameSource>"},
+      {"g.x = 1", "FieldStore<false, LiteralSource> global"},
+      {"t.x.y = n", "FieldStore<false, FrameSource> readField<FrameObject>"},
+      {"t[n] = true", "ElementStore<true, LiteralSource>"},
+      {"t[n] = #s", "ElementStore<true, AnySource> evaluatePeekedLength"},
+      {"g[1] = s", "storeElement<VariableObject> global"},
+      {"g[t.x] = s", "storeElementKeepingObject global readField<FrameObject>"},
       // Calls.
-      {"g(n, #t)", "(FunctionCall<GlobalCallee>::Of<2> global.g n (evaluatePeekedLength t))"},
-      {"return t:m(s, s())",
-       "(returnCall (CallWithMany t s (FunctionCall<FrameCallee>::Of<0> s)))"},
-      {"return t:m(s)", "(returnCall (MethodCall<1> t s))"},
+      {"g(n, #t)", "FunctionCall<GlobalCallee>::Of<2> global evaluatePeekedLength"},
+      {"return t:m(s, s())", "returnCall CallWithMany FunctionCall<FrameCallee>::Of<0>"},
+      {"return t:m(s)", "returnCall MethodCall<1>"},
       {"g(n, t())",
-       "(FunctionCall<GlobalCallee>::OfCall<2> global.g n (FunctionCall<FrameCallee>::Of<0> t))"},
+       "FunctionCall<GlobalCallee>::OfCall<2> global FunctionCall<FrameCallee>::Of<0>"},
       // Bodies.
       {"while g do local a = {} end",
-       "(executeWhile global.g (runReleasing<runSome<1>> (storeScalarLocal (evaluateEmptyTable) "
-       "a)))"},
+       "executeWhile global runReleasing<runSome<1>> storeScalarLocal evaluateEmptyTable"},
       {"local function f(a) return function() a = n end end",
-       "(declareFunction (makeScriptFunction (runFunctionSharing (makeScriptFunction "
-       "(storeVariable copied.n captured.a)))))"},
+       "declareFunction makeScriptFunction runFunctionSharing makeScriptFunction storeVariable "
+       "copied captured"},
       {"local function f(a) return f(f(a), 2) end",
-       "(declareFunction (makeScriptFunction (returnCall (FunctionCall<OtherCallee>::Of<2> "
-       "running.f (RunningFunctionCall<1> running.f a) 2))))"},
+       "declareFunction makeScriptFunction returnCall FunctionCall<OtherCallee>::Of<2> running "
+       "RunningFunctionCall<1> running"},
   };
   for (const auto& c : cases) {
     const std::string text = treeNames(locals + c.source);
