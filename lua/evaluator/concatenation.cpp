@@ -263,13 +263,11 @@ bool chooseAppend(AssignmentStmt& statement) {
   return true;
 }
 
-// Supervised interpreters count the making of a whole text.
 bool chooseAppendToAccess(AssignmentStmt& statement) {
   if (statement.value->kind != ExprKind::Concat) return false;
   const Expr& target = *statement.targets[0].expression;
   const auto& concat = static_cast<const ConcatExpr&>(*statement.value);
   if (!canFindAccess(target) || !isSameExpression(target, *concat.operands[0])) return false;
-  if (statement.interpreter->options.supervised) return false;
   statement.execute = appendToAccess;
   return true;
 }

@@ -259,8 +259,7 @@ void FramePlanner::planExpression(Expr* expression, Top top) {
 }
 
 void FramePlanner::planConcat(ConcatExpr& concat, Top top) {
-  // Supervised interpreters count the making of each long text.
-  if (!isSupervised_ && concat.operands[0]->kind == ExprKind::Concat)
+  if (concat.operands[0]->kind == ExprKind::Concat)
     concat.operands = chunk_.arena.list(joinedOperands(concat));
   concat.temporariesOffset = offsetOf(top);
   planList(concat.operands, top);

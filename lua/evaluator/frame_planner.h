@@ -24,10 +24,7 @@ class FramePlanner {
   // Plans the chunk's top level and all functions in it. The memory for doing so counts as the
   // heap's.
   FramePlanner(ResolvedChunk& chunk, Heap& heap, Globals& globals)
-      : chunk_(chunk),
-        memory_(heap),
-        isSupervised_(heap.meter().isSupervised()),
-        globals_(globals) {}
+      : chunk_(chunk), memory_(heap), globals_(globals) {}
   // Returns the slots of the largest frame.
   std::uint32_t planChunk();
 
@@ -74,7 +71,6 @@ class FramePlanner {
 
   ResolvedChunk& chunk_;
   MemoryCharge memory_;
-  bool isSupervised_;
   Globals& globals_;
   OpenFunction* open_ = nullptr;  // the innermost
   std::uint32_t largestFrame_ = 0;

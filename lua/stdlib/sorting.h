@@ -178,13 +178,17 @@ bool wasOrdered(T* first, T* last, Less& less) {
 
 }  // namespace sorting
 
-// Sorts [first, last); `less(a, b)` says whether a goes before b.
+// Sorts [first, last); `less(a, b)` says whether a goes before b. The first does not look whether
+// they are in order.
 template <class T, class Less>
-void introspectiveSort(T* first, T* last, Less less) {
+void sortUnordered(T* first, T* last, Less& less) {
   static_assert(std::is_trivially_copyable_v<T>);
-  if (sorting::wasOrdered(first, last, less)) return;
   const auto levels = static_cast<int>(std::bit_width(static_cast<std::size_t>(last - first)));
   sorting::sortWithin(first, last, 2 * levels, less);
+}
+template <class T, class Less>
+void introspectiveSort(T* first, T* last, Less less) {
+  if (!sorting::wasOrdered(first, last, less)) sortUnordered(first, last, less);
 }
 
 }  // namespace tarvel::lua::internal

@@ -4,7 +4,9 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "lua/lua_vm_impl.h"
 #include "lua/stdlib/arguments.h"
@@ -12,6 +14,7 @@
 #include "lua/stdlib/sorting.h"
 #include "lua/stdlib/text_builder.h"
 #include "lua/value/completion.h"
+#include "lua/value/heap_allocator.h"
 #include "lua/value/metered_work.h"
 #include "lua/value/value_list.h"
 
@@ -75,10 +78,9 @@ Value tableRemove(LuaVM& vm, ValueSpan args, Site site) {
       isGiven(args, 1) ? requireInteger("table.remove", args, 1, site) : length;
   if (position < 1 || position > length) return Value();
   WorkMeter& meter = LuaVM::Impl::of(vm).heap.meter();
-  // A supervised interpreter moves the elements, because it counts that.
   Value first;
   if (position == 1 && length > kFewElements && length <= table.arraySize() &&
-      !meter.isSupervised() && table.tryTakeFirst(static_cast<std::uint32_t>(length), first))
+      table.tryTakeFirst(static_cast<std::uint32_t>(length), first))
     return first;
   return takeOut(meter, table, position, length, site);
 }
@@ -94,31 +96,64 @@ std::size_t expectedLength(const Value& value) noexcept {
   return value.isString() ? value.string->length : kUsualNumberLength;
 }
 
-char* copyBytes(std::string_view bytes, char* out) noexcept {
-  return std::copy(bytes.begin(), bytes.end(), out);
+[[gnu::noinline]] char* copyLongText(WorkMeter& meter, std::string_view text, char* out,
+                                     Site site) {
+  inPieces(meter, text, site,
+           [&out](std::string_view piece) { out = std::copy(piece.begin(), piece.end(), out); });
+  return out;
+}
+
+template <bool isCounted>
+[[gnu::always_inline]] inline char* copyText(WorkMeter& meter, std::string_view text, char* out,
+                                             Site site) {
+  if (isCounted && text.size() >= kBytesPerStep) return copyLongText(meter, text, out, site);
+  return std::copy(text.begin(), text.end(), out);
+}
+
+// Writes the strings to `out`, which has room for them. Counted, each long one is work of its own.
+template <bool isCounted>
+char* writeJoined(WorkMeter& meter, const Value* first, const Value* last,
+                  std::string_view separator, char* out, Site site) {
+  for (const Value* element = first; element != last; ++element) {
+    out = copyText<isCounted>(meter, separator, out, site);
+    out = copyText<isCounted>(meter, element->string->view(), out, site);
+  }
+  return out;
 }
 
 // The joined text of strings, of which there is one at least, owned; nil where another value is
-// among them, and for what is too much to be done at once in a supervised run.
+// among them.
 Value joinStrings(Heap& heap, const Value* first, const Value* last, std::string_view separator,
                   Site site) {
   WorkMeter& meter = heap.meter();
   const auto count = static_cast<std::size_t>(last - first);
-  if (meter.isSupervised() && count > kStepsPerPiece * kElementsPerStep) return Value();
   std::size_t length = 0;
-  for (const Value* element = first; element != last; ++element) {
-    if (!element->isString()) return Value();
-    length += (element != first ? separator.size() : 0) + element->string->length;
-    if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
+  const Value* next = first;
+  inPieces(meter, count, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+    const Value* const end = first + offset + some;
+    for (; next != end && next->isString(); ++next) {
+      length += (next != first ? separator.size() : 0) + next->string->length;
+      if (length > StringObject::kMaximumLength) failNotEnoughMemory(site);
+    }
+  });
+  if (next != last) return Value();
+  OwnedValue joined(Value(createText(heap, length, site)));
+  char* out = joined.get().string->data();
+  const std::string_view start = first->string->view();
+  const bool isSoonDone =
+      count <= kStepsPerPiece * kElementsPerStep && stepsForBytes(length) <= kStepsPerPiece;
+  if (isSoonDone || !meter.isSupervised()) {
+    meter.spend(count / kElementsPerStep + stepsForBytes(length), site);
+    writeJoined<false>(meter, first + 1, last, separator,
+                       std::copy(start.begin(), start.end(), out), site);
+    return joined.take();
   }
-  if (meter.isSupervised() && stepsForBytes(length) > kStepsPerPiece) return Value();
-  meter.spend(2 * count / kElementsPerStep + stepsForBytes(length), site);
-  StringObject* const joined = createText(heap, length, site);
-  char* out = copyBytes(first->string->view(), joined->data());
-  for (const Value* element = first + 1; element != last; ++element) {
-    out = copyBytes(element->string->view(), copyBytes(separator, out));
-  }
-  return Value(joined);
+  out = copyText<true>(meter, start, out, site);
+  inPieces(meter, count - 1, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+    const Value* const from = first + 1 + offset;
+    out = writeJoined<true>(meter, from, from + some, separator, out, site);
+  });
+  return joined.take();
 }
 
 }  // namespace
@@ -260,55 +295,59 @@ class SortedElements {
   ValueList elements_;
 };
 
+// Sorts by an order that may end the sort halfway: then the elements are as they were. The copy
+// that this takes owns nothing, because nothing else runs meanwhile.
+template <class Order>
+void sortInCopy(Heap& heap, Value* first, Value* last, Order order, Site site) {
+  if (sorting::wasOrdered(first, last, order)) return;
+  const auto count = static_cast<std::size_t>(last - first);
+  std::vector<Value, HeapAllocator<Value>> sorted{HeapAllocator<Value>(heap)};
+  sorted.reserve(count);
+  inPieces(heap.meter(), count, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+    sorted.insert(sorted.end(), first + offset, first + offset + some);
+  });
+  sortUnordered(sorted.data(), sorted.data() + count, order);
+  std::copy(sorted.begin(), sorted.end(), first);
+}
+
+// `isFast`: no comparison takes long by itself.
+template <class Order>
+void sortBy(Heap& heap, Value* first, Value* last, bool isFast, Site site) {
+  if (heap.meter().isSupervised()) {
+    sortInCopy(heap, first, last, CountedOrder<Order>(heap.meter(), isFast, site), site);
+  } else if constexpr (std::is_same_v<Order, MixedOrder>) {
+    sortInCopy(heap, first, last, Order(), site);
+  } else {
+    introspectiveSort(first, last, Order());
+  }
+}
+
 bool isNumber(const Value& value) noexcept { return value.isNumber(); }
 bool isString(const Value& value) noexcept { return value.isString(); }
 bool isShortString(const Value& value) noexcept {
   return value.isString() && value.string->length < kBytesPerStep;
 }
 
-template <class Order>
-void sortBy(WorkMeter& meter, SortedElements& elements, bool isFast, Site site) {
-  if (meter.isSupervised()) {
-    introspectiveSort(elements.begin(), elements.end(), CountedOrder<Order>(meter, isFast, site));
-  } else {
-    introspectiveSort(elements.begin(), elements.end(), Order());
-  }
-}
-
-void sortInDefaultOrder(WorkMeter& meter, SortedElements& elements, Site site) {
+// An error leaves the elements as they were.
+void sortInDefaultOrder(Heap& heap, Value* first, Value* last, Site site) {
   bool allNumbers = true;
   bool allStrings = true;
-  bool allShort = true;
-  const auto count = static_cast<std::size_t>(elements.end() - elements.begin());
-  inPieces(meter, count, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
-    const Value* const first = elements.begin() + offset;
-    allNumbers = allNumbers && std::all_of(first, first + some, isNumber);
-    allStrings = allStrings && std::all_of(first, first + some, isString);
-    allShort = allShort && std::all_of(first, first + some, isShortString);
+  bool allShort = heap.meter().isSupervised();  // nobody else asks
+  const auto count = static_cast<std::size_t>(last - first);
+  inPieces(heap.meter(), count, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+    const Value* const from = first + offset;
+    const Value* const to = from + some;
+    allNumbers = allNumbers && std::all_of(from, to, isNumber);
+    allStrings = allStrings && std::all_of(from, to, isString);
+    allShort = allShort && allStrings && std::all_of(from, to, isShortString);
   });
   if (allNumbers) {
-    sortBy<NumberOrder>(meter, elements, true, site);
+    sortBy<NumberOrder>(heap, first, last, true, site);
   } else if (allStrings) {
-    sortBy<StringOrder>(meter, elements, allShort, site);
+    sortBy<StringOrder>(heap, first, last, allShort, site);
   } else {
-    sortBy<MixedOrder>(meter, elements, false, site);
+    sortBy<MixedOrder>(heap, first, last, false, site);
   }
-}
-
-// Sorts in the default order without a copy where nothing can end the sort halfway. False, and
-// nothing done, elsewhere.
-bool sortInPlace(const WorkMeter& meter, Table& table, std::int64_t count) {
-  if (meter.isSupervised() || count > static_cast<std::int64_t>(table.arraySize())) return false;
-  Value* const first = &table.element(0);
-  Value* const last = first + count;
-  if (std::all_of(first, last, isNumber)) {
-    introspectiveSort(first, last, NumberOrder());
-  } else if (std::all_of(first, last, isString)) {
-    introspectiveSort(first, last, StringOrder());
-  } else {
-    return false;
-  }
-  return true;
 }
 
 }  // namespace
@@ -325,8 +364,10 @@ Value tableSort(LuaVM::Impl& interpreter, Value* frame, std::uint32_t argumentCo
   const std::int64_t count = table.length();
   if (count < 2) return ReturnSignal::noValues();
 
-  WorkMeter& meter = interpreter.heap.meter();
-  if (!hasComparator && sortInPlace(meter, table, count)) return ReturnSignal::noValues();
+  if (!hasComparator && count <= static_cast<std::int64_t>(table.arraySize())) {
+    sortInDefaultOrder(interpreter.heap, &table.element(0), &table.element(0) + count, site);
+    return ReturnSignal::noValues();
+  }
   // A comparator may change the table and drop what it holds. When it fails, the copy has to go.
   const LandingBarrier barrier(interpreter.landing);
   SortedElements elements(interpreter.heap, table, count, site);
@@ -335,9 +376,9 @@ Value tableSort(LuaVM::Impl& interpreter, Value* frame, std::uint32_t argumentCo
       return interpreter.callPredicate(args[1], a, b, site);
     });
   } else {
-    sortInDefaultOrder(meter, elements, site);
+    sortInDefaultOrder(interpreter.heap, elements.begin(), elements.end(), site);
   }
-  meter.spend(static_cast<std::uint64_t>(count) / kElementsPerStep, site);
+  interpreter.heap.meter().spend(static_cast<std::uint64_t>(count) / kElementsPerStep, site);
   elements.moveTo(table);
   return ReturnSignal::noValues();
 }

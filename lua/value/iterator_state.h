@@ -53,7 +53,7 @@ struct IteratorState : Object {
   static IteratorState* createGmatch(Heap& heap, ValueList&& values, Step step);
 
  private:
-  void copyItems(Heap& heap, Site site);
+  void copyItems(Heap& heap, WorkMeter& meter, Site site);
   void returnParts() noexcept;
 };
 

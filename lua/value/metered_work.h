@@ -60,10 +60,11 @@ inline const char* findByte(const char* next, const char* end, char byte) {
   const void* const found = std::memchr(next, byte, static_cast<std::size_t>(end - next));
   return found != nullptr ? static_cast<const char*>(found) : end;
 }
-// The same, counted as work.
+// The same, counted as work: a few bytes are none.
 inline const char* findByte(WorkMeter& meter, const char* next, const char* end, char byte,
                             Site site) {
-  if (!meter.isSupervised()) return findByte(next, end, byte);
+  if (end - next < static_cast<std::ptrdiff_t>(kBytesPerStep) || !meter.isSupervised())
+    return findByte(next, end, byte);
   return findInPieces(meter, next, end, site, [byte](const char* from, const char* to) {
     return findByte(from, to, byte);
   });

@@ -61,7 +61,7 @@ IteratorState::~IteratorState() {
 }
 
 // Copies the items of the parts that are still to be delivered.
-void IteratorState::copyItems(Heap& heap, Site site) {
+void IteratorState::copyItems(Heap& heap, WorkMeter& meter, Site site) {
   const std::uint64_t elements = parts.arraySize();
   const std::uint64_t places = elements + parts.entryCount();
   const auto firstElement = std::min(position, elements);
@@ -69,11 +69,10 @@ void IteratorState::copyItems(Heap& heap, Site site) {
   const auto entries = std::min<std::uint64_t>(parts.liveEntries(), places - elements - firstEntry);
   ValueList items(heap, 2 * (elements - firstElement + entries));
   const auto forEachIndex = [&](std::uint64_t first, std::uint64_t end, const auto& visit) {
-    inPieces(heap.meter(), end - first, kElementsPerStep, site,
-             [&](std::size_t offset, std::size_t some) {
-               for (std::size_t i = first + offset; i < first + offset + some; ++i)
-                 visit(static_cast<std::uint32_t>(i));
-             });
+    inPieces(meter, end - first, kElementsPerStep, site, [&](std::size_t offset, std::size_t some) {
+      for (std::size_t i = first + offset; i < first + offset + some; ++i)
+        visit(static_cast<std::uint32_t>(i));
+    });
   };
   forEachIndex(firstElement, elements, [&](std::uint32_t i) {
     if (parts.element(i).isNil()) return;
@@ -88,8 +87,10 @@ void IteratorState::copyItems(Heap& heap, Site site) {
   values.swap(items);
 }
 
+// The call of pairs has counted the copy.
 void IteratorState::endLoan() {
-  copyItems(Heap::of(table), 0);
+  WorkMeter uncounted;
+  copyItems(Heap::of(table), uncounted, 0);
   position = 0;
   returnParts();
 }
@@ -105,16 +106,26 @@ void IteratorState::returnParts() noexcept {
   drop(Value(lender));
 }
 
-// What a supervised interpreter counts for the copy is counted by the call.
+namespace {
+
+// So many elements and entries are copied in some microseconds.
+constexpr std::uint64_t kCopiedAtOnce = kElementsPerStep * kStepsPerPiece;
+
+}  // namespace
+
+// The call counts the copy, whether it will be needed or not. In a supervised run a long one has to
+// be made here, where the run can end in the middle of it.
 IteratorState* IteratorState::createPairs(Heap& heap, Table& table, Site site) {
   table.fetchBack();
   OwnedValue iterator(Value(new (heap.allocate(sizeof(IteratorState)))
                                 IteratorState(Kind::Pairs, ValueList(heap))));
   IteratorState& state = *iterator.get().iterator;
-  if (heap.meter().isSupervised()) {
+  const std::uint64_t places = std::uint64_t{table.arraySize()} + table.entryCount();
+  if (heap.meter().isSupervised() && places > kCopiedAtOnce) {
     state.parts.takeParts(table);
-    state.copyItems(heap, site);
-  } else if (table.arraySize() + table.entryCount() > 0) {
+    state.copyItems(heap, heap.meter(), site);
+  } else if (places > 0) {
+    heap.meter().spend(places / kElementsPerStep, site);
     ++table.count;
     state.table = &table;
     table.lendTo(state);

@@ -350,6 +350,7 @@ void Table::growArray(std::uint32_t newSize) {
 
 // Moves the elements to where that many places are in front of them.
 void Table::slideTo(std::uint32_t gap) noexcept {
+  heap().meter().note(stepsForBytes(arraySize_ * sizeof(Value)));
   ArrayHeader moved = header();
   Value* const from = array_;
   array_ = array_ - moved.gap + gap;
@@ -369,6 +370,7 @@ bool Table::makeHeader() noexcept {
       return false;
     }
   }
+  heap().meter().note(stepsForBytes(arraySize_ * sizeof(Value)));
   std::memmove(static_cast<void*>(array_ + 1), array_, arraySize_ * sizeof(Value));
   ++array_;
   --arrayCapacity_;
@@ -397,9 +399,8 @@ bool Table::tryTakeFirst(std::uint32_t length, Value& out) noexcept {
 // The border is about to go far back, to `index`. Counts the way that length() goes once the hole
 // is filled, and notes where that may go at once.
 void Table::prepareWalk(std::uint32_t index) noexcept {
-  WorkMeter& meter = heap().meter();
-  meter.note((border_ - index) / kWalkedPerStep);
-  if (meter.isSupervised() || index >= arraySize_ || !makeHeader()) return;
+  heap().meter().note((border_ - index) / kWalkedPerStep);
+  if (index >= arraySize_ || !makeHeader()) return;
   header().hole = index;
   header().runEnd = std::min(border_, arraySize_);
 }

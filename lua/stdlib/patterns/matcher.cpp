@@ -37,6 +37,7 @@ class Unmetered {
  public:
   void attempt() noexcept {}
   void move() noexcept {}
+  void resume() noexcept {}
   template <class Find>
   const char* scan(const char* next, const char* end, const Find& find) const {
     return find(next, end);
@@ -50,11 +51,37 @@ class Unmetered {
   }
 };
 
+// Of a short program in a short subject: from one attempt or choice to the next takes less than a
+// step may, so only those are counted.
+class BrieflyMetered : public Unmetered {
+ public:
+  static bool suits(const MatcherProgram& program, std::ptrdiff_t subjectLength) noexcept {
+    return subjectLength <= kMostBytes && program.instructions.size() <= kMostInstructions;
+  }
+
+  BrieflyMetered(WorkMeter& meter, Site site) : meter_(meter), site_(site) {}
+
+  void attempt() { meter_.step(site_); }
+  void resume() {
+    if (++resumes_ % kResumesPerStep == 0) meter_.step(site_);
+  }
+
+ private:
+  static constexpr std::ptrdiff_t kMostBytes = 512;
+  static constexpr std::size_t kMostInstructions = 16;
+  static constexpr unsigned kResumesPerStep = 4;
+
+  WorkMeter& meter_;
+  Site site_;
+  unsigned resumes_ = 0;
+};
+
 class Metered {
  public:
   Metered(WorkMeter& meter, Site site) : meter_(meter), site_(site) {}
 
   void attempt() { meter_.step(site_); }
+  void resume() noexcept {}
   void move() {
     if (++moves_ % kMovesPerStep == 0) meter_.step(site_);
   }
@@ -142,8 +169,10 @@ bool Matcher::search(WorkMeter& meter, std::string_view subject, std::size_t fro
                      PatternMatch& match, Site site) {
   begin_ = subject.data() + from;
   end_ = subject.data() + subject.size();
-  const std::string_view found =
-      meter.isSupervised() ? searchFrom(Metered(meter, site)) : searchFrom(Unmetered());
+  const std::string_view found = !meter.isSupervised() ? searchFrom(Unmetered())
+                                 : BrieflyMetered::suits(program_, end_ - begin_)
+                                     ? searchFrom(BrieflyMetered(meter, site))
+                                     : searchFrom(Metered(meter, site));
   if (found.data() == nullptr) return false;
   match.set(subject, static_cast<std::size_t>(found.data() - subject.data()), found.size());
   match.captures = captures_;
@@ -309,12 +338,14 @@ const char* Matcher::matchAt(Work& work, const char* start) {
       case Kind::Accept:
         return at;
     }
+    work.resume();
     if (!resume(work, top, next, at)) return nullptr;
   }
 }
 
 template <class Work>
-bool Matcher::resume(Work& work, Choice*& top, const Instruction*& next, const char*& at) {
+[[gnu::always_inline]] inline bool Matcher::resume(Work& work, Choice*& top,
+                                                   const Instruction*& next, const char*& at) {
   while (top != choices_.data()) {
     Choice& choice = top[-1];
     const Instruction& made = *choice.instruction;
