@@ -261,27 +261,17 @@ class HelpTest(ProgramTest):
         self.assertEqual(self.on_terminal(missing), f"tarvellua: unable to open script file: {missing}\n")
 
     def test_hints_on_lines(self):
-        lines = (
-            b"x = = 1\nfunction f(t) return t.list[1] end\n  t = {}\nf(t)\nt.list.n = 2\nlocal u = {}\nu.n = 1\n"
-            b"x = 2 ^ 3\nfunction g(p) return ('a'):find(p) end\ng('*')\n"
-        )
+        lines = b"x = = 1\nfunction f(t) return t.list[1] end\n  t = {}\nf(t)\nx = 2 ^ 3\n"
         stderr = (
             "<repl>:1:5: expected expression\n"
             "<repl>:1: attempt to index a nil value\n"
             "hint: 't' or 't.list' is nil here\n"
-            "<repl>:1: attempt to assign into a nil value\n"
-            "hint: 't.list' is nil here\n"
-            "<repl>:1: attempt to assign into a nil value\n"
-            "hint: 'u' is nil here\n"
             "<repl>:1:7: unexpected character '^'\n"
             "hint: there is no operator ^: write x * x\n"
-            "Mismatched '(' and ')' in regular expression\n"
-            "hint: in a pattern - * + ? repeat what precedes them, and ( ) [ ] group: write %- and so on for the "
-            "characters\n"
         )
         self.assertEqual(self.on_terminal("--repl", stdin=lines), stderr)
         plain = "".join(line + "\n" for line in stderr.splitlines() if not line.startswith("hint: "))
-        self.check("--repl", stdin=lines, stdout="lua> " * 11, stderr=plain)
+        self.check("--repl", stdin=lines, stdout="lua> " * 6, stderr=plain)
 
     def test_traces_where_they_are_asked_for(self):
         script, out = self.write("script.lua", self.SCRIPT), self.path("out")
@@ -302,15 +292,6 @@ class HelpTest(ProgramTest):
 
 class FilesTest(ProgramTest):
     def test_what_a_run_leaves_in_its_files(self):
-        keep = 'f = io.open(arg[1], "w") f:write("text") '
-        for source, status, stderr in (
-            (keep + "pcall(os.exit, 4)", 4, ""),
-            (keep + "return f.x", 0, ""),
-            (keep + 'error("x")', 1, self.failure(1, "x")),
-            ("function g() local " + keep + "os.exit(5) end g()", 5, ""),
-        ):
-            self.check_script(source, self.path("out"), status=status, stderr=stderr)
-            self.assertEqual(self.content("out"), "text", source)
         # The end closes what circles still hold, in the order of opening.
         source = """
             for i = 1, 3 do
@@ -340,20 +321,16 @@ class FilesTest(ProgramTest):
 
 class ContainerTest(ProgramTest):
     def test_bytes(self):
-        source = b'print(arg[0], arg[1], #"\xff\x00\r")\r\n-- \xc3\xa4 \x80\xfe'
+        source = b'print(arg[0], arg[1], #"\xff\x00\r")\r\n-- \xc3\xa4 \x80\xfe\nx = arg[1] + 1'
         script, out = self.write("script.lua", source), self.path("out")
         self.check("--compile", script, out)
         whole = b"TLBC\1\0\0\0" + b"".join(len(part).to_bytes(4, "little") + part for part in (script.encode(), source))
         self.assertEqual((self.folder / "out").read_bytes(), whole)
-        self.check("--run-bytecode", out, "x", stdout=f"{out}\tx\t3\n")
-        self.check("--run-bytecode", self.write("c", whole + b"more"), stdout=f"{self.path('c')}\tnil\t3\n")
-
-    def test_arguments_and_errors(self):
         # The arguments are the container's, the errors name the script.
-        script, out = self.write("script.lua", "print(#arg, arg[2])\nerror('x')"), self.path("out")
-        self.check("--compile", script, out)
-        stderr = self.failure(2, "x")
-        self.check("--run-bytecode", out, "a", "--repl", status=1, stdout="2\t--repl\n", stderr=stderr)
+        stderr = self.failure(3, "operator '+' expects numbers")
+        self.check("--run-bytecode", out, "--repl", status=1, stdout=f"{out}\t--repl\t3\n", stderr=stderr)
+        more = self.write("c", whole + b"more")
+        self.check("--run-bytecode", more, status=1, stdout=f"{more}\tnil\t3\n", stderr=stderr)
 
     def test_what_is_no_container(self):
         whole = b"TLBC\1\0\0\0\1\0\0\0n\10\0\0\0print(1)"

@@ -3,23 +3,35 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
-#include <string>
+#include <thread>
 #include <vector>
 
-// Runs a target of libFuzzer's form without libFuzzer: `driver COUNT [SEED]` gives it COUNT inputs
-// that follow from SEED, of growing size. Targets end the process when they find something.
+// Runs a target of libFuzzer's form without libFuzzer: `driver COUNT [SEED [THREADS]]` gives it
+// COUNT inputs that follow from SEED, of growing size, on so many threads at once. Targets end the
+// process when they find something.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 int main(int count, char** arguments) {
-  const unsigned long inputs = count > 1 ? std::strtoul(arguments[1], nullptr, 10) : 1000;
-  const unsigned long seed = count > 2 ? std::strtoul(arguments[2], nullptr, 10) : 1;
-  for (unsigned long number = 0; number < inputs; ++number) {
-    // Each input has its own generator, so that one can be repeated alone.
-    std::mt19937_64 random(seed * 1000003 + number);
-    std::vector<std::uint8_t> bytes(random() % (64 + number % 512));
-    for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
-    LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+  const auto argument = [&](int index, unsigned long otherwise) {
+    return count > index ? std::strtoul(arguments[index], nullptr, 10) : otherwise;
+  };
+  const unsigned long inputs = argument(1, 1000);
+  const unsigned long seed = argument(2, 1);
+  const unsigned long threads = argument(3, 1);
+  const auto runShare = [&](unsigned long first) {
+    for (unsigned long number = first; number < inputs; number += threads) {
+      // Each input has its own generator, so that one can be repeated alone.
+      std::mt19937_64 random(seed * 1000003 + number);
+      std::vector<std::uint8_t> bytes(random() % (64 + number % 512));
+      for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
+      LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    }
+  };
+  {
+    std::vector<std::jthread> others;
+    for (unsigned long i = 1; i < threads; ++i) others.emplace_back(runShare, i);
+    runShare(0);
   }
   std::printf("%lu inputs from seed %lu: nothing found\n", inputs, seed);
 }

@@ -46,54 +46,41 @@ class Generator {
       return std::string_view("*+-").find(c) != std::string_view::npos;
     });
     std::string text;
-    for (unsigned left = below(repetitions < 3 && !hasPieces_ ? 60 : 14); left > 0; --left)
+    const bool mayRepeatGroups = pattern.find('(') != std::string_view::npos;
+    for (unsigned left = below(repetitions < 3 && !mayRepeatGroups ? 60 : 14); left > 0; --left)
       text += byte();
     return text;
   }
 
-  std::string anyPattern() {
-    hasPieces_ = oneIn(2);
-    return hasPieces_ ? patternOfPieces() : pattern();
-  }
-
- private:
   // Mostly what programs write; now and then something that std::regex rejects.
-  std::string patternOfPieces() {
+  std::string pattern() {
     static const char* const kPieces[] = {
         "a",    "a",      "b",    "=",      "1",       " ",     "%-",    "%.",   "%%",
         "]",    "a=",     "%a",   "%d",     "%s",      "%w",    "%A",    "%D",   "%S",
         "%W",   ".",      "[ab]", "[^a]",   "[%w]",    "[^%s]", "[%d-]", "[-a]", "[]",
         "[^]",  "[%]]",   "[%S]", "[1-]",   "[^%w%s]", "[\\a]", "[ -b]", "%\\",  "[%A]",
         "{",    "[\xE4]", "[[]",  "\n",     "(?=a)",   "|",     "()",    "(a)",  "(%w+)",
-        "(b-)", "(a=)?",  "(.)*", "(a*1)+", "([^ ]*)", "*",     "*",     "+",    "+",
-        "-",    "-",      "?",    "?",      "^",       "$"};
-    std::string text = oneIn(8) ? "^" : "";
-    for (unsigned left = below(7) + 1; left > 0; --left) text += choices_.of(kPieces);
-    if (oneIn(8)) text += "$";
-    return text;
-  }
-
-  // One sequence of simple parts, in groups or not.
-  std::string pattern() {
+        "(b-)", "(a=)?",  "(.)*", "(a*1)+", "([^ ]*)", "^",     "$"};
+    static const char* const kQuantifiers[] = {"*", "+", "-", "?", "-"};
     std::string text = oneIn(6) ? "^" : "";
     std::size_t open = 0;
     for (unsigned left = below(7) + 1; left > 0; --left) {
-      if (oneIn(5)) {
+      if (oneIn(6)) {
         text += "(";
         ++open;
       }
-      if (!oneIn(12)) text += piece();
+      const unsigned kind = below(8);
+      text += kind < 4 ? choices_.of(kPieces) : kind < 6 ? literal() : set();
+      if (oneIn(2)) text += choices_.of(kQuantifiers);
       if (open > 0 && oneIn(2)) {
         text += ")";
         --open;
       }
     }
-    text.append(open, ')');
-    if (oneIn(6)) text += "$";
-    if (oneIn(16)) text.insert(below(text.size() + 1), 1, "()[]%^$*+?-{|\\"[below(14)]);
-    return text;
+    return text.append(open, ')') + (oneIn(6) ? "$" : "");
   }
 
+ private:
   char byte() { return alphabet_[below(alphabet_.size())]; }
 
   std::string literal() {
@@ -102,34 +89,17 @@ class Generator {
     return isMagic ? std::string{'%', c} : std::string(1, c);
   }
 
-  std::string characterClass() { return std::string{'%', "adswADSW"[below(8)]}; }
-
   std::string set() {
     std::string text = oneIn(3) ? "[^" : "[";
-    for (unsigned left = below(oneIn(4) ? 4 : 2) + 1; left > 0; --left) {
-      if (oneIn(3)) {
-        text += characterClass();
-      } else if (oneIn(3)) {
-        text.append(1, byte()).append("-").append(1, byte());
-      } else {
-        text += oneIn(8) ? "-[\\^%%"[below(6)] : byte();
-      }
+    for (unsigned left = below(3) + 1; left > 0; --left) {
+      text += oneIn(3) ? std::string{'%', "adswADSW"[below(8)]} : std::string(1, byte());
+      if (oneIn(3)) text.append("-").append(1, byte());
     }
     return text + "]";
   }
 
-  std::string piece() {
-    const unsigned kind = below(10);
-    std::string text = kind < 4 ? literal() : kind < 5 ? "." : kind < 7 ? characterClass() : set();
-    if (oneIn(10)) return text + (oneIn(2) ? "$" : "^");
-    if (oneIn(2)) text += "*+?--"[below(5)];
-    if (oneIn(24)) text += "?+"[below(2)];
-    return text;
-  }
-
   Choices choices_;
   std::string alphabet_;
-  bool hasPieces_ = false;
 };
 
 // The first `count` values as the script below writes them.
@@ -212,7 +182,7 @@ std::string exhausted() { return std::regex_error(std::regex_constants::error_st
 std::string problemOf(Generator any) {
   const bool isSupervised = any.oneIn(4);
   const bool isOnSmallStack = any.oneIn(8);
-  const std::string pattern = any.anyPattern();
+  const std::string pattern = any.pattern();
   LuaVM vm({.supervised = isSupervised});
   vm.setGlobal("pattern", pattern);
   for (int i = 0; i < kMostSubjects && !any.isEmpty(); ++i) {

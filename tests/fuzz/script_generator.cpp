@@ -1,6 +1,12 @@
 #include "tests/fuzz/script_generator.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <map>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tests/fuzz/choices.h"
 
@@ -8,10 +14,119 @@ namespace tarvel::lua::fuzz {
 
 namespace {
 
-constexpr unsigned kVariables = 6;  // which never hold a table, whose text would show an address
 constexpr int kExpressionDepth = 4;
 constexpr int kStatementDepth = 3;
 constexpr unsigned kMostStatements = 40;
+
+// A rule in a line: its forms, of which only those in front of `||` are taken where nesting has to
+// end. What stands twice is taken twice as often. In a form, `$NAME` is another rule, and:
+//   $v1 to $v9   reads a variable: 1 and 2 mostly hold numbers, 3 text, 4 a small index, 7 a list,
+//                8 a record and 9 a list of rows; only these three hold tables, whose text would
+//                show an address
+//   $w1 to $w9   the same variable where something is assigned to it
+//   $1           the text of the first rule in the form, once more; $2 that of the second
+//   $i           the variable of the innermost loop of the function; a number
+//   $N           the number of a loop that begins here, and $enter the begin of its body
+//   $function    the begin of a function's body; $closure the same where loop variables are visible
+//   $break       leaves a loop, if there is one
+//   $block       a few statements, each on a line of its own
+constexpr std::string_view kGrammar = R"lua(
+variable:   $v1 | $v2 | $v3 | $v4 | $v5 | $v6
+digit:      1 | 2 | 3 | 4
+third:      1 | 2 | 3
+constant:   1 | 2 | 0.5 | 3 | -1 | 10 | 0.25 | 7
+literal:    0 | 1 | 2 | -1 | 0.5 | 'b' | '10' | nil | false | 255 | 'a b' | 4611686018427387904
+arithmetic: + | - | * | / | %
+order:      < | <= | > | >= | == | ~=
+number:     $v1 | $v2 | $constant | $i || ($number $arithmetic $number) | - $number | #$text
+number:     ($number $arithmetic $number) | ($number $arithmetic $number) | ($element or 1)
+number:     ($element or 1) | $element | math.floor($number) | math.max($number, $v1)
+element:    $v7[1] | $v8.a | $v8.n | $v9[2][$i] || $v7[$key] | $v7[$i + 1] | $v9[$third][$key]
+element:    {$number, 2}[$i]
+key:        $digit | $i | $v4 | $i + 1 | $i - 1 | $i + 2 | $digit || $number
+text:       $v3 | 'ab' | 'hello world' | $v8.b | 'a,b;c' | '' || ($text .. $any) | tostring($any)
+text:       string.sub($text, $number, $number) | string.format('%d:%s', $number, $any)
+text:       string.rep($text, 2) | (string.gsub($text, $pattern, 'x'))
+pattern:    'a' | '%a+' | '(%w)(%w)' | '^%s*(.-)%s*$' | '[^,;]+' | 'b-$' | '%d*' | 'l+o?' | '.'
+pattern:    '(a)()' | 'x+'
+condition:  $variable | $v1 $order $constant || $number $order $number | $element | not $condition
+condition:  ($condition and $condition) | ($condition and $condition) | ($condition or $condition)
+condition:  ($condition or $condition) | $text == $text | $text < $text | $text ~= $text
+any:        $variable | $literal || $number | $number | $number | $text | $text | ($condition)
+any:        $call | pcall(same, $any)
+call:       f$third($any, $any) | f$third($any, $any) | f$third($any, same($any))
+assignment: $w1 = $number | $w2 = $number | $w3 = $text | $w4 = $digit | $w5 = $any | $w6 = $any
+assignment: $w1 = $number | $w2 = $number | $w3 = $text | $w4 = $any | $w5 = $number | $w1 = $any
+place:      $w1 | $w2 | $v8.n | $v8.a | $v7[1] | $v7[$i] | $v9[1][2] | $v9[3][$key] | $v7[$key]
+words:      $w3 | $w3 | $v8.b | $v8[$v3] | $w5
+field:      a | b | n | c
+result:     p + q | p, q | error(p) | q
+library:    report(pcall(table.sort, $v7)) | report(pcall(table.concat, $v7, ','))
+library:    report(pcall(table.remove, $v7, $number)) | report(string.find($text, $pattern))
+library:    report(string.match($text, $pattern)) | report(tonumber($text), type($any))
+library:    report(pcall(table.sort, $v7, function(a, b) return b < a end))
+library:    report(pcall(same(f$third), $any, $any))
+statement:  $assignment | $assignment | $w1, $w5 = $number, $any | $w2, $w1 = $number, $number
+statement:  $place = $1 $arithmetic $number | $place = ($1 or 0) + $number | $words = $1 .. $any
+statement:  $words = ($1 .. $any) .. $any | $v7[$key] = $any | $v8.$field = $any
+statement:  $v7[$key], $v7[$key] = $v7[$2], $v7[$1] | report($any, $any) | report($any)
+statement:  report($condition) | $library | if $condition then $break end
+statement:  || if $condition then $block end | if $condition then $block else $block end
+statement:  for i$N = $number, $limit do $enter $block end
+statement:  for i$N = 5, $constant, $step do $enter $block end
+statement:  for i$N, e$N in ipairs($v7) do report(e$N) $enter $block end
+statement:  for k$N, e$N in pairs($v8) do report(k$N, e$N) local i$N = 1 $enter $block end
+statement:  local n$N = 0 while n$N < 4 and $condition do $count $enter $block end
+statement:  report(pcall(function() $closure $block end))
+statement:  f$third = function(p, q) $function $body end
+count:      n$N = n$N + 1 local i$N = n$N
+limit:      4 | 2 + 1 | 5 - 0.5
+step:       -1 | -2 | 1.5
+body:       $assignment report(p, q) if p == 'stop' then return $any end return $result
+begin:      $local$w1 = 1 $local$w2 = 2.5 $local$w3 = 'ab' $local$w4 = 3 $local$w5 = 'x,y' $tables
+tables:     $local$w6 = nil $local$w7 = {5, 7, 4, 2} $local$w8 = {a = 1, b = 'x', n = 0.5} $rows
+rows:       $local$w9 = {{1, 2.5, 3}, {4, 5, 6}, {7}} $main
+)lua";
+
+// What is the same in every placement, and on the same line.
+constexpr const char* kBegin =
+    "local function same(x) return x end local o = {} f1 = function(p, q) return q end "
+    "f2, f3 = f1, f1 ";
+constexpr std::string_view kEnd =
+    "report($v1, $v2, $v3, $v4, $v5, $v6) report(#$v7, $v7[1], $v7[2], $v8.a, $v8.b)";
+
+struct Rule {
+  std::vector<std::string_view> forms;
+  std::size_t plain = 0;  // so many of the forms; 0 for all
+};
+
+std::string_view withoutBlanks(std::string_view text) {
+  const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
+  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+std::map<std::string_view, Rule> readGrammar() {
+  std::map<std::string_view, Rule> rules;
+  std::string_view rest = kGrammar.substr(1);
+  while (!rest.empty()) {
+    std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(line.size() + 1);
+    Rule& rule = rules[line.substr(0, line.find(':'))];
+    line.remove_prefix(line.find(':') + 1);
+    while (!line.empty()) {
+      const std::string_view form = line.substr(0, line.find('|'));
+      line.remove_prefix(std::min(form.size() + 1, line.size()));
+      if (!withoutBlanks(form).empty()) rule.forms.push_back(withoutBlanks(form));
+      if (line.starts_with('|')) rule.plain = rule.forms.size();
+    }
+  }
+  return rules;
+}
+
+const std::map<std::string_view, Rule>& rules() {
+  static const std::map<std::string_view, Rule> rules = readGrammar();
+  return rules;
+}
 
 class Generator {
  public:
@@ -19,385 +134,105 @@ class Generator {
       : choices_(bytes), placement_(placement) {}
 
   std::string run() {
-    begin();
-    while (!choices_.isEmpty() && statements_ < kMostStatements) statement();
-    for (unsigned i = 1; i <= kVariables; ++i) line("report(" + variable(i) + ")");
-    line("report(#" + list() + ", " + list() + "[1], " + list() + "[2], " + record() + ".a, " +
-         record() + ".b)");
-    line(placement_ == Placement::Captured ? "end body()" : "");
-    return script_;
+    std::string script = kBegin + pick("begin", 0, 0) + "\n";
+    while (!choices_.isEmpty() && statements_ < kMostStatements) script += statement();
+    script += fill(kEnd, 0);
+    return placement_ == Placement::Captured ? script + "end body()" : script;
   }
 
  private:
-  // ---- Variables ----
-  std::string name(unsigned number) const {
+  // The loops around a statement: those up to the function, and those that a `break` may leave.
+  struct Loops {
+    int visible = 0;
+    int breakable = 0;
+  };
+
+  std::string statement() {
+    ++statements_;
+    ++depth_;
+    const bool mayNest = depth_ <= kStatementDepth && statements_ < kMostStatements;
+    const std::string text = pick("statement", mayNest ? kExpressionDepth : 0, kExpressionDepth);
+    --depth_;
+    return text + "\n";
+  }
+
+  std::string block() {
+    std::string text;
+    for (unsigned count = 1 + choices_.below(3); count > 0; --count) text += statement();
+    return text;
+  }
+
+  // One of the rule's forms, with what stands in it at most `inside` levels deep.
+  std::string pick(std::string_view name, int depth, int inside) {
+    const Rule& rule = rules().at(name);
+    const std::size_t count = depth > 0 || rule.plain == 0 ? rule.forms.size() : rule.plain;
+    return fill(rule.forms[choices_.below(static_cast<unsigned>(count))], inside);
+  }
+
+  std::string fill(std::string_view form, int depth) {
+    const Loops outer = loops_;
+    std::vector<std::string> parts;
+    std::string text;
+    while (!form.empty()) {
+      const std::size_t before = std::min(form.find('$'), form.size());
+      text += form.substr(0, before);
+      form.remove_prefix(before);
+      if (form.empty()) break;
+      std::size_t end = 1;
+      while (end < form.size() && std::isalnum(static_cast<unsigned char>(form[end]))) ++end;
+      text += expand(form.substr(1, end - 1), depth, parts);
+      form.remove_prefix(end);
+    }
+    loops_ = outer;
+    return text;
+  }
+
+  std::string expand(std::string_view name, int depth, std::vector<std::string>& parts) {
+    const bool isNumbered = name.size() == 2 && name[1] >= '1' && name[1] <= '9';
+    if (name.empty()) return "$";
+    if (isNumbered) return variable(name[1], name[0] == 'v');
+    if (name == "1" || name == "2") return parts.at(static_cast<std::size_t>(name[0] - '1'));
+    if (name == "block") return block();
+    if (rules().contains(name)) return parts.emplace_back(pick(name, depth, depth - 1));
+    return special(name);
+  }
+
+  std::string special(std::string_view name) {
+    if (name == "i") return loops_.visible == 0 ? "2" : "i" + std::to_string(loops_.visible);
+    if (name == "N") return std::to_string(loops_.visible + 1);
+    if (name == "break") return loops_.breakable > 0 ? "break" : "report('no loop')";
+    if (name == "local") return isLocal() ? "local " : "";
+    if (name == "main") return placement_ == Placement::Captured ? "local function body()" : "";
+    if (name == "enter") loops_ = {loops_.visible + 1, loops_.breakable + 1};
+    if (name == "function") loops_ = {};
+    if (name == "closure") loops_.breakable = 0;
+    return {};
+  }
+
+  bool isLocal() const {
+    return placement_ == Placement::Locals || placement_ == Placement::Captured ||
+           placement_ == Placement::Calls;
+  }
+
+  std::string variable(char number, bool isRead) const {
+    const std::string local = std::string("v") + number;
     switch (placement_) {
       case Placement::Fields:
-        return "o.v" + std::to_string(number);
+        return "o." + local;
       case Placement::Elements:
-        return "o[" + std::to_string(number) + "]";
+        return std::string("o[") + number + "]";
+      case Placement::Calls:
+        return isRead ? "same(" + local + ")" : local;
       default:
-        return "v" + std::to_string(number);
+        return local;
     }
-  }
-  std::string variable(unsigned number) const {
-    return placement_ == Placement::Calls ? "same(" + name(number) + ")" : name(number);
-  }
-  std::string anyVariable() { return variable(1 + choices_.below(kVariables)); }
-  // "name = value": the first two mostly hold numbers and the third text, or most scripts would end
-  // at their first operator.
-  std::string assignment(int depth) {
-    const unsigned number = 1 + choices_.below(kVariables);
-    return name(number) + " = " + valueFor(number, depth);
-  }
-  std::string valueFor(unsigned number, int depth) {
-    if (choices_.oneIn(12)) return any(depth);
-    if (number == 4) return choices_.of({"1", "2", "3", "4"});
-    return number <= 2 ? this->number(depth) : number == 3 ? text(depth) : any(depth);
-  }
-  std::string list() const { return variable(kVariables + 1); }
-  std::string record() const { return variable(kVariables + 2); }
-  std::string rows() const { return variable(kVariables + 3); }
-
-  // One line in every placement.
-  void begin() {
-    static const char* const kValues[] = {"1",
-                                          "2.5",
-                                          "'ab'",
-                                          "3",
-                                          "'x,y'",
-                                          "nil",
-                                          "{5, 7, 4, 2}",
-                                          "{a = 1, b = 'x', n = 0.5}",
-                                          "{{1, 2.5, 3}, {4, 5, 6}, {7}}"};
-    std::string text =
-        "local function same(x) return x end local o = {} "
-        "f1 = function(p, q) return q end f2, f3 = f1, f1 ";
-    const bool isLocal = placement_ == Placement::Locals || placement_ == Placement::Captured ||
-                         placement_ == Placement::Calls;
-    for (unsigned i = 1; i <= kVariables + 3; ++i)
-      text += (isLocal ? "local " : "") + name(i) + " = " + kValues[i - 1] + " ";
-    if (placement_ == Placement::Captured) text += "local function body()";
-    line(text);
-  }
-  void line(const std::string& text) { script_.append(text).push_back('\n'); }
-
-  // ---- Expressions ----
-  std::string literal() {
-    static const char* const kLiterals[] = {
-        "0",   "1",    "2",     "3",  "-1",  "0.5",  "'b'", "'ab'",  "'10'",
-        "nil", "true", "false", "10", "1.5", "0.25", "255", "'a b'", "4611686018427387904"};
-    return choices_.of(kLiterals);
-  }
-
-  std::string number(int depth) {
-    switch (depth <= 0 ? choices_.below(4) : choices_.below(10)) {
-      case 0:
-      case 1:
-        return variable(1 + choices_.below(2));
-      case 2:
-        return choices_.of({"1", "2", "0.5", "3", "-1", "10", "0.25", "7"});
-      case 3:
-        return loopVariable();
-      case 4:
-      case 5:
-        return "(" + number(depth - 1) + " " + choices_.of({"+", "-", "*", "/", "%"}) + " " +
-               number(depth - 1) + ")";
-      case 6:
-        return "- " + number(depth - 1);
-      case 7:
-        return choices_.oneIn(4) ? element(depth) : "(" + element(depth) + " or 1)";
-      case 8:
-        return "#" + text(depth - 1);
-      default:
-        return "math." + choices_.of({std::string("floor("), std::string("abs(")}) +
-               number(depth - 1) + ")";
-    }
-  }
-
-  std::string element(int depth) {
-    switch (choices_.below(8)) {
-      case 6:
-        return rows() + "[" + choices_.of({"1", "2", "2", "3"}) + "][" + key() + "]";
-      case 7:
-        return rows() + "[2][" + loopVariable() + "]";
-      case 0:
-        return list() + "[1]";
-      case 1:
-        return record() + ".a";
-      case 2:
-        return list() + "[" + key() + "]";
-      case 3:
-        return list() + "[" + loopVariable() + " + 1]";
-      case 4:
-        return record() + ".n";
-      default:
-        return "{" + number(depth - 1) + ", " + number(depth - 1) + "}[" + loopVariable() + "]";
-    }
-  }
-
-  // Mostly a whole number.
-  std::string key() {
-    switch (choices_.below(8)) {
-      case 0:
-      case 1:
-        return loopVariable();
-      case 2:
-        return loopVariable() + choices_.of({" + 1", " - 1", " + 2"});
-      case 3:
-        return variable(4);
-      case 4:
-        return number(1);
-      default:
-        return choices_.of({"1", "2", "3", "4"});
-    }
-  }
-
-  std::string text(int depth) {
-    switch (depth <= 0 ? choices_.below(3) : choices_.below(9)) {
-      case 0:
-        return name3();
-      case 1:
-        return choices_.of({"'ab'", "'hello world'", "''", "'a,b;c'"});
-      case 2:
-        return record() + ".b";
-      case 3:
-        return "(" + text(depth - 1) + " .. " + any(depth - 1) + ")";
-      case 4:
-        return "string.sub(" + text(depth - 1) + ", " + number(depth - 1) + ", " +
-               number(depth - 1) + ")";
-      case 5:
-        return "tostring(" + any(depth - 1) + ")";
-      case 6:
-        return "string.format('%d:%s', " + number(depth - 1) + ", " + any(depth - 1) + ")";
-      case 7:
-        return "string.rep(" + text(depth - 1) + ", 2)";
-      default:
-        return "(string.gsub(" + text(depth - 1) + ", " + pattern() + ", 'x'))";
-    }
-  }
-  std::string name3() const { return variable(3); }
-  std::string pattern() {
-    static const char* const kPatterns[] = {"'a'",      "'%a+'",   "'(%w)(%w)'", "'^%s*(.-)%s*$'",
-                                            "'[^,;]+'", "'b-$'",   "'%d*'",      "'l+o?'",
-                                            "'.'",      "'(a)()'", "'x+'"};
-    return choices_.of(kPatterns);
-  }
-
-  std::string condition(int depth) {
-    switch (depth <= 0 ? choices_.below(3) : choices_.below(9)) {
-      case 0:
-        return anyVariable();
-      case 1:
-        return number(depth - 1) + choices_.of({" < ", " <= ", " > ", " >= ", " == ", " ~= "}) +
-               number(depth - 1);
-      case 2:
-        return element(depth);
-      case 3:
-      case 4:
-        return "(" + condition(depth - 1) + " and " + condition(depth - 1) + ")";
-      case 5:
-      case 6:
-        return "(" + condition(depth - 1) + " or " + condition(depth - 1) + ")";
-      case 7:
-        return "not " + condition(depth - 1);
-      default:
-        return text(depth - 1) + choices_.of({" == ", " < ", " ~= "}) + text(depth - 1);
-    }
-  }
-
-  std::string any(int depth) {
-    switch (depth <= 0 ? choices_.below(3) : choices_.below(10)) {
-      case 0:
-        return anyVariable();
-      case 1:
-        return literal();
-      case 2:
-      case 3:
-      case 4:
-        return number(depth - 1);
-      case 5:
-      case 6:
-        return text(depth - 1);
-      case 7:
-        return "(" + condition(depth - 1) + ")";
-      case 8:
-        return "pcall(same, " + any(depth - 1) + ")";
-      default:
-        return call(depth);
-    }
-  }
-
-  // Functions that the script has defined so far take two values; one defined later is nil.
-  std::string call(int depth) {
-    const std::string callee = "f" + std::to_string(1 + choices_.below(3));
-    return choices_.oneIn(3) ? callee + "(" + any(depth - 1) + ", same(" + any(depth - 1) + "))"
-                             : callee + "(" + any(depth - 1) + ", " + any(depth - 1) + ")";
-  }
-
-  // Of the innermost loop or function; a number.
-  std::string loopVariable() const { return loops_ == 0 ? "2" : "i" + std::to_string(loops_); }
-
-  // ---- Statements ----
-  void block(const std::string& head, const std::string& tail) {
-    line(head);
-    ++depth_;
-    for (unsigned count = 1 + choices_.below(3); count > 0; --count) statement();
-    --depth_;
-    line(tail);
-  }
-
-  void statement() {
-    ++statements_;
-    const bool mayNest = depth_ < kStatementDepth && statements_ < kMostStatements;
-    switch (mayNest ? choices_.below(20) : choices_.below(11)) {
-      case 0:
-        return line(assignment(kExpressionDepth));
-      case 1: {
-        const unsigned first = 1 + choices_.below(kVariables);
-        const unsigned second = 1 + choices_.below(kVariables);
-        return line(name(first) + ", " + name(second) + " = " + valueFor(first, 2) + ", " +
-                    valueFor(second, 2));
-      }
-      case 2:
-        return update();
-      case 3:
-        return line(list() + "[" + key() + "] = " + any(2));
-      case 4:
-        return line(record() + choices_.of({".a", ".b", ".n", ".c"}) + " = " + any(2));
-      case 5:
-        return swap();
-      case 6:
-        return line("report(" + any(kExpressionDepth) + ", " + any(2) + ")");
-      case 7:
-        return libraryCall();
-      case 8:
-        return line("report(pcall(same(f" + std::to_string(1 + choices_.below(3)) + "), " + any(2) +
-                    ", " + any(2) + "))");
-      case 9:
-        return line("report(" + condition(kExpressionDepth) + ")");
-      case 10:
-        return line("if " + condition(2) + " then " + (breaks_ > 0 ? "break" : assignment(1)) +
-                    " end");
-      default:
-        return nested();
-    }
-  }
-
-  void update() {
-    static const char* const kArithmetic[] = {" + ", " - ", " * ", " / ", " % "};
-    const std::string places[] = {name(1),           name(2),
-                                  name(3),           record() + ".n",
-                                  record() + ".a",   list() + "[" + loopVariable() + "]",
-                                  list() + "[1]",    record() + "[" + name3() + "]",
-                                  rows() + "[1][2]", rows() + "[3][" + key() + "]"};
-    const unsigned which = choices_.below(10);
-    const std::string place = places[which];
-    const bool isText = which == 2 || which == 7;
-    const std::string operation = isText ? " .. " : choices_.of(kArithmetic);
-    switch (choices_.below(4)) {
-      case 0:
-        return line(place + " = " + place + operation + (isText ? literal() : number(0)));
-      case 1:
-        return line(place + " = (" + place + " or 0) + " + number(1));
-      case 2:
-        return line(place + " = (" + place + " .. " + any(1) + ") .. " + any(1));
-      default:
-        return line(place + " = " + place + operation + (isText ? any(2) : number(2)));
-    }
-  }
-
-  void swap() {
-    const std::string left = list() + "[" + key() + "]";
-    const std::string right = list() + "[" + key() + "]";
-    line(left + ", " + right + " = " + right + ", " + left);
-  }
-
-  void libraryCall() {
-    switch (choices_.below(7)) {
-      case 0:
-        return line("report(pcall(table.sort, " + list() + "))");
-      case 1:
-        return line("report(pcall(table.concat, " + list() + ", ','))");
-      case 2:
-        return line("report(pcall(table.remove, " + list() + ", " + number(1) + "))");
-      case 3:
-        return line("report(string.find(" + text(2) + ", " + pattern() + "))");
-      case 4:
-        return line("report(string.match(" + text(2) + ", " + pattern() + "))");
-      case 5:
-        return line("report(pcall(table.sort, " + list() + ", function(a, b) return b < a end))");
-      default:
-        return line("report(tonumber(" + text(2) + "), type(" + any(2) + "))");
-    }
-  }
-
-  void nested() {
-    switch (choices_.below(9)) {
-      case 0:
-        return block("if " + condition(3) + " then", "end");
-      case 1: {
-        block("if " + condition(2) + " then", "else");
-        return block("", "end");
-      }
-      case 2:
-        return loop("for i# = " + number(1) + ", " + choices_.of({"4", "2 + 1", "5 - 0.5"}) +
-                    " do");
-      case 3:
-        return loop("for i# = 5, " + number(0) + ", " + choices_.of({"-1", "-2", "1.5"}) + " do");
-      case 4:
-        return loop("local n# = 0 while n# < 4 and " + condition(2) +
-                    " do n# = n# + 1 local i# = n#");
-      case 5:
-        return loop("for i#, e# in ipairs(" + list() + ") do report(e#)");
-      case 6:
-        return loop("for k#, e# in pairs(" + record() + ") do report(k#, e#) local i# = 1");
-      case 7:
-        return function();
-      default: {
-        const int outerBreaks = breaks_;
-        breaks_ = 0;
-        block("report(pcall(function()", "end))");
-        breaks_ = outerBreaks;
-      }
-    }
-  }
-
-  void loop(std::string head) {
-    ++loops_;
-    ++breaks_;
-    const std::string number = std::to_string(loops_);
-    for (std::size_t at = 0; (at = head.find('#', at)) != std::string::npos;) {
-      // `#` in front of anything but a blank is the operator.
-      const bool isPlaceholder =
-          at > 0 && std::string("ienk").find(head[at - 1]) != std::string::npos;
-      if (isPlaceholder) head.replace(at, 1, number);
-      ++at;
-    }
-    block(head, "end");
-    --loops_;
-    --breaks_;
-  }
-
-  void function() {
-    const int outerLoops = loops_;
-    loops_ = 0;
-    const std::string global = "f" + std::to_string(1 + choices_.below(3));
-    const std::string result = choices_.of({std::string("return p + q"), std::string("return p, q"),
-                                            std::string("error(p)"), std::string("return q")});
-    line(global + " = function(p, q)");
-    line(assignment(2) + " report(p, q)");
-    line("if p == 'stop' then return " + any(1) + " end " + result + " end");
-    loops_ = outerLoops;
   }
 
   Choices choices_;
   const Placement placement_;
-  std::string script_;
   unsigned statements_ = 0;
   int depth_ = 0;
-  int loops_ = 0;   // around the statement, up to the function
-  int breaks_ = 0;  // of these, those that a `break` may leave
+  Loops loops_;
 };
 
 }  // namespace

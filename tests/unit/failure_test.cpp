@@ -10,7 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "lua/failure_report.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/value/site_table.h"
 #include "tests/unit/script_outcome.h"
@@ -125,21 +124,9 @@ TEST(Failure, NamesTheChunkThatFailed) {
 
 TEST(Failure, IsAlsoWhatEndsACall) {
   LuaVM vm;
-  const auto report = [&](auto failure) {
-    try {
-      throw failure;
-    } catch (...) {
-      return internal::FailureReport(LuaVM::Impl::of(vm)).error();
-    }
-  };
-  const LuaError exit = report(internal::ExitSignal{3});
+  const LuaError exit = vm.call<void>("os.exit", 3).error();
   EXPECT_EQ("Exit :0:0 ended by os.exit", describe(exit));
   EXPECT_EQ(3, exit.exitCode);
-  EXPECT_EQ("Script :0:0 s", describe(report(internal::ProtectedRuntimeError{
-                                 "s", 0, true, internal::FailureKind::Script})));
-  EXPECT_EQ("Stopped :0:0 stopped by the host",
-            describe(report(StopSignal{StopSignal::Reason::Request, 0})));
-  EXPECT_THROW(report(5), int);
 }
 
 // ---- The table ----------------------------------------------------------------------------------

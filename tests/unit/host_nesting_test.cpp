@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "lua/value/heap.h"
+#include "lua/value/host_stack.h"
+#include "tests/unit/switched_stack.h"
 
 // Scripts reach the host in many ways, and the host may do there whatever it may do outside. Every
 // way with every deed, and a second way inside of that.
@@ -38,6 +40,8 @@ inline constexpr auto luaRecord<Converted> = record(field("x", &Converted::x));
 namespace {
 
 using internal::Heap;
+using internal::SwitchedStack;
+using Action = std::function<void()>;
 
 struct Thing {
   int method(int x) const {
@@ -132,6 +136,8 @@ class HostNesting : public ::testing::Test {
     Nest::deed = std::move(deed);
   }
 
+  void checkEveryWay(const std::function<void(const Action&)>& within);
+
   const std::size_t blocksBefore_ = Heap::liveBlocks();
   const std::size_t abandonedBefore_ = Heap::abandonedBlocks();
   std::unique_ptr<LuaVM> vm_;
@@ -202,7 +208,8 @@ const Deed kDeeds[] = {
      }},
 };
 
-TEST_F(HostNesting, OfEveryWayInEveryWay) {
+// `within` runs what the host does.
+void HostNesting::checkEveryWay(const std::function<void(const Action&)>& within) {
   for (const Way& outer : kWays) {
     for (const Deed& deed : kDeeds) {
       for (const Way& inner : kWays) {
@@ -214,7 +221,7 @@ TEST_F(HostNesting, OfEveryWayInEveryWay) {
             EXPECT_EQ("{1}",
                       vm_->runScriptString("local t = {1} return t", "third").value.toString());
           });
-          deed.act(*vm_, around(inner));
+          within([&] { deed.act(*vm_, around(inner)); });
         });
         const LuaResult result = vm_->runScriptString(around(outer), "outer");
         EXPECT_EQ(kExpected, result.ok ? result.value.toString() : result.error)
@@ -226,6 +233,24 @@ TEST_F(HostNesting, OfEveryWayInEveryWay) {
       }
     }
   }
+}
+
+TEST_F(HostNesting, OfEveryWayInEveryWay) {
+  checkEveryWay([](const Action& deed) { deed(); });
+}
+
+// The script runs on one, and what the host does on another.
+TEST_F(HostNesting, OnStacksThatTheHostSwitchesTo) {
+  if (internal::kWideFrames) GTEST_SKIP() << SwitchedStack::kWhyNot;
+  const Action* deed = nullptr;
+  SwitchedStack deeds(std::size_t{512} << 10, [&] { (*deed)(); });
+  SwitchedStack scripts(std::size_t{512} << 10, [&] {
+    checkEveryWay([&](const Action& next) {
+      deed = &next;
+      deeds.begin();
+    });
+  });
+  scripts.begin();
 }
 
 // What the host throws there ends the run, or passes through it; the interpreter goes on.

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <tarvel/lua/lua_vm.h>
-#include <ucontext.h>
 #include <unistd.h>
 
 #include <cstddef>
@@ -17,6 +15,7 @@
 #include <utility>
 
 #include "tests/unit/script_outcome.h"
+#include "tests/unit/switched_stack.h"
 #include "tests/unit/value_support.h"
 
 namespace tarvel::lua {
@@ -28,6 +27,7 @@ using internal::kCheckedHeap;
 using internal::kSanitized;
 using internal::kWideFrames;
 using internal::runOnStack;
+using internal::SwitchedStack;
 
 constexpr std::size_t kKilobyte = 1024;
 constexpr std::size_t kMegabyte = 1024 * kKilobyte;
@@ -125,52 +125,8 @@ TEST(Recursion, ThroughTheHostIsAnErrorToo) {
   }
 }
 
-// Runs `body` on a stack that the thread switches to by itself, with a guard page below.
-class SwitchedStack {
- public:
-  SwitchedStack(std::size_t bytes, std::function<void()> body)
-      : body_(std::move(body)),
-        page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))),
-        bytes_(page_ + bytes),
-        memory_(static_cast<std::byte*>(
-            mmap(nullptr, bytes_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
-    mprotect(memory_, page_, PROT_NONE);
-  }
-  ~SwitchedStack() { munmap(memory_, bytes_); }
-  SwitchedStack(const SwitchedStack&) = delete;
-  SwitchedStack& operator=(const SwitchedStack&) = delete;
-
-  // The body from its beginning.
-  void begin() {
-    getcontext(&context_);
-    context_.uc_stack.ss_sp = memory_ + page_;
-    context_.uc_stack.ss_size = bytes_ - page_;
-    context_.uc_link = &host_;
-    makecontext(
-        &context_, [] { running_->body_(); }, 0);
-    resume();
-  }
-  void resume() {
-    running_ = this;
-    swapcontext(&host_, &context_);
-  }
-  // To be called by the body.
-  void suspend() { swapcontext(&context_, &host_); }
-
- private:
-  static inline SwitchedStack* running_ = nullptr;
-
-  std::function<void()> body_;
-  std::size_t page_;
-  std::size_t bytes_;
-  std::byte* memory_;
-  ucontext_t host_;
-  ucontext_t context_;
-};
-
 TEST(Recursion, IsAnErrorOnAStackThatTheHostSwitchedTo) {
-  if (kWideFrames)
-    GTEST_SKIP() << "a sanitizer has to be told of such a stack, and wide frames need more";
+  if (kWideFrames) GTEST_SKIP() << SwitchedStack::kWhyNot;
   SwitchedStack stack(256 * kKilobyte, [] {
     for (const auto& c : kRecursions) EXPECT_GE(recurse(c.source, c.outcome), 20) << c.source;
     EXPECT_EQ("again:1: stack overflow", recurseThroughHost());
@@ -200,8 +156,7 @@ __attribute__((noinline)) std::string runFromDeeper(LuaVM& vm) {
 // Two runs that end in the order in which they began, one of them on another thread, then one on
 // the first one's stack.
 TEST(Recursion, IsBoundedOnEachOfSeveralSwitchedStacks) {
-  if (kWideFrames)
-    GTEST_SKIP() << "a sanitizer has to be told of such a stack, and wide frames need more";
+  if (kWideFrames) GTEST_SKIP() << SwitchedStack::kWhyNot;
   LuaVM vms[2];
   const auto runAndSuspend = [](LuaVM& vm, SwitchedStack& stack) {
     vm.bindFunction("suspend", [&](LuaVM&, const Arguments&) {

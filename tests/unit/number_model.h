@@ -131,7 +131,7 @@ inline Value neighbour(std::mt19937_64& random, const Value& value) {
 
 // Kind and bits, so that -0.0 and 0.0 differ and every NaN is alike.
 inline std::string exact(const Value& value) {
-  if (!value.isFloat()) return value.toString() + (value.isInteger() ? " integer" : "");
+  if (!value.isFloat()) return (value.isInteger() ? "i" : "") + value.toString();
   if (std::isnan(value.number)) return "nan";
   return value.toString() + " " + std::to_string(std::bit_cast<std::uint64_t>(value.number));
 }

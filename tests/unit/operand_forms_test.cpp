@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <tarvel/lua/lua_vm.h>
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -16,9 +17,10 @@
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/value_support.h"
 
-// Operators with their operands in every form, and the whole in every place, for which the
-// evaluator has functions of their own, against the same computed from the results of calls.
-// Values, messages, lines and the number of live objects have to agree.
+// Operators on the results of calls against the rules for numbers, and then with their operands in
+// every form, and the whole in every place, for which the evaluator has functions of their own,
+// against the same computed from the results of calls. Values, messages, lines and the number of
+// live objects have to agree.
 
 namespace tarvel::lua::internal {
 namespace {
@@ -156,13 +158,18 @@ V = {"", "a", "b", "ab" .. 1, "ab" .. 1, "ab" .. 2, true, false, print, {name = 
 constexpr std::size_t kStrings = 6;
 constexpr std::size_t kFirstNumber = 13;
 constexpr std::size_t kGivenValues = 22;
-constexpr std::size_t kValues = 72;
+constexpr std::size_t kValues = 122;
 
 std::string replaced(std::string text, char mark, std::string_view with) {
   for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += with.size()) {
     text.replace(at, 1, with);
   }
   return text;
+}
+
+std::string exactText(const LuaValue& value) {
+  const double* const number = std::get_if<double>(&value.data);
+  return number == nullptr ? typed(value) : exact(Value(*number));
 }
 
 class Comparison {
@@ -174,6 +181,38 @@ class Comparison {
       vm_.setGlobal("v",
                     number_.isInteger() ? LuaValue(number_.integer) : LuaValue(number_.number));
       run(vm_, "V[" + std::to_string(i) + "] = v");
+      numbers_.push_back(number_);
+    }
+  }
+
+  // Each operator on every pair of numbers, whose results a script collects.
+  void checkRules() {
+    for (const auto& [op, rule] : kOperators) {
+      const std::string script =
+          "function apply(l, r) return same(l) " + std::string(op) +
+          " same(r) end local results = {} for i = first, last do for j = first, last do "
+          "local ok, result = pcall(apply, V[i], V[j]) results[#results + 1] = ok and result "
+          "end end return results";
+      const LuaFunction rules = vm_.load(script, "rules", {"first", "last"}).value();
+      const auto results =
+          vm_.call<std::vector<LuaValue>>(rules, kGivenValues + 1, kValues).value();
+      ASSERT_EQ(numbers_.size() * numbers_.size(), results.size());
+      for (std::size_t i = 0; i < results.size(); ++i) {
+        const Value& left = numbers_[i / numbers_.size()];
+        const Value& right = numbers_[i % numbers_.size()];
+        const bool isDivision = std::strchr("/%", *op) != nullptr;
+        const bool fails = isDivision && std::fabs(right.asFloat()) <= kEpsilon;
+        ASSERT_EQ(exact(fails ? Value(false) : rule(left, right)), exactText(results[i]))
+            << exact(left) << ' ' << op << ' ' << exact(right);
+      }
+    }
+    for (std::size_t i = 0; i < numbers_.size(); ++i) {
+      const Value& number = numbers_[i];
+      const Value negated = number.isInteger() && number.integer != kLowest
+                                ? Value(-number.integer)
+                                : plainNormalize(-number.asFloat());
+      const std::string index = std::to_string(kGivenValues + 1 + i);
+      EXPECT_EQ(exact(negated), exactRun("return -same(V[" + index + "])"));
     }
   }
 
@@ -241,8 +280,7 @@ class Comparison {
 
   std::string exactRun(const std::string& source) {
     const LuaResult result = vm_.runScriptString(source, "c");
-    const double* const number = std::get_if<double>(&result.value.data);
-    return number == nullptr ? outcome(result) : exact(Value(*number));
+    return result.ok ? exactText(result.value) : outcome(result);
   }
 
   std::size_t below(std::size_t limit) { return random_() % limit; }
@@ -250,11 +288,14 @@ class Comparison {
   std::mt19937_64 random_{59};
   LuaVM vm_;
   Value number_{std::int64_t{9223372036854775807}};  // the latest in V
+  std::vector<Value> numbers_;                       // those from kGivenValues + 1 on
 };
 
-TEST(OperandForms, GiveWhatCallsGive) {
+TEST(OperandForms, GiveWhatCallsGiveAndCallsWhatTheRulesSay) {
   const std::size_t before = Heap::liveBlocks();
-  std::make_unique<Comparison>()->checkAll();
+  const auto comparison = std::make_unique<Comparison>();
+  comparison->checkRules();
+  comparison->checkAll();
   EXPECT_EQ(before, Heap::liveBlocks());
 }
 

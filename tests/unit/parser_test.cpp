@@ -6,12 +6,57 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/value_support.h"
 
 namespace tarvel::lua::internal {
 namespace {
+
+using namespace std::string_literals;
+
+// Chunks that are cut into tokens where others would not be, and the outcome that shows where.
+TEST(LexerTest, FindsTheLongestTokens) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"return 1 === 1", "error c:1:12: expected expression"},
+      {"x = 1--b\n...", "error c:2:3: expected expression"},
+      {"End, ends, _end, nd1 = 1, 2, 3, 4 return End, ends, _end, nd1", "[i1 i2 i3 i4]"},
+      // What cannot go on a number starts the next token.
+      {"return 1.5.3", "error c:1:12: expected field name after '.'"},
+      {"return .5", "error c:1:8: expected expression"},
+      {"return 1.", "error c:1:10: expected field name after '.'"},
+      {"return 0xAf, 0X", "[i175 i0]"},
+      {"return 0xAfg ", "error c:1:14: expected function call"},
+      {"return 00x1 ", "error c:1:13: expected function call"},
+      // Strings, with line feeds escaped and raw.
+      {R"(return "it's", 'say "x"')", R"(['it's' 'say "x"'])"},
+      {R"(return '\n\r\t\\\"\'\q')", "'\n\r\t\\\"'q'"},
+      {R"(return "a\0b\065")", "'a\0b\00065'"s},
+      {"return 'a\\\nb\nc'", "'a\nb\nc'"},
+      {"x = 'a\\\nb\nc' x = = 1", "error c:3:8: expected expression"},
+      {"return '\xC3\xA4\xFF\r\x01\0'"s, "'\xC3\xA4\xFF\r\x01\0'"s},
+      {"return [[\n\\nb]]", "'\n\\nb'"},
+      {"x = [[\n]] x = = 1", "error c:2:8: expected expression"},
+      {"x = [[a]b]]]", "error c:1:12: expected expression"},
+      {"x = [=[", "error c:1:5: expected expression"},
+      // Blanks and comments.
+      {" \t\v\f\r\n\t=", "error c:2:2: expected expression"},
+      {"--\xC3\xA4 \0 ^\nreturn 1 --"s, "i1"},
+      {"--[[ a\n b ]]c--[[]]=", "error c:2:14: expected expression"},
+      {"--[==[ a\nreturn 2", "i2"},
+      // Errors.
+      {"a ~ b", "error c:1:3: unexpected '~'"},
+      {"\n a\\b", "error c:2:3: unexpected character '\\'"},
+      {"x\xC3\xA4", "error c:1:2: unexpected character '\xC3'"},
+      {"\x7F", "error c:1:1: unexpected character '\x7F'"},
+      {"x =\n 'abc\"\n\n", "error c:2:2: unterminated string literal"},
+      {"\n'abc\n\\", "error c:2:1: unterminated string escape"},
+      {"x = [[\na]", "error c:1:5: unterminated long string literal"},
+      {"x\n --[[\n]", "error c:2:6: unterminated long string literal"},
+  };
+  for (const auto& [source, expected] : cases) EXPECT_EQ(expected, run(source)) << source;
+}
 
 // A source text's tree, with everything that has to outlive it.
 class ParsedChunk {

@@ -2,12 +2,9 @@
 #include <tarvel/lua/lua_vm.h>
 
 #include <cstddef>
-#include <latch>
 #include <regex>
 #include <string>
-#include <thread>
 #include <utility>
-#include <vector>
 
 #include "lua/stdlib/patterns/searcher.h"
 #include "lua/stdlib/patterns/translation.h"
@@ -116,22 +113,6 @@ TEST(PatternTest, DeepRecursionGivesTheRightAnswerOrAnError) {
     const std::string script = "return string.find('a', string.rep('" + std::string(unit);
     EXPECT_EQ(outcomeOn(std::size_t{8} << 20, script + "', 100000))"), exhausted()) << unit;
   }
-}
-
-// That they do not disturb each other inside the C++ library, only the thread sanitizer sees.
-TEST(PatternTest, IsCompiledOnThreadsAtOnce) {
-  std::vector<std::string> outcomes(4);
-  std::latch ready(static_cast<std::ptrdiff_t>(outcomes.size()));
-  std::vector<std::thread> threads;
-  for (std::string& outcome : outcomes) {
-    threads.emplace_back([&outcome, &ready] {
-      LuaVM vm;
-      ready.arrive_and_wait();
-      outcome = run(vm, "return string.gsub('one two_3', '([%a_]+)(%d)*', '#')");
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (const std::string& outcome : outcomes) EXPECT_EQ("['# #' i2]", outcome);
 }
 
 }  // namespace

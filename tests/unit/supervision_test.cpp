@@ -12,7 +12,7 @@
 #include "tests/unit/value_support.h"
 
 // Supervised interpreters: what counts as a step, and what is known of the calls that an error
-// passed through. How runs end that do too much: strangers_test.cpp.
+// passed through. How runs end that do too much: tests/refusal/bounds_test.cpp.
 
 namespace tarvel::lua {
 namespace {

@@ -16,6 +16,29 @@ end
 save("beside a function")
 print(content())  -- expect: beside a function
 -- expect:
+-- Functions share the variables of the scopes they were made in.
+function counter(n)
+  return function(step)
+    n = n + (step or 1)
+    return n
+  end
+end
+c1, c2 = counter(0), counter(100)
+print(c1(), c1(), c2(), c1(5), c2(-1))  -- expect: 1	2	101	7	100
+-- Changes made by the scope after the function was made are seen, and the other way round.
+function both()
+  local x = 1
+  get, put = function() return x end, function(v) x = v end
+  x = 2
+  local before = get()
+  put(3)
+  return before, x, get()
+end
+print(both())  -- expect: 2	3	3
+-- Each iteration has its own variables.
+readers = {}
+for k, v in pairs({a = 1, b = 2}) do readers[k] = function() return k .. v end end
+print(readers.a(), readers.b())  -- expect: a1	b2
 -- Functions that call themselves, directly or in functions inside, and functions that call others.
 function recursive(n)
   local function fact(k) return k < 2 and 1 or k * fact(k - 1) end
@@ -49,13 +72,6 @@ report = counting()
 print(content())  -- expect: closed with its block
 print(by())  -- expect: 12	22
 print(report())  -- expect: 4	1	22
--- Too few and too many arguments for a function that calls itself.
-local function sum(list, i, total)
-  if i == nil then return sum(list, 1, 0) end
-  if i > #list then return total end
-  return sum(list, i + 1, total + list[i], "surplus")
-end
-print(sum({1, 2, 3}))  -- expect: 6
 -- Parameters and loop variables that are assigned are shared; those that are not, are copied.
 function shared(a, b)
   local set = function(v) a = v end
@@ -110,20 +126,17 @@ function outer(a)
 end
 print(outer("a")()()(), outer("z")()()())  -- expect: a2	z2
 -- More variables than most functions need.
-function many()
-  local v0, v1, v2, v3, v4, v5, v6, v7, v8, v9 = 0, 1, 2, 3, 4, 5, 6, 7, 8, 9
-  local v10, v11, v12, v13, v14, v15, v16, v17, v18, v19 = 10, 11, 12, 13, 14, 15, 16, 17, 18, 19
-  local v20, v21, v22, v23, v24, v25, v26, v27, v28, v29 = 20, 21, 22, 23, 24, 25, 26, 27, 28, 29
-  local v30, v31, v32, v33, v34, v35, v36, v37, v38, v39 = 30, 31, 32, 33, 34, 35, 36, 37, 38, 39
-  local v40, v41, v42, v43, v44, v45, v46, v47, v48, v49 = 40, 41, 42, 43, 44, 45, 46, 47, 48, 49
-  local v50, v51, v52, v53, v54, v55, v56, v57, v58, v59 = 50, 51, 52, 53, 54, 55, 56, 57, 58, 59
+function many(a, b)
+  local v1, v2, v3, v4, v5, v6, v7, v8, v9, v10, v11, v12 = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12
+  local w1, w2, w3, w4, w5, w6, w7, w8, w9, w10, w11, w12 = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12
   return function()
-    v3 = v3 + 1
-    return v0 + v1 + v2 + v3 + v4 + v5 + v6 + v7 + v8 + v9 + v10 + v11 + v12 + v13 + v14 + v15 + v16 + v17 + v18 + v19 + v20 + v21 + v22 + v23 + v24 + v25 + v26 + v27 + v28 + v29 + v30 + v31 + v32 + v33 + v34 + v35 + v36 + v37 + v38 + v39 + v40 + v41 + v42 + v43 + v44 + v45 + v46 + v47 + v48 + v49 + v50 + v51 + v52 + v53 + v54 + v55 + v56 + v57 + v58 + v59
+    v3, w9 = v3 + 1, w9 + 1
+    local v = v1 + v2 + v3 + v4 + v5 + v6 + v7 + v8 + v9 + v10 + v11 + v12
+    return v + w1 + w2 + w3 + w4 + w5 + w6 + w7 + w8 + w9 + w10 + w11 + w12 + a + b
   end
 end
-m = many()
-print(m(), m())  -- expect: 1771	1772
+m = many(1000, 2000)
+print(m(), m())  -- expect: 3158	3160
 local function first() return 1 end
 local function call() return first() end
 function first() return 2 end

@@ -1,11 +1,5 @@
 -- if, while, and, or, not: only nil and false are false, and the operands themselves are the results.
-function truth(v)
-  if v then return "true" end
-  return "false"
-end
-print(truth(nil), truth(false), truth(true), truth(0), truth(""))  -- expect: false	false	true	true	true
-print(truth({}), truth(print), truth())  -- expect: true	true	false
-print(not nil, not false, not true, not 0, not (1 and nil), not 1 and nil)  -- expect: true	true	false	false	true	false
+print(not nil, not false, not true, not 0, not "", not {}, not (1 and nil))  -- expect: true	true	false	false	false	false	true
 print(1 and 2, nil and 2, false and 2, 1 or 2, nil or 2, false or nil)  -- expect: 2	nil	false	1	2	nil
 
 -- A call as operand or condition contributes its first value only; a call without values is nil.

@@ -57,23 +57,8 @@ function wrap(inner) return function() return inner end end
 for i = 1, 300000 do list = {next = {wrap(list)}} end
 list = nil
 
--- What a statement stored or used up is not released again when the next one fails.
-kept = {}
-function get() return kept end
-function two() return {}, {} end
-for i, statements in ipairs({
-  function() get().field = {} nothing.x = 1 end,
-  function() get()[1] = {} nothing.x = 1 end,
-  function() kept["a" .. 1] = {} nothing.x = 1 end,
-  function() first, second = {}, {} nothing.x = 1 end,
-  function() nothing.x = {} end,
-  function() return two() + 1 end,
-}) do
-  if pcall(statements) then print(i) end
-end
-print(type(kept.field), type(kept[1]), type(kept.a1), type(first), type(second))  -- expect: table	table	table	table	table
-
 -- Values that nobody keeps: of conditions, beyond the names of a declaration, in a long block.
+function two() return {}, {} end
 if two() then end
 if {} then end
 local one = two()

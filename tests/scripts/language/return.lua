@@ -1,11 +1,4 @@
--- return: a call in last place passes all its values on, elsewhere only the first.
-function three() return 1, 2, 3 end
-function middle() return three(), "m" end
-function grouped() return (three()) end
-print(middle())  -- expect: 1	m
-print(grouped())  -- expect: 1	2	3
-
--- From inside blocks and loops. Statements after it never run.
+-- return: from inside blocks and loops. Statements after it never run.
 function nested(n)
   if n == 1 then return "if" print("never") elseif n == 2 then return "elseif" else
     for i = 1, 10 do

@@ -1,5 +1,5 @@
 -- Tables against a plain model: a dense part that takes the keys below 65 and those at most eight past its end, and
--- other entries in the order in which they came.
+-- other entries in the order in which they came. Elements are also taken out, of which those behind move down.
 function newModel() return {size = 0, dense = {}, count = 0, keys = {}, values = {}} end
 function place(model, key)
   for i = 1, model.count do if model.keys[i] == key then return i end end
@@ -33,13 +33,22 @@ function set(model, key, value)
   end
   model.dense[key] = value
 end
+function length(model)
+  local length = 0
+  while get(model, length + 1) ~= 0 do length = length + 1 end
+  return length
+end
+function remove(model, position)
+  local last, value = length(model), get(model, position)
+  for i = position, last do set(model, i, i < last and get(model, i + 1) or 0) end
+  return value
+end
 -- The items as `pairs` delivers them, and the length.
 function describe(model)
-  local text, length = "", 0
+  local text = ""
   for i = 1, model.size do if model.dense[i] ~= 0 then text = text .. i .. "=" .. model.dense[i] .. " " end end
   for i = 1, model.count do text = text .. tostring(model.keys[i]) .. "=" .. model.values[i] .. " " end
-  while get(model, length + 1) ~= 0 do length = length + 1 end
-  return text .. length
+  return text .. length(model)
 end
 
 seed = 5
@@ -52,12 +61,13 @@ function key(low, high, size)
   if random(1, 12) == 1 then return rare[random(1, #rare)] end
   if low == "name" then return "name" .. random(1, high) end
   if low == "end" then return size + random(0, high) end
+  if low == "queue" then return random(1, 9) == 1 and random(1, size + 90) or size + 1 end
   return random(low, high)
 end
-for i, range in ipairs({{1, 20}, {50, 90}, {-5, 300}, {"end", 12}, {"name", 6}, {"name", 200}}) do
+for i, range in ipairs({{1, 20}, {50, 90}, {-5, 300}, {"end", 12}, {"name", 6}, {"name", 200}, {"queue", 0}}) do
   for nils = 0, 9, 3 do  -- of ten stores
     local model, t = newModel(), {}
-    for step = 1, 300 do
+    for step = 1, 400 do
       local k, v = key(range[1], range[2], #t), step
       set(model, k, random(1, 10) <= nils and 0 or v)
       v = get(model, k)
@@ -65,6 +75,10 @@ for i, range in ipairs({{1, 20}, {50, 90}, {-5, 300}, {"end", 12}, {"name", 6}, 
       -- Fields are remembered where they are read and written, whatever table comes along.
       if k == "a" then t.a = v ~= 0 and v or nil else t[k] = v ~= 0 and v or nil end
       if (t[k] or 0) ~= v or get(model, "a") ~= (t.a or 0) then print("wrong value", i, nils, step, k) end
+      if range[1] == "queue" and step > 150 then
+        local position = random(1, 8) == 1 and random(1, #t + 1) or 1
+        if (table.remove(t, position) or 0) ~= remove(model, position) then print("wrong removal", nils, step) end
+      end
       if step % 25 == 0 then
         local text = ""
         for k, v in pairs(t) do text = text .. tostring(k) .. "=" .. v .. " " end
