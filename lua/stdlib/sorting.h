@@ -105,13 +105,12 @@ T* choosePivot(T* first, T* last, Less& less) {
                        medianOfThree(last - 1 - 2 * step, last - 1 - step, last - 1, less), less);
 }
 
-// Moves the elements that belong to the front there, keeping their order, and returns the end of
-// them. What `belongs` says is computed with instead of branched on, because no processor could
-// foresee it.
+// Moves the elements of [next, last) that belong to the front to `end` on, keeping their order, and
+// returns the end of them. What `belongs` says is computed with instead of branched on, because no
+// processor could foresee it.
 template <class T, class Belongs>
-T* gather(T* first, T* last, Belongs belongs) {
-  T* end = first;
-  for (T* next = first; next < last; ++next) {
+T* gather(T* end, T* next, T* last, Belongs belongs) {
+  for (; next < last; ++next) {
     const T element = *next;
     const std::ptrdiff_t advance = belongs(element) ? 1 : 0;
     T* const place = next - ((next - end) & -advance);
@@ -120,6 +119,26 @@ T* gather(T* first, T* last, Belongs belongs) {
     end += advance;
   }
   return end;
+}
+
+// Gathers the elements that go before the pivot.
+template <class T, class Less>
+T* gatherBefore(T* first, T* last, const T& pivot, Less& less) {
+  const auto gatherBy = [&pivot](T* end, T* next, T* stop, auto& order) {
+    return gather(end, next, stop, [&](const T& element) { return order(element, pivot); });
+  };
+  T* end = first;
+  T* next = first;
+  if constexpr (CountsRanges<Less>) {
+    while (next < last) {
+      T* const stop = next + std::min(kSortedAtOnce, last - next);
+      auto* const plain = less.countAtOnce(stop - next, static_cast<std::uint64_t>(stop - next));
+      if (plain == nullptr) break;
+      end = gatherBy(end, next, stop, *plain);
+      next = stop;
+    }
+  }
+  return gatherBy(end, next, last, less);
 }
 
 // Each turn sorts what is behind a pivot and goes on with what is before it.
@@ -134,12 +153,13 @@ void sortWithin(T* first, T* last, int levelsLeft, Less& less) {
     if (levelsLeft-- == 0) return heapSort(first, last, less);
     std::swap(*first, *choosePivot(first, last, less));
     const T pivot = *first;
-    T* behind = gather(first + 1, last, [&](const T& element) { return less(element, pivot); });
+    T* behind = gatherBefore(first + 1, last, pivot, less);
     T* const place = behind - 1;
     std::swap(*first, *place);
     // Few elements before it: there may be many equal ones, which are in their place then.
     if (place - first < (last - first) / 8) {
-      behind = gather(behind, last, [&](const T& element) { return !less(pivot, element); });
+      behind =
+          gather(behind, behind, last, [&](const T& element) { return !less(pivot, element); });
     }
     sortWithin(behind, last, levelsLeft, less);
     last = place;

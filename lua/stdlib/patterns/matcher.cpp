@@ -374,7 +374,7 @@ template <class Work>
 
 // Takes more until what follows may match.
 template <class Work>
-bool Matcher::resumeLazy(Work& work, Choice*& top, const char*& at) {
+[[gnu::always_inline]] inline bool Matcher::resumeLazy(Work& work, Choice*& top, const char*& at) {
   Choice& choice = top[-1];
   const Instruction& made = *choice.instruction;
   at = work.scan(choice.at, end_, [set = made.stop](const char* from, const char* to) {
