@@ -101,6 +101,32 @@ TEST(LibraryWork, CountsTheSameEveryTime) {
   }
 }
 
+// Also where it is done in pieces, and where the run ends between two of these.
+TEST(LibraryWork, LeavesLongTablesRight) {
+  for (const char* element :
+       {"i * 7919 % 3001", "'k' .. i * 7919 % 3001", "-i", "i % 2 == 0 and i or 'k' .. i"}) {
+    LuaVM vm({.supervised = true});
+    run(vm, "t = {} for i = 1, 3000 do t[i] = " + std::string(element) +
+                " end before = table.concat(t, ' ')");
+    bool isDone = false;
+    for (std::uint64_t steps = 1000; !isDone; steps += 1000) {
+      vm.setLimits({.steps = steps});
+      isDone = vm.runScriptString("table.sort(t)", "c").ok;
+      vm.setLimits({});
+      EXPECT_EQ(isDone ? "false" : "true", run(vm, "return before == table.concat(t, ' ')"))
+          << element << ", " << steps;
+    }
+  }
+  const char* const script =
+      "local t, sum = {}, 0 "
+      "for i = 1, 5000 do t[i] = i % 997 == 0 and ('L'):rep(40000) or 'e' .. i end "
+      "for k, v in pairs(t) do t[5001] = v sum = sum * 31 % 1000003 + k + #v end "
+      "local o = {f = ''} for i = 1, 2000 do o.f = (o.f .. i) .. ' ' end "
+      "return table.concat(t, ', '), o.f, sum";
+  LuaVM supervised({.supervised = true});
+  LuaVM free;
+  EXPECT_TRUE(run(supervised, script) == run(free, script));
+}
 TEST(LibraryWork, WhatCannotBeInterruptedIsRefused) {
   const std::pair<const char*, const char*> cases[] = {
       {"return ('x'):find(('(%a)?'):rep(200))", "pattern is too complex"},
