@@ -133,6 +133,7 @@ Value LuaVM::Impl::callProtected(Value* frame, std::uint32_t count, Site site) {
 }
 
 MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
+  const internal::LandingBarrier barrier(landing);
   if (!callee.isFunction()) internal::failNotCallable(*this, callee, site);
   return callHandle(callee.function, arguments, site);
 }

@@ -117,12 +117,12 @@ struct Evaluated {
     return Rule::template tryFast<!Left::kInPlace, !Right::kInPlace>(left, right, out);
   }
 
-  // Takes over both operands.
+  // Takes over both operands. The right one is released first, which shows where both are files.
   [[gnu::noinline]] static bool ofOwned(const Node* comparison, Value*, Value left, Value right) {
     const bool applies = Rule::applies(left, right);
     const bool result = applies && Rule::decide(left, right);
-    drop(left);
     drop(right);
+    drop(left);
     if (!applies) failComparison(comparison);
     return result;
   }

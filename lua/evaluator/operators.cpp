@@ -118,8 +118,8 @@ bool compareValues(const Value& left, const Value& right, TokenKind op) {
 }
 
 void failArithmetic(const BinaryExpr* operation, Value left, Value right) {
-  drop(left);
   drop(right);
+  drop(left);
   operation->interpreter->raiseAt(operation->site,
                                   {"operator '", operatorText(operation->op), "' expects numbers"});
 }

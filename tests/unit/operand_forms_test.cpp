@@ -293,9 +293,10 @@ class Comparison {
 
 TEST(OperandForms, GiveWhatCallsGiveAndCallsWhatTheRulesSay) {
   const std::size_t before = Heap::liveBlocks();
-  const auto comparison = std::make_unique<Comparison>();
+  auto comparison = std::make_unique<Comparison>();
   comparison->checkRules();
   comparison->checkAll();
+  comparison.reset();
   EXPECT_EQ(before, Heap::liveBlocks());
 }
 

@@ -33,3 +33,14 @@ local close = f.close
 print(tostring(close), close, f.close == f.close)  -- expect: function: file:close	[function file:close]	true
 f = nil
 print(content(), type(close))  -- expect: method	function
+-- Of two operands that nobody else holds the right one is closed first, and both when they fail.
+function adding(text)
+  local f = io.open(arg[1] .. "/file", "a")
+  f:write(text)
+  return f
+end
+holding(""):close()
+same = adding("1") == adding("2")
+pcall(function() return adding("3") < adding("4") end)
+pcall(function() return adding("5") - adding("6") end)
+print(content())  -- expect: 214365
