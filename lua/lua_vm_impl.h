@@ -140,8 +140,7 @@ class LuaVM::Impl {
   [[noreturn]] void raisePending();
   // Fails in a node function that has nothing to release, in the same way. As failRuntime.
   [[noreturn]] void raiseAt(Site site, std::initializer_list<std::string_view> pieces);
-  // Call any value. The arguments are borrowed. Raises "attempt to call a ... value" at `site`.
-  internal::MultiValue callValue(const Value& callee, internal::ValueSpan arguments, Site site);
+  // Calls a function from native code. The arguments are borrowed.
   internal::MultiValue callHandle(internal::FunctionObject* function, internal::ValueSpan arguments,
                                   Site site);
   // Whether callee(first, second) gives a true first value: a comparator's call, without lists of

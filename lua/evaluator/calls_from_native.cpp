@@ -132,12 +132,6 @@ Value LuaVM::Impl::callProtected(Value* frame, std::uint32_t count, Site site) {
   return internal::failedCompletion();
 }
 
-MultiValue LuaVM::Impl::callValue(const Value& callee, ValueSpan arguments, Site site) {
-  const internal::LandingBarrier barrier(landing);
-  if (!callee.isFunction()) internal::failNotCallable(*this, callee, site);
-  return callHandle(callee.function, arguments, site);
-}
-
 MultiValue LuaVM::Impl::callHandle(internal::FunctionObject* function, ValueSpan arguments,
                                    Site site) {
   Value* const frame = stack.top();

@@ -90,7 +90,7 @@ class Host {
     return [name](LuaVM& self, ValueSpan arguments, Site site) {
       LuaVM::Impl& interpreter = LuaVM::Impl::of(self);
       const Value function = interpreter.globals.at(interpreter.globals.slotOf(name));
-      return interpreter.callValue(function, arguments, site);
+      return interpreter.callHandle(function.function, arguments, site);
     };
   }
 };
