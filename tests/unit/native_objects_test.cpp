@@ -90,6 +90,7 @@ class Host {
     return [name](LuaVM& self, ValueSpan arguments, Site site) {
       LuaVM::Impl& interpreter = LuaVM::Impl::of(self);
       const Value function = interpreter.globals.at(interpreter.globals.slotOf(name));
+      if (!function.isFunction()) internal::failRuntime(site, "attempt to call a nil value");
       return interpreter.callHandle(function.function, arguments, site);
     };
   }
