@@ -5,14 +5,12 @@ limits, terminals, files that are looked at after the program's end.
     tests/cli_test.py [--program FILE] [--sanitized] [unittest option ...]
 """
 
-import argparse
 import os
 import pathlib
 import pty
 import resource
 import select
 import signal
-import stat
 import subprocess
 import sys
 import tempfile
@@ -20,7 +18,9 @@ import unittest
 
 import run_scripts
 
-options = argparse.Namespace(program=str(run_scripts.ROOT / "build" / "tarvellua"), sanitized=False)
+parser = run_scripts.option_parser(__doc__)
+parser.add_argument("--sanitized", action="store_true", help="the program is built with sanitizers")
+options, others = parser.parse_known_args()
 
 STDOUT_FAILURE = "tarvellua: failed to write standard output\n"
 SECONDS = 60  # that anything here may take
@@ -32,6 +32,15 @@ def address_space(mebibytes):
 
 
 class ProgramTest(unittest.TestCase):
+    def open_terminal(self):
+        """Descriptors: what is written to the second can be read from the first."""
+        try:
+            controller, terminal = pty.openpty()
+        except OSError as error:
+            self.skipTest(f"no terminal to be had: {error}")
+        self.addCleanup(os.close, controller)
+        return controller, terminal
+
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="tarvellua-")
         self.addCleanup(folder.cleanup)
@@ -107,6 +116,7 @@ Usage:
         ):
             self.check(*arguments, status=1, stderr=f"tarvellua: {message}\n")
         self.assertFalse((self.folder / "out").exists())
+        self.assertTrue(pathlib.Path("/dev/full").is_char_device(), "half of a container is removed, a device is not")
         self.check_script("io.open(arg[1]):read()", memory, status=1, stderr=self.failure(1, "failed to read file"))
 
     def test_a_script_from_a_pipe(self):
@@ -126,9 +136,26 @@ Usage:
         stderr = "tarvellua: a\0b:1:1: expected expression\n"
         self.check("--run-bytecode", self.write("c", container), status=1, stderr=stderr)
 
+    @unittest.skipIf(options.sanitized, "sanitizers make frames too large")
+    def test_deep_recursion(self):
+        source = """
+            function depth(n) if n == 0 then return 0 end return 1 + depth(n - 1) end
+            function protected(n)
+              if n == 0 then return 0 end
+              local ok, below = pcall(protected, n - 1)
+              return below + 1
+            end
+            object = {}
+            function object:depth(n) return n == 0 and 0 or 1 + self:depth(n - 1) end
+            function shared(n)
+              local m = n
+              return (function() return m == 0 and 0 or 1 + shared(m - 1) end)()
+            end
+            print(depth(199999), protected(10000), object:depth(10000), shared(5000))"""
+        self.check_script(source, stdout="199999\t10000\t10000\t5000\n")
+
+    @unittest.skipIf(options.sanitized, "sanitizers need more address space")
     def test_little_memory(self):
-        if options.sanitized:
-            self.skipTest("sanitizers need more address space")
         source = "function depth(n) if n == 0 then return 0 end return 1 + depth(n - 1) end print(depth(10000))"
         for mebibytes in (200, 140, 100, 60, 40):
             self.check_script(source, preexec_fn=address_space(mebibytes), stdout="10000\n")
@@ -137,7 +164,7 @@ Usage:
             self.check_script(source, preexec_fn=address_space(1024), stdout="false\tnot enough memory\n")
 
 
-class StandardOutputTest(ProgramTest):
+class OutputTest(ProgramTest):
     def test_lines_of_every_length(self):
         script = self.write("script.lua", """
             for n = 90, 260 do
@@ -153,6 +180,8 @@ class StandardOutputTest(ProgramTest):
     def test_full_device(self):
         error = self.failure(1, "failed")
         at_once = self.failure(1, "failed to write file")
+        lost = "tarvellua: failed to write file\n"
+        keep = 'f = io.open("/dev/full", "w") f:write("text") '
         with open("/dev/full", "wb") as full:
             for source, status, stderr in (
                 ('print("x")', 1, STDOUT_FAILURE),
@@ -165,6 +194,12 @@ class StandardOutputTest(ProgramTest):
                 # Writing more than the buffer holds fails at once.
                 ('io.write(string.rep("x", 1000000))', 1, at_once + STDOUT_FAILURE),
                 ('io.stdout:write(string.rep("x", 1000000))', 1, at_once + STDOUT_FAILURE),
+                # Files that are still open, or no longer used.
+                (keep, 1, lost),
+                (keep + "os.exit(5)", 5, lost),
+                ('io.open("/dev/full", "w"):write("text") x = 1', 1, lost),
+                (keep + 'f = nil error("failed")', 1, error + lost),
+                (keep + "pcall(f.close, f)", 0, ""),
             ):
                 self.check_script(source, to=full, status=status, stderr=stderr)
             dialogue = b'x = 1\nio.stderr:write(x, "\\n")\n'
@@ -190,11 +225,7 @@ class StandardOutputTest(ProgramTest):
     def test_a_terminal_gets_each_line_at_once(self):
         script = self.write("script.lua", 'print("ready") io.open(arg[1]):read() io.write("done\\n")')
         os.mkfifo(self.path("pipe"))
-        try:
-            controller, terminal = pty.openpty()
-        except OSError as error:
-            self.skipTest(f"no terminal to be had: {error}")
-        self.addCleanup(os.close, controller)
+        controller, terminal = self.open_terminal()
         process = subprocess.Popen([options.program, script, self.path("pipe")], stdout=terminal)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
@@ -204,6 +235,21 @@ class StandardOutputTest(ProgramTest):
         self.write("pipe", "go on\n")
         self.assertEqual(process.wait(SECONDS), 0)
         self.assertEqual(os.read(controller, 100), b"done\r\n")
+
+    def test_what_a_run_leaves_in_its_files(self):
+        # The end closes what circles still hold, in the order of opening.
+        source = """
+            for i = 1, 3 do
+              local t = {file = io.open(arg[1], i == 1 and "w" or "a")}
+              t.self = t
+              t.file:write(i)
+            end
+            if arg[2] == "fail" then error("x") end
+            os.exit(7)
+        """
+        for arguments, status, stderr in (([], 7, ""), (["fail"], 1, self.failure(7, "x"))):
+            self.check_script(source, self.path("out"), *arguments, status=status, stderr=stderr, cyclic=True)
+            self.assertEqual(self.content("out"), "123")
 
 
 class HelpTest(ProgramTest):
@@ -215,11 +261,7 @@ class HelpTest(ProgramTest):
 
     def on_terminal(self, *arguments, stdin=b"", variables={}):
         """What the program writes to standard error where that is a terminal."""
-        try:
-            controller, terminal = pty.openpty()
-        except OSError as error:
-            self.skipTest(f"no terminal to be had: {error}")
-        self.addCleanup(os.close, controller)
+        controller, terminal = self.open_terminal()
         subprocess.run(
             [options.program, *arguments],
             input=stdin,
@@ -235,14 +277,8 @@ class HelpTest(ProgramTest):
             written += os.read(controller, 1000)
         return run_scripts.decode(written).removesuffix("end").replace("\r\n", "\n")
 
-    def test_hints_on_a_terminal_only(self):
-        script, out = self.write("script.lua", self.SCRIPT), self.path("out")
-        message = self.failure(2, self.MESSAGE)
-        self.check(script, status=1, stderr=message)
-        self.assertEqual(self.on_terminal(script), message + self.HINT)
-        self.check("--compile", script, out)
-        self.check("--run-bytecode", out, status=1, stderr=message)
-        self.assertEqual(self.on_terminal("--run-bytecode", out), message + self.HINT)
+    def test_hints_of_what_does_not_run(self):
+        out = self.path("out")
         self.assertEqual(self.on_terminal(self.write("script.lua", "error('x')")), self.failure(1, "x"))
         script, message = self.write("script.lua", "print 'x'"), self.failure("1:7", "expected function call")
         self.check("--compile", script, out, status=1, stderr=message)
@@ -265,7 +301,7 @@ class HelpTest(ProgramTest):
         plain = "".join(line + "\n" for line in stderr.splitlines() if not line.startswith("hint: "))
         self.check("--repl", stdin=lines, stdout="lua> " * 6, stderr=plain)
 
-    def test_traces_where_they_are_asked_for(self):
+    def test_hints_and_traces_of_a_script(self):
         script, out = self.write("script.lua", self.SCRIPT), self.path("out")
         self.check("--compile", script, out)
         trace = f"  in total ({script}:2)\n  in <chunk> ({script}:4)\n"
@@ -274,41 +310,12 @@ class HelpTest(ProgramTest):
         for value in ("1", "", "0", "11"):
             variables = {"TARVELLUA_TRACE": value}
             stderr = self.failure(2, self.MESSAGE) + (trace if value == "1" else "")
-            self.check(script, status=1, stderr=stderr, variables=variables)
-            self.check("--run-bytecode", out, status=1, stderr=stderr, variables=variables)
-            self.assertEqual(self.on_terminal(script, variables=variables), stderr + self.HINT)
+            for arguments in ([script], ["--run-bytecode", out]):
+                self.check(*arguments, status=1, stderr=stderr, variables=variables)
+                self.assertEqual(self.on_terminal(*arguments, variables=variables), stderr + self.HINT)
             stderr = "<repl>:1: x\n" + (frames if value == "1" else "")
             self.check("--repl", **dialogue, stderr=stderr, variables=variables)
             self.assertEqual(self.on_terminal("--repl", stdin=dialogue["stdin"], variables=variables), stderr)
-
-
-class FilesTest(ProgramTest):
-    def test_what_a_run_leaves_in_its_files(self):
-        # The end closes what circles still hold, in the order of opening.
-        source = """
-            for i = 1, 3 do
-              local t = {file = io.open(arg[1], i == 1 and "w" or "a")}
-              t.self = t
-              t.file:write(i)
-            end
-            if arg[2] == "fail" then error("x") end
-            os.exit(7)
-        """
-        for arguments, status, stderr in (([], 7, ""), (["fail"], 1, self.failure(7, "x"))):
-            self.check_script(source, self.path("out"), *arguments, status=status, stderr=stderr, cyclic=True)
-            self.assertEqual(self.content("out"), "123")
-
-    def test_text_that_cannot_be_stored(self):
-        lost = "tarvellua: failed to write file\n"
-        keep = 'f = io.open("/dev/full", "w") f:write("text") '
-        for source, status, stderr in (
-            (keep, 1, lost),
-            (keep + "os.exit(5)", 5, lost),
-            ('io.open("/dev/full", "w"):write("text") x = 1', 1, lost),
-            (keep + 'f = nil error("x")', 1, self.failure(1, "x") + lost),
-            (keep + "pcall(f.close, f)", 0, ""),
-        ):
-            self.check_script(source, status=status, stderr=stderr)
 
 
 class ContainerTest(ProgramTest):
@@ -365,23 +372,6 @@ class ContainerTest(ProgramTest):
         source = 'print(os.execute("exec 2> /dev/null; head -c 100000 /dev/zero > " .. arg[1] .. "; kill -l $?"))'
         self.check_script(source, out, preexec_fn=restrict, stdout="XFSZ\n0\n")
 
-    def test_a_full_device_stays(self):
-        device = self.path("full")
-        try:
-            os.mknod(device, stat.S_IFCHR | 0o666, os.makedev(1, 7))
-            with open(device, "w"):
-                pass
-        except OSError:
-            self.skipTest("needs the right to make a device")
-        failure = f"tarvellua: failed to write file: {device}\n"
-        self.check("--compile", self.write("script.lua", "x = 1"), device, status=1, stderr=failure)
-        self.assertTrue(stat.S_ISCHR(os.stat(device).st_mode))
-
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--program", default=options.program, help="default: build/tarvellua")
-    parser.add_argument("--sanitized", action="store_true", help="the program is built with sanitizers")
-    options, others = parser.parse_known_args()
-    options.program = os.path.abspath(options.program)
     unittest.main(argv=[sys.argv[0], *others])

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the examples of docs/*.md and README.md with tarvellua and checks what they promise.
 
-    tests/docs_test.py [--program PATH] [--sanitized]
+    tests/docs_test.py [--program PATH]
 
 A block fenced as ```lua is a whole script, with the directives of run_scripts.py. One fenced as ```console is a
 transcript: lines that begin with `$ ` are commands for sh, which finds the program as `tarvellua`; the lines that
@@ -9,7 +9,7 @@ begin with `lua> ` after a `tarvellua --repl` are typed into it; all others are 
 folder of its own. Other code has to be fenced with a language that is not checked here (OTHER_LANGUAGES), so that no
 example goes unchecked by a slip.
 
-The exit status is 0 if all examples passed, 1 if one failed, 2 for wrong usage.
+The exit status is 0 if all examples passed, else 1.
 """
 
 import concurrent.futures
@@ -24,26 +24,14 @@ import textwrap
 import run_scripts
 
 OTHER_LANGUAGES = ("text", "sh", "cmake", "cpp")
-FENCE = re.compile(r"```(.*)$")
 PROMPT = "lua> "
 
 
 def find_blocks(text):
     """The fenced blocks of a Markdown file, as pairs of a language and code."""
-    blocks = []
-    is_open = False
-    for line in text.split("\n"):
-        fence = FENCE.match(line)
-        if fence and not is_open:
-            is_open = True
-            blocks.append([fence[1].strip(), ""])
-        elif fence and not fence[1].strip():
-            is_open = False
-        elif is_open:
-            blocks[-1][1] += line + "\n"
-    if is_open:
-        blocks.append(["block without an end", ""])
-    return blocks
+    parts = re.split(r"^```", text, flags=re.MULTILINE)
+    blocks = [part.partition("\n")[::2] for part in parts[1::2]]
+    return blocks if len(parts) % 2 == 1 else [*blocks, ("block without an end", "")]
 
 
 def read_transcript(code):
@@ -70,47 +58,45 @@ def read_transcript(code):
     return "\n".join(commands), expected
 
 
-def check_script(code, root, options):
+def check_script(code, root, program):
     file = root / "example.lua"
     file.write_text(code, encoding="utf-8")
-    outcome = run_scripts.Runner(options.program, root, sanitized=options.sanitized).run_file(file)
-    return outcome.report if outcome.kind == "failed" else ""
+    return run_scripts.run_file(program, file, root)
 
 
-def check_transcript(code, root, options):
+def check_transcript(code, root, program):
     script, expected = read_transcript(code)
-    if not script:
-        return "a transcript without a command"
     tools = root / ".tools"
     tools.mkdir()
-    (tools / "tarvellua").symlink_to(options.program)
+    (tools / "tarvellua").symlink_to(program)
     setting = f"exec 2>&1\nPATH={shlex.quote(str(tools))}:$PATH\n"
-    run = run_scripts.Runner("sh", root).execute(["-c", setting + script], "", cyclic=False)
-    if run.status is not None and run.stdout == expected:
-        return ""
-    return "\n".join(run_scripts.report_difference("the commands' output", expected, run.stdout))
+    command = ["sh", "-c", setting + script]
+    status, output, _ = run_scripts.execute(command, root, "", run_scripts.environment())
+    is_right = script and status is not None and output == expected
+    return [] if is_right else run_scripts.report_difference("the commands' output", expected, output)
 
 
-def check_block(language, code, options):
-    """The problems of a block, as text; empty if there are none."""
+def check_block(language, code, program):
+    """The problems of a block, as lines."""
     checks = {"lua": check_script, "console": check_transcript}
     if language not in checks:
-        return "" if language in OTHER_LANGUAGES else f"unknown language of the block: '{language}'"
+        return [] if language in OTHER_LANGUAGES else [f"unknown language of the block: '{language}'"]
     with tempfile.TemporaryDirectory(prefix="tarvellua-docs-") as folder:
-        return checks[language](code, pathlib.Path(folder).resolve(), options)
+        return checks[language](code, pathlib.Path(folder).resolve(), program)
 
 
 def main():
-    options = run_scripts.parse_options(__doc__)
+    program = run_scripts.option_parser(__doc__).parse_args().program
     root = run_scripts.ROOT
     files = [*sorted((root / "docs").glob("*.md")), root / "README.md"]
     blocks = [(file, *block) for file in files for block in find_blocks(file.read_text(encoding="utf-8"))]
     failures = 0
     with concurrent.futures.ThreadPoolExecutor(max_workers=os.cpu_count()) as pool:
-        for block, problem in zip(blocks, pool.map(lambda block: check_block(*block[1:], options), blocks)):
-            if problem:
+        for block, problems in zip(blocks, pool.map(lambda block: check_block(*block[1:], program), blocks)):
+            if problems:
                 failures += 1
-                print(f"{block[0]}: an example fails\n{textwrap.indent(block[2] + problem, '  ')}")
+                report = "\n".join([block[2], *problems])
+                print(f"{block[0]}: an example fails\n{textwrap.indent(report, '  ')}")
     print(f"{len(blocks)} blocks, {failures} failed")
     return 1 if failures or not blocks else 0
 

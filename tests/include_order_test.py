@@ -22,17 +22,12 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
 
 def layer_of(path):
-    """The layer's position from the bottom; None for a file that is in no layer."""
-    folder = layer_folder(path)
-    return LAYERS.index(folder) if folder in LAYERS else None
-
-
-def layer_folder(path):
-    """The folder of the file's layer, which may have folders of its own."""
+    """The position from the bottom of a file's layer, which may have folders of its own; None outside of the layers."""
     folder = path.rpartition("/")[0]
-    if folder.startswith("cli/"):
-        return "cli"
-    return "lua/stdlib" if folder.startswith("lua/stdlib/") else folder
+    for layer in ("lua/stdlib", "cli"):
+        if folder.startswith(layer + "/"):
+            folder = layer
+    return LAYERS.index(folder) if folder in LAYERS else None
 
 
 def judge(path, included, sources):
@@ -44,7 +39,7 @@ def judge(path, included, sources):
     if included not in sources:
         return "no such file, counted from the repository's root"
     if included == SEAM:
-        mayInclude = path.endswith(".cpp") or layer_folder(path) == "lua"
+        mayInclude = path.endswith(".cpp") or layer_of(path) == LAYERS.index("lua")
         return None if mayInclude else "a header must not depend on the interpreter's state"
     if path.startswith("cli/") and not included.startswith("cli/"):
         if path.startswith(READS_TOKENS) and included.startswith(("lua/frontend/", "lua/value/")):
@@ -64,8 +59,7 @@ def main():
         for file in (ROOT / folder).rglob("*")
         if file.suffix in (".cpp", ".h")
     }
-    folders = {layer_folder(path) for path in sources}
-    problems = [f"{layer} is empty" for layer in LAYERS if layer not in folders]
+    problems = []
     for path, text in sorted(sources.items()):
         for quoted, angled in INCLUDE.findall(text):
             if quoted or angled.startswith(("lua/", "cli/")):

@@ -3,8 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 
 namespace tarvel::lua::fuzz {
+
+// What each target defines and the driver calls: what is wrong with what the bytes stand for; empty
+// if nothing is.
+std::string findProblem(std::span<const std::uint8_t> bytes);
 
 // Decisions taken from bytes, one byte each. Behind the last byte every decision is 0, which
 // generators make the plainest one, so that any bytes stand for something finite.

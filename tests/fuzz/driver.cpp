@@ -3,15 +3,24 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <string>
 #include <thread>
 #include <vector>
 
-// Runs a target of libFuzzer's form without libFuzzer: `driver COUNT [SEED [THREADS]]` gives it
-// COUNT inputs that follow from SEED, of growing size, on so many threads at once. Targets end the
-// process when they find something.
+#include "tests/fuzz/choices.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+// Gives a target its inputs and ends the process when it finds something: as a target of libFuzzer,
+// or without that as `driver COUNT [SEED [THREADS]]`, with COUNT inputs that follow from SEED, of
+// growing size, on so many threads at once.
 
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string problem = tarvel::lua::fuzz::findProblem({data, size});
+  if (problem.empty()) return 0;
+  std::fwrite(problem.data(), 1, problem.size(), stderr);
+  std::abort();
+}
+
+#ifndef TARVELLUA_LIBFUZZER
 int main(int count, char** arguments) {
   const auto argument = [&](int index, unsigned long otherwise) {
     return count > index ? std::strtoul(arguments[index], nullptr, 10) : otherwise;
@@ -35,3 +44,4 @@ int main(int count, char** arguments) {
   }
   std::printf("%lu inputs from seed %lu: nothing found\n", inputs, seed);
 }
+#endif

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -80,11 +78,7 @@ std::string problemOfContainer(std::string_view bytes) {
 
 }  // namespace
 
-}  // namespace tarvel::lua::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace tarvel::lua::fuzz;
-  const std::span<const std::uint8_t> bytes(data, size);
+std::string findProblem(std::span<const std::uint8_t> bytes) {
   const std::string raw(bytes.begin(), bytes.end());
   const std::string tokens = textOf(Choices(bytes));
   // Hardly any bytes would have the right beginning.
@@ -95,10 +89,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       {problemOfContainer(raw), raw},
       {problemOfContainer(container), container},
   };
-  for (const auto& [problem, text] : problems) {
-    if (problem.empty()) continue;
-    std::fprintf(stderr, "%s\n---- text\n%s\n", problem.c_str(), text.c_str());
-    std::abort();
-  }
-  return 0;
+  for (const auto& [problem, text] : problems)
+    if (!problem.empty()) return problem + "\n---- text\n" + text + "\n";
+  return {};
 }
+
+}  // namespace tarvel::lua::fuzz

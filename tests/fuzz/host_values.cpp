@@ -3,10 +3,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -123,7 +122,10 @@ void compareAs(const char* type, LuaVM& vm, const LuaValue& value, std::string& 
     problem.append(type).append(": ").append(expected + " | " + global + " | " + returned + "\n");
 }
 
-std::string problemOf(Choices choices) {
+}  // namespace
+
+std::string findProblem(std::span<const std::uint8_t> bytes) {
+  Choices choices(bytes);
   LuaVM vm;
   vm.runScriptString("function same(v) return v end", "chunk");
   const LuaValue value = valueOf(choices, 4);
@@ -147,17 +149,7 @@ std::string problemOf(Choices choices) {
   compareAs<std::unordered_map<std::string, double>>("table", vm, value, problem, true);
   compareAs<Place>("record", vm, value, problem);
   compareAs<std::vector<Place>>("records", vm, value, problem);
-  return problem.empty() ? problem : describe(value) + "\n" + problem;
+  return problem.empty() ? problem : describe(value) + "\n" + problem + "\n";
 }
-
-}  // namespace
 
 }  // namespace tarvel::lua::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace tarvel::lua::fuzz;
-  const std::string problem = problemOf(Choices({data, size}));
-  if (problem.empty()) return 0;
-  std::fprintf(stderr, "%s\n", problem.c_str());
-  std::abort();
-}

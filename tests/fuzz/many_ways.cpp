@@ -1,14 +1,13 @@
 #include <tarvel/lua/lua_vm.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "cli/script_container.h"
+#include "tests/fuzz/choices.h"
 #include "tests/fuzz/script_generator.h"
 
 // Runs the script that the bytes stand for in every placement, supervised, and plain from a
@@ -84,8 +83,9 @@ std::string compareSteps(const std::string& script, const Outcome& first) {
   return {};
 }
 
-// What differs, with the script; empty where all agree.
-std::string compareWays(std::span<const std::uint8_t> bytes) {
+}  // namespace
+
+std::string findProblem(std::span<const std::uint8_t> bytes) {
   const std::string script = generateScript(bytes, Placement::Locals);
   const Outcome expected = runScript(script, true, kMostSteps);
   if (expected.kind == LuaError::Kind::Steps) return {};
@@ -107,13 +107,4 @@ std::string compareWays(std::span<const std::uint8_t> bytes) {
   return {};
 }
 
-}  // namespace
-
 }  // namespace tarvel::lua::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string problem = tarvel::lua::fuzz::compareWays({data, size});
-  if (problem.empty()) return 0;
-  std::fputs(problem.c_str(), stderr);
-  std::abort();
-}

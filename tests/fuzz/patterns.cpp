@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <regex>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -181,7 +180,10 @@ return text
 
 std::string exhausted() { return std::regex_error(std::regex_constants::error_stack).what(); }
 
-std::string problemOf(Generator any) {
+}  // namespace
+
+std::string findProblem(std::span<const std::uint8_t> bytes) {
+  Generator any{Choices(bytes)};
   const bool isSupervised = any.oneIn(4);
   const bool isOnSmallStack = any.oneIn(8);
   const std::string pattern = any.pattern();
@@ -215,14 +217,4 @@ std::string problemOf(Generator any) {
   return {};
 }
 
-}  // namespace
-
 }  // namespace tarvel::lua::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace tarvel::lua::fuzz;
-  const std::string problem = problemOf(Generator(Choices({data, size})));
-  if (problem.empty()) return 0;
-  std::fwrite(problem.data(), 1, problem.size(), stderr);
-  std::abort();
-}

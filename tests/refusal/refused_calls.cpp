@@ -6,11 +6,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
+#include <optional>
 
 #include "tests/refusal/refused_memory.h"
 
@@ -20,19 +19,21 @@ namespace {
 
 // Only one thread at a time makes calls here.
 Fault current;
-std::array<std::atomic<std::size_t>, 9> counts{};
+std::size_t calls = 0;  // of its kind
 
 // 0, an errno, or kShort.
 int faultOf(Call call) noexcept {
-  const std::size_t number = counts[static_cast<std::size_t>(call)]++;
   if (call != current.call) return 0;
+  const std::size_t number = calls++;
   const bool isHit = current.withAllLater ? number >= current.number : number == current.number;
   return isHit ? current.error : 0;
 }
 
-bool isRefused(Call call) noexcept {
+// The count of a read or a write may become one byte.
+bool isRefused(Call call, std::size_t* count = nullptr) noexcept {
   const int fault = faultOf(call);
   if (fault > 0) errno = fault;
+  if (fault == kShort) *count = std::min<std::size_t>(1, *count);
   return fault > 0;
 }
 
@@ -40,14 +41,14 @@ bool isRefused(Call call) noexcept {
 
 void injectFault(const Fault& fault) noexcept {
   current = fault;
-  for (auto& count : counts) count = 0;
-  const bool isMemory = fault.call == Call::Memory;
-  refuseInProcess(isMemory ? fault.number : SIZE_MAX,
-                  fault.withAllLater ? Refused::WithAllLater : Refused::Alone);
+  calls = 0;
+  static std::optional<MemoryRefusal> memory;
+  memory.emplace(fault.call == Call::Memory ? fault.number : SIZE_MAX,
+                 fault.withAllLater ? Refused::WithAllLater : Refused::Alone);
 }
 
-std::size_t callCount(Call call) noexcept {
-  return call == Call::Memory ? countInProcess() : counts[static_cast<std::size_t>(call)].load();
+bool wasHit() noexcept {
+  return (current.call == Call::Memory ? MemoryRefusal::count() : calls) > current.number;
 }
 
 }  // namespace tarvel::lua::refusal
@@ -66,18 +67,12 @@ int __wrap_open(const char* path, int flags, ...) {
 
 ssize_t __real_read(int file, void* bytes, std::size_t count);
 ssize_t __wrap_read(int file, void* bytes, std::size_t count) {
-  const int fault = faultOf(Call::Read);
-  if (fault > 0) errno = fault;
-  return fault > 0 ? -1
-                   : __real_read(file, bytes, fault < 0 ? std::min<std::size_t>(1, count) : count);
+  return isRefused(Call::Read, &count) ? -1 : __real_read(file, bytes, count);
 }
 
 ssize_t __real_write(int file, const void* bytes, std::size_t count);
 ssize_t __wrap_write(int file, const void* bytes, std::size_t count) {
-  const int fault = faultOf(Call::Write);
-  if (fault > 0) errno = fault;
-  return fault > 0 ? -1
-                   : __real_write(file, bytes, fault < 0 ? std::min<std::size_t>(1, count) : count);
+  return isRefused(Call::Write, &count) ? -1 : __real_write(file, bytes, count);
 }
 
 // What fails is closed all the same.

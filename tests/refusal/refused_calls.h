@@ -27,7 +27,7 @@ struct Fault {
 void injectFault(const Fault& fault) noexcept;
 // Makes stdin and stdout streams that use read and write as those of the C library do.
 void useOwnStandardStreams();
-// How many calls there have been of a kind since the fault was set.
-std::size_t callCount(Call call) noexcept;
+// Whether there has been a call for the fault.
+bool wasHit() noexcept;
 
 }  // namespace tarvel::lua::refusal

@@ -23,8 +23,7 @@ struct State {
   std::size_t bytes = 0;
 };
 
-thread_local State threadState;
-State processState;
+State state;
 std::atomic<std::size_t> hostBlocks{0};
 
 std::atomic<std::size_t> bytesInUse{0};
@@ -35,10 +34,7 @@ void countBlock(void* block) noexcept {
   if (now > peak) peak = now;
 }
 
-State& activeState() noexcept { return threadState.isActive ? threadState : processState; }
-
 bool isRefused(const void* block, std::size_t bytes) noexcept {
-  State& state = activeState();
   if (!state.isActive) return false;
   if (bytes != 0 && block == state.block && bytes == state.bytes) return true;
   const std::size_t number = state.count++;
@@ -50,7 +46,6 @@ bool isRefused(const void* block, std::size_t bytes) noexcept {
 }
 
 void* newHostBlock(std::size_t bytes) noexcept {
-  activeState().bytes = 0;
   void* const block = isRefused(nullptr, 0) ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
   if (block != nullptr) ++hostBlocks;
   countBlock(block);
@@ -71,18 +66,12 @@ void deleteHostBlock(void* block) noexcept {
 }  // namespace
 
 MemoryRefusal::MemoryRefusal(std::size_t number, Refused which) noexcept {
-  threadState = {true, which, number, 0, nullptr, 0};
+  state = {true, which, number, 0, nullptr, 0};
 }
 
-MemoryRefusal::~MemoryRefusal() { threadState.isActive = false; }
+MemoryRefusal::~MemoryRefusal() { state.isActive = false; }
 
-std::size_t MemoryRefusal::count() noexcept { return threadState.count; }
-
-void refuseInProcess(std::size_t number, Refused which) noexcept {
-  processState = {true, which, number, 0, nullptr, 0};
-}
-
-std::size_t countInProcess() noexcept { return processState.count; }
+std::size_t MemoryRefusal::count() noexcept { return state.count; }
 
 std::size_t liveHostBlocks() noexcept { return hostBlocks; }
 

@@ -2,15 +2,16 @@
 
 #include <cstddef>
 
-// Refuses allocations of a thread: those of interpreters, which come from realloc and mmap, and
-// those of the host, which come from operator new. The linker puts the functions of
-// refused_memory.cpp in their place (tests/CMakeLists.txt).
+// Refuses allocations: those of interpreters, which come from realloc and mmap, and those of the
+// host, which come from operator new. The linker puts the functions of refused_memory.cpp in their
+// place (tests/CMakeLists.txt).
 
 namespace tarvel::lua::refusal {
 
 enum class Refused { Alone, WithAllLater };
 
-// For as long as it lives, the allocation of this number fails, from 0 on.
+// For as long as it lives, the allocation of this number fails, from 0 on. Other threads must not
+// allocate at the same time.
 class MemoryRefusal {
  public:
   MemoryRefusal(std::size_t number, Refused which) noexcept;
@@ -21,10 +22,6 @@ class MemoryRefusal {
   // How many allocations there have been since.
   static std::size_t count() noexcept;
 };
-
-// From now on, on all threads of this process, which must not allocate at the same time.
-void refuseInProcess(std::size_t number, Refused which) noexcept;
-std::size_t countInProcess() noexcept;
 
 // What operator new has handed out and nobody has given back, on all threads.
 std::size_t liveHostBlocks() noexcept;

@@ -1,5 +1,6 @@
--- mode: repl
--- A failing line is reported on standard error without a prefix, and the interpreter works on as before.
+-- repl:
+-- A failing line is reported on standard error without a prefix, and the interpreter works on as before. os.exit ends
+-- only its own line; "exit" or "quit" ends the loop, but only as the whole line. The status is 0.
 -- stdin: print("a") print(nil + 1) print("b")
 -- stdin: x = = 1
 -- stdin: function f() error("inside f") end
@@ -8,9 +9,16 @@
 -- stdin: return pairs({})
 -- stdin: function depth(n) if n == 0 then return 0 end return 1 + depth(n - 1) end
 -- stdin: depth(-1)
--- stdin: print(depth(10000), pcall(f))
+-- stdin: print(depth(10000), pcall(f)) os.exit(3) print("never")
+-- stdin: pcall(os.exit, 4) print("never")
+-- stdin: quit()
+-- stdin: exit;
+-- stdin: Exit = 5 exit = Exit print(exit)
+-- stdin: quit
+-- stdin: print("never")
 -- expect: lua> a
 -- expect: lua> lua> lua> lua> lua> lua> lua> lua> 10000	false	inside f
+-- expect: lua> lua> lua> lua> 5
 -- expect: lua> 
 -- expect stderr: <repl>:1: operator '+' expects numbers
 -- expect stderr: <repl>:1:5: expected expression
@@ -18,3 +26,5 @@
 -- expect stderr: type expects 1 argument
 -- expect stderr: value cannot be bridged out of TarvelLua
 -- expect stderr: <repl>:1: stack overflow
+-- expect stderr: <repl>:1: attempt to call a nil value
+-- expect stderr: <repl>:1:5: expected function call

@@ -1,4 +1,4 @@
--- mode: repl
+-- repl:
 -- args: ignored --compile
 -- Every line is a chunk of its own: globals stay, locals go, but not those that a function holds; results are not
 -- shown. The last line needs no line feed.

@@ -16,25 +16,6 @@ end
 save("beside a function")
 print(content())  -- expect: beside a function
 -- expect:
--- Functions share the variables of the scopes they were made in.
-function counter(n)
-  return function(step)
-    n = n + (step or 1)
-    return n
-  end
-end
-c1, c2 = counter(0), counter(100)
-print(c1(), c1(), c2(), c1(5), c2(-1))  -- expect: 1	2	101	7	100
--- Changes made by the scope after the function was made are seen, and the other way round.
-function both()
-  local x = 1
-  get, put = function() return x end, function(v) x = v end
-  x = 2
-  local before = get()
-  put(3)
-  return before, x, get()
-end
-print(both())  -- expect: 2	3	3
 -- Each iteration has its own variables.
 readers = {}
 for k, v in pairs({a = 1, b = 2}) do readers[k] = function() return k .. v end end
@@ -108,9 +89,6 @@ local function renamed(n)
 end
 print(renamed(0), renamed(1), renamed(0))  -- expect: first	second	second
 renamed = nil
-local function f() return "f" end
-function f() return "declared again" end
-print(f())  -- expect: declared again
 -- Through several levels, some of which do not name the variable themselves.
 function outer(a)
   local b = 1
@@ -137,6 +115,7 @@ function many(a, b)
 end
 m = many(1000, 2000)
 print(m(), m())  -- expect: 3158	3160
+-- The same by a declaration that follows a function that names it.
 local function first() return 1 end
 local function call() return first() end
 function first() return 2 end

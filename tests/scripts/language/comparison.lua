@@ -1,7 +1,4 @@
--- Ordering of numbers and of strings; nothing else can be ordered. == compares any two values.
--- Mixed operands are ordered as doubles, and equal within the machine epsilon.
-print(9007199254740993 > 9007199254740992.0, 9007199254740993 == 9007199254740992.0)  -- expect: false	true
-print(1 < 1.0000000000000002, 1 == 1.0000000000000002, 1 ~= 1.0000000000000005)  -- expect: true	true	true
+-- Strings and objects compared; numbers: tests/unit/operand_forms_test.cpp.
 -- Strings by unsigned bytes, then by length.
 print("a" < "ab", "ab" < "b", "" < "", "Z" < "a", "10" < "9")  -- expect: true	true	false	true	true
 print("z" < "é", "a\0b" < "a\0c", "abc" > "abd", "abc" >= "abc")  -- expect: true	true	false	true
@@ -10,5 +7,4 @@ print("ab" .. "cd" == "abcd", "a\0b" == "a\0c", "abc" ~= "ab", 1 == "1")  -- exp
 t, it = {}, pairs({})
 print(t == t, t == {}, it == pairs({}), io.stdout == io.stdout)  -- expect: true	false	false	true
 print(print == print, print ~= tostring, nil == false, "true" == true)  -- expect: true	true	false	false
-print(pcall(function() return 1 < "2" end))  -- expect: false	ordered comparisons require matching numbers or strings
 print(pcall(function() return {} >= {} end))  -- expect: false	ordered comparisons require matching numbers or strings

@@ -1,7 +1,8 @@
 -- A failure goes from where it happens to the pcall through calls of every form: as statements, returned, stored in
 -- locals, as operands, arguments and conditions; through loops, branches and other pcalls.
 
-local function fail(text) error(text) end  -- expect error: uncaught
+-- An uncaught error is located at the call of error, whatever the level.
+local function fail(text) error(text, 2) end  -- expect error: uncaught
 local object = {fail = function(self, text) fail(text) end}
 for i, f in ipairs({
   fail,
@@ -67,6 +68,10 @@ end
 -- expect: false	error
 print(pcall(error, "native"), pcall(pcall, error, 7))
 -- expect: false	true	false	7
+-- A message is always a string.
+local problem = {}
+local ok, message = pcall(error, problem)
+print(message == tostring(problem), pcall(assert, false, nil))  -- expect: true	false	nil
 local function uncaught()
   local x = fail("uncaught")
 end

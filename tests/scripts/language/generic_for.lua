@@ -1,18 +1,4 @@
 -- Generic for: advances an iterator value; iterator functions do not exist.
-list = {"a", "b"}
-for i, list, extra in ipairs(list) do print(i, list, extra) end
--- expect: 1	a	nil
--- expect: 2	b	nil
-
--- An iterator keeps its position: a second loop goes on where the first one stopped.
-it = ipairs({"one", "two", "three"})
-for i, v in it do
-  if i == 2 then break end
-end
-for i, v in it do print(i, v) end  -- expect: 3	three
-for i in it do print("exhausted") end
-for i in ipairs({"a"}) do print(i) end  -- expect: 1
-
 print(pcall(function() for x in function() end do end end))  -- expect: false	generic for loop expects an iterator
 print(pcall(function() for x in nil, pairs({}) do end end))  -- expect: false	generic for loop expects an iterator
 iterators = {("k=v"):gmatch("(k)=(v)"), ipairs({"x"})}
@@ -22,6 +8,15 @@ for i = 1, 2 do
 end
 -- expect: k	v	nil	nil
 -- expect: 1	x	nil	nil
+
+-- ipairs gives the indices 1 to #t of the call, with the values as they are when the loop gets there.
+t = {"a", "b", "c", "d"}
+for i, value in ipairs(t) do
+  if i == 1 then t[2], t[3], t[5] = "changed", nil, "new" end
+  io.write(i, "=", tostring(value), " ")
+end
+for i in ipairs({1, 2, nil, 4, x = 5}) do io.write(i, " ") end
+print("")  -- expect: 1=a 2=changed 3=nil 4=d 1 2 
 
 -- pairs gives the items of the call, whatever is done to the table meanwhile, which sees all of it at once.
 function described(iterator)

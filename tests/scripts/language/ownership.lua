@@ -29,17 +29,12 @@ print(t[1])  -- expect: nil
 
 -- The tables and iterators of running loops.
 seen, t = "", {{"x"}, {"y"}}
-for i, v in ipairs(t) do
-  t[1], t[2] = nil, nil
-  seen = seen .. i .. tostring(v and v[1]) .. " "
-end
-t = {{"x"}, {"y"}}
 it = pairs(t)
 for i, v in it do
   t, it = nil, nil
   seen = seen .. i .. v[1] .. " "
 end
-print(seen)  -- expect: 1x 2nil 1x 2y 
+print(seen)  -- expect: 1x 2y 
 
 -- A key that no table takes is released once, also where its element is only needed for a moment.
 keep, t = {value = "mine"}, {}

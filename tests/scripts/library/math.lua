@@ -1,7 +1,5 @@
 -- math.floor(x): the largest whole number that is not above x. math.max and math.min: a whole result is an integer,
 -- whatever the arguments were. All compute with floats.
-print(math.floor(2), math.floor(-0.0000000001), math.max(1, 2, 3), math.min(-1, -2))  -- expect: 2	-1	3	-2
-
 -- Integers beyond 2^53 lose their last digits; 2^63 itself saturates, beyond that the float itself comes back.
 print(math.floor(9007199254740993), math.max(9007199254740993))  -- expect: 9007199254740992	9007199254740992
 limit = 4611686018427387904.0 * 2

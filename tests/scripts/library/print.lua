@@ -1,5 +1,8 @@
--- print(...): the values separated by tabs, then a line feed. It returns one nil.
-print("a", true, false, nil, 0.5, 2.0, 1 / 3, -7)  -- expect: a	true	false	nil	0.5	2	0.333333	-7
+-- print(...): the values separated by tabs, then a line feed. It returns one nil. tostring(v): objects by address.
+t = {}
+print(tostring(t) == tostring(t), tostring(t) == tostring({}), #tostring("a\0b"))  -- expect: true	false	3
+print(tostring(t):sub(1, 9), tostring(io.stdout):sub(1, 12), tostring(pairs(t)):sub(1, 12))
+-- expect: table: 0x	userdata: 0x	iterator: 0x
 print(print())
 -- expect:
 -- expect: nil

@@ -25,9 +25,6 @@ end
 print(math.floor(forget(7.5)), pcall(function() return math.floor(7.5) end))
 -- expect: 7	false	attempt to call a nil value
 math.floor = floor
-print(pcall(function() return math.floor(forget("seven")) end))
--- expect: false	math.floor expects a numeric argument
-math.floor = floor
 floor = nil
 print(pcall(function() return math.floor(forget({})) end))
 -- expect: false	math.floor expects a numeric argument

@@ -10,14 +10,6 @@ for key in words do print(key) end  -- expect: c
 for key in words do print("never") end
 print(type(words))  -- expect: iterator
 
--- An empty match is an item, and the search goes on behind the next byte. Each search sees only what is left, so `^`
--- matches at the start of each.
-function list(subject, pattern)
-  local text = ""
-  for match in string.gmatch(subject, pattern) do text = text .. "<" .. match .. ">" end
-  return text
-end
-print(list("abc", ""), list("a b", "%a?"), list("aaba", "^a"))  -- expect: <><><><>	<a><><b><>	<a><a>
 -- What happens between two steps does not matter: other searches, so many that the pattern's own form is forgotten,
 -- other values of the variables. The same where groups are repeated.
 function interrupted(subject, pattern)

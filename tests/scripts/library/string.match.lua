@@ -1,10 +1,4 @@
--- string.match(s, pattern [, init]): the captures, or the whole match where there are no groups.
-print(string.match("<a><b>", "<.->"), string.match("ab", "((a)(b))"))  -- expect: <a>	ab	a	b
-
--- A group in a repetition keeps its last round; lookaheads come through.
-print(string.match("abc", "(%w)*"), string.match("ab ac", "a(?=c)."))  -- expect: c	ac
-print(string.match("abc", "^b.", 2), string.match("abc", "c?", 4) == "")  -- expect: bc	true
-
+-- string.match(s, pattern [, init]); what is found: tests/fuzz/patterns.cpp.
 -- Only the latest patterns are kept, and none is taken for another.
 for i = 1, 1400 do
   local text = "n" .. i % 700
