@@ -14,11 +14,14 @@
 
 #include "lua/bridge_access.h"
 #include "lua/evaluator/call_protocol.h"
+#include "lua/failure_report.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/native_objects.h"
 #include "lua/stdlib/arguments.h"
 #include "lua/value/completion.h"
 #include "lua/value/errors.h"
+#include "lua/value/memory_charge.h"
+#include "lua/value/work_meter.h"
 
 // Functions of the host with parameters of their own types, as scripts call them.
 
@@ -77,9 +80,11 @@ class ArgumentsAccess {
 Callable::~Callable() = default;
 
 std::vector<LuaValue> Arguments::rest(std::size_t index) const {
-  std::vector<LuaValue> values;
-  for (; index < count_; ++index) values.push_back(at(index).toPublic());
-  return values;
+  const auto* const values = reinterpret_cast<const Value*>(first_);
+  if (index >= count_) return {};
+  const LuaVM::Impl& interpreter = internal::implOf(interpreter_);
+  internal::MemoryCharge memory(interpreter.heap);
+  return interpreter.valuesToPublic(ValueSpan(values + index, count_ - index), memory, site_);
 }
 
 void* Arguments::receiver(const void* classKey) const {
@@ -100,7 +105,10 @@ void Arguments::fail(std::size_t index, const char* expected, bool isOfKind,
     expected = isObject ? " received the wrong userdata type" : " expects userdata";
   }
   if (!isOfKind) internal::failArgument(name_->c_str(), expected, site_);
-  const std::string text = ": argument " + std::to_string(index + 1) + ": " + problem.message();
+  // The receiver of a method, whose name has a colon, is not among the arguments that one sees.
+  const bool isMethod = name_->find(':') != std::string::npos;
+  const std::size_t number = index + (isMethod ? 0 : 1);
+  const std::string text = ": argument " + std::to_string(number) + ": " + problem.message();
   internal::failArgument(name_->c_str(), text.c_str(), site_);
 }
 
@@ -118,17 +126,19 @@ using internal::Value;
 namespace {
 
 // What the host throws becomes an error at the call. What is an error of the script already, from
-// its arguments, passes.
-inline void callHost(Callable& function, bridge::Arguments& arguments, internal::Site site) {
+// its arguments, passes. Where it tells of a run inside of this one that had to end, so must this.
+inline void callHost(Callable& function, bridge::Arguments& arguments, internal::WorkMeter& meter,
+                     Site site) {
   try {
     function.call(arguments);
   } catch (const internal::RuntimeError&) {
     throw;
-  } catch (const std::bad_alloc& error) {
-    internal::failRuntime(site, std::string(internal::exceptionText(error)),
-                          internal::FailureKind::Memory);
+  } catch (internal::StopSignal& stop) {
+    if (stop.site == 0) stop.site = site;  // while arguments were converted
+    throw;
   } catch (const std::exception& error) {
-    internal::failRuntime(site, error.what(), internal::FailureKind::Host);
+    meter.spend(0, site);
+    internal::failRuntime(site, internal::exceptionText(error), internal::hostFailureKind(error));
   }
 }
 
@@ -160,7 +170,9 @@ struct BoundCode final : internal::NativeCode {
     const auto& code = *static_cast<const BoundCode*>(frame[0].function->code);
     bridge::Arguments arguments = bridge::ArgumentsAccess::make(
         interpreter, internal::ValueSpan(frame + 1, count), results, code.name, site);
-    callHost(*code.callable, arguments, site);
+    internal::WorkMeter& meter = interpreter.heap.meter();
+    callHost(*code.callable, arguments, meter, site);
+    Supervision::hostReturned(meter, site);
     call.returned();
     const Value completion = results.take();
     stack.setTop(outerTop);

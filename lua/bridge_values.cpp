@@ -10,6 +10,7 @@
 #include "lua/bridge_access.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
+#include "lua/value/memory_charge.h"
 #include "lua/value/metered_work.h"
 #include "lua/value/number_rules.h"
 #include "lua/value/record_keys.h"
@@ -19,6 +20,7 @@
 
 namespace tarvel::lua::bridge {
 
+using internal::MemoryCharge;
 using internal::OwnedValue;
 using internal::Table;
 using internal::TableKey;
@@ -51,23 +53,52 @@ RecordNames::RecordNames(const char* const* fieldNames, std::size_t fieldCount) 
 
 // ---- Problems -----------------------------------------------------------------------------------
 
+namespace {
+
+// Scripts choose names, and how deep a value is.
+constexpr std::size_t kMostOfName = 100;  // bytes
+constexpr std::size_t kMostOfPath = 200;  // bytes, in each of the two parts that are kept
+
+// Cut between two characters, if it is long.
+std::string shortened(std::string_view name) {
+  if (name.size() <= kMostOfName) return std::string(name);
+  std::size_t end = kMostOfName;
+  const auto goesOn = [&] { return (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80; };
+  while (end > 0 && goesOn()) --end;
+  return std::string(name.substr(0, end)) + "...";
+}
+
+}  // namespace
+
 bool Problem::expected(std::string_view what, const std::string& got) {
   return say(std::string(what).append(" expected, got ").append(got));
 }
 
 bool Problem::say(std::string text) {
-  words_ = std::make_unique<Words>(Words{{}, std::move(text)});
+  words_ = std::make_unique<Words>();
+  words_->text = std::move(text);
   return false;
 }
 
+bool Problem::unknownField(std::string_view name) {
+  return say("unknown field '" + shortened(name) + "'");
+}
+
 bool Problem::inPart(std::string part) {
-  std::string& path = words_->path;
-  if (!path.empty() && path.front() != '[') part.append(".");
+  Words& words = *words_;
+  const bool isInner = words.outerPath.empty() && words.path.size() <= kMostOfPath;
+  std::string& path = isInner ? words.path : words.outerPath;
+  if (path.size() > kMostOfPath) {
+    words.isCut = true;
+    path.clear();
+  }
+  const std::string& next = path.empty() && !words.isCut ? words.path : path;
+  if (!next.empty() && next.front() != '[') part.append(".");
   path.insert(0, part);
   return false;
 }
 
-bool Problem::inField(std::string_view name) { return inPart(std::string(name)); }
+bool Problem::inField(std::string_view name) { return inPart(shortened(name)); }
 
 bool Problem::inElement(std::size_t number) { return inPart("[" + std::to_string(number) + "]"); }
 
@@ -78,7 +109,9 @@ bool Problem::enterDeep() {
 
 std::string Problem::message() const {
   if (words_ == nullptr) return {};
-  return words_->path.empty() ? words_->text : words_->path + ": " + words_->text;
+  const char* const between = words_->isCut ? " ... " : "";
+  const std::string path = words_->outerPath + between + words_->path;
+  return path.empty() ? words_->text : path + ": " + words_->text;
 }
 
 LuaError Problem::toError() const {
@@ -89,6 +122,31 @@ LuaError Problem::toError() const {
 }
 
 // ---- Out of the interpreter ---------------------------------------------------------------------
+
+// After a failure nothing is charged any more, because the whole conversion fails.
+template <class Work>
+void CopyCharge::within(Interpreter* interpreter, const Work& work) {
+  interpreter_ = interpreter;
+  MemoryCharge memory(internal::implOf(interpreter).heap, {credit_, std::exchange(charged_, 0)});
+  work(memory);
+  const MemoryCharge::Count count = memory.release();
+  credit_ = count.credit;
+  charged_ = count.charged;
+}
+
+void CopyCharge::extend(Interpreter* interpreter, std::size_t bytes) {
+  within(interpreter, [bytes](MemoryCharge& memory) { memory.add(bytes); });
+}
+
+void CopyCharge::clear() noexcept { internal::implOf(interpreter_).heap.discharge(charged_); }
+
+LuaValue CopyCharge::toPublic(Interpreter* interpreter, RawValue value) {
+  LuaValue copy;
+  within(interpreter, [&](MemoryCharge& memory) {
+    copy = internal::implOf(interpreter).valueToPublic(toValue(value), memory);
+  });
+  return copy;
+}
 
 bool ScriptValue::readBoolean(RawValue raw, bool& out) noexcept {
   const Value value = toValue(raw);
@@ -119,14 +177,19 @@ bool ScriptValue::read(LuaFunction& out) const {
   return true;
 }
 
-LuaValue ScriptValue::toPublic() const {
-  return internal::implOf(interpreter_).valueToPublic(toValue(raw_));
+void ScriptValue::countText(CopyCharge& charge, std::size_t bytes) const {
+  charge.add(interpreter_, bytes);
+  countWork(bytes / internal::kBytesPerStep);
+}
+
+void ScriptValue::countWork(std::size_t steps) const {
+  internal::implOf(interpreter_).heap.meter().spend(steps, 0);
 }
 
 void ScriptValue::countCopy() const {
   const Table& table = *toValue(raw_).table;
   const std::uint64_t items = std::uint64_t{table.arraySize()} + table.entryCount();
-  internal::implOf(interpreter_).heap.meter().spend(1 + items / internal::kElementsPerStep, 0);
+  countWork(1 + items / internal::kElementsPerStep);
 }
 
 bool ScriptValue::isSequence() const noexcept { return internal::isSequence(*toValue(raw_).table); }

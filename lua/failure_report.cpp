@@ -28,6 +28,22 @@ LuaError::Kind publicKind(FailureKind kind) noexcept {
 
 }  // namespace
 
+FailureKind hostFailureKind(const std::exception& error) noexcept {
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return FailureKind::Memory;
+  const auto* const passedOn = dynamic_cast<const LuaException*>(&error);
+  if (passedOn == nullptr) return FailureKind::Host;
+  switch (passedOn->error().kind) {
+    case LuaError::Kind::Script:
+      return FailureKind::Script;
+    case LuaError::Kind::Stack:
+      return FailureKind::Stack;
+    case LuaError::Kind::Memory:
+      return FailureKind::Memory;
+    default:
+      return FailureKind::Host;
+  }
+}
+
 // ---- While the frames stand ---------------------------------------------------------------------
 
 FailureReport::FailureReport(const LuaVM::Impl& interpreter) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@
 #include "lua/value/trace.h"
 
 namespace tarvel::lua::internal {
+
+// Of what a function of the host threw. Errors of runs inside of it that it passes on keep theirs.
+FailureKind hostFailureKind(const std::exception& error) noexcept;
 
 // What ended a run, on its way from an exception to the words for the host. In two steps, because
 // the frames of the run keep alive what is needed to say where it failed, and use memory that may

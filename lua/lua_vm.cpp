@@ -196,11 +196,12 @@ LuaResult LuaVM::Impl::tryRun(const std::string& source, const std::string& chun
 
 LuaValue LuaVM::Impl::resultsToPublic(internal::ValueSpan results) const {
   if (results.empty()) return LuaValue();
-  if (results.size() == 1) return valueToPublic(results[0]);
+  internal::MemoryCharge memory(heap);
+  if (results.size() == 1) return valueToPublic(results[0], memory);
   const OwnedValue list(Value(Table::create(heap, static_cast<std::uint32_t>(results.size()))));
   std::int64_t key = 0;
   for (const Value& value : results) list.get().table->setInteger(++key, retain(value));
-  return valueToPublic(list.get());
+  return valueToPublic(list.get(), memory);
 }
 
 LuaResult LuaVM::Impl::makeSuccess(internal::ValueSpan results) const {

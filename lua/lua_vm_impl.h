@@ -96,7 +96,7 @@ class LuaVM::Impl {
   LuaResult run(const std::string& source, const std::string& chunkName);
   void bindFunction(const std::string& name, HostFunction function);
   // Borrow their argument; throw std::runtime_error for what cannot cross.
-  LuaValue valueToPublic(const Value& value) const;
+  LuaValue valueToPublic(const Value& value, internal::MemoryCharge& memory) const;
   // The copies count as memory as long as `memory` lives.
   std::vector<LuaValue> valuesToPublic(internal::ValueSpan values, internal::MemoryCharge& memory,
                                        Site site) const;

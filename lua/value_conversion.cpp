@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "lua/bridge_access.h"
+#include "lua/failure_report.h"
 #include "lua/lua_vm_impl.h"
 #include "lua/public_value.h"
 #include "lua/release_scope.h"
@@ -263,8 +264,7 @@ class FromPublic {
 
 // ---- The interpreter's side ---------------------------------------------------------------------
 
-LuaValue LuaVM::Impl::valueToPublic(const Value& value) const {
-  MemoryCharge memory(heap);
+LuaValue LuaVM::Impl::valueToPublic(const Value& value, MemoryCharge& memory) const {
   return ToPublic(heap, memory, 0).write(value);
 }
 
@@ -282,20 +282,24 @@ void LuaVM::Impl::bindFunction(const std::string& name, HostFunction function) {
     bindNativeGlobal(name, {});
     return;
   }
-  bindNativeGlobal(name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments,
-                                                          Site site) {
-    Impl& interpreter = Impl::of(vm);
-    MemoryCharge memory(interpreter.heap);
-    const std::vector<LuaValue> publicArguments =
-        interpreter.valuesToPublic(arguments, memory, site);
-    try {
-      return MultiValue(interpreter.publicToValue(function(*interpreter.owner, publicArguments)));
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (const std::exception& error) {
-      failHost(site, error);
-    }
-  });
+  bindNativeGlobal(
+      name, [function = std::move(function)](LuaVM& vm, ValueSpan arguments, Site site) {
+        Impl& interpreter = Impl::of(vm);
+        MemoryCharge memory(interpreter.heap);
+        const std::vector<LuaValue> publicArguments =
+            interpreter.valuesToPublic(arguments, memory, site);
+        internal::WorkMeter& meter = interpreter.heap.meter();
+        try {
+          const LuaValue result = function(*interpreter.owner, publicArguments);
+          meter.spend(0, site);  // a run inside of it may have used up what this one had
+          return MultiValue(interpreter.publicToValue(result));
+        } catch (const std::bad_alloc&) {
+          throw;
+        } catch (const std::exception& error) {
+          meter.spend(0, site);
+          failHost(site, error, internal::hostFailureKind(error));
+        }
+      });
 }
 
 }  // namespace tarvel::lua

@@ -23,6 +23,7 @@ struct FunctionExpr;
 struct Unsupervised {
   static void step(WorkMeter&, const Site&) noexcept {}
   static void moved(std::size_t, WorkMeter&, Site) noexcept {}
+  static void hostReturned(WorkMeter&, Site) noexcept {}
 
   struct Rounds {
     Rounds(WorkMeter&, const Site&) noexcept {}
@@ -46,6 +47,10 @@ struct Supervised {
   static void moved(std::size_t values, WorkMeter& meter, Site site) {
     meter.spend(stepsForBytes(values * sizeof(Value)), site);
   }
+
+  // A function of the host has returned, called at `site`. A run inside of it may have used up what
+  // this one had.
+  static void hostReturned(WorkMeter& meter, Site site) { meter.spend(0, site); }
 
   // The rounds of a loop at `site`.
   class Rounds {

@@ -30,8 +30,8 @@ void failRuntime(Site site, std::initializer_list<std::string_view> pieces) {
 
 bool isInProtectedCall() noexcept { return protectedCallDepth > 0; }
 
-void failHost(Site site, const std::exception& error) {
-  throw RuntimeError(std::string(exceptionText(error)), site, false, FailureKind::Host);
+void failHost(Site site, const std::exception& error, FailureKind kind) {
+  throw RuntimeError(std::string(exceptionText(error)), site, false, kind);
 }
 
 void unreachable(const char* message) { throw std::runtime_error(message); }

@@ -101,7 +101,7 @@ bool isInProtectedCall() noexcept;
 
 // Raises what a function of the host threw as a script error with the exception's text. The text of
 // a failed run deliberately names no line: hosts know these texts without one.
-[[noreturn]] void failHost(Site site, const std::exception& error);
+[[noreturn]] void failHost(Site site, const std::exception& error, FailureKind kind);
 
 // Raises a std::runtime_error: the interpreter itself is wrong, for a well-formed tree never gets
 // here. Ends switches over operators and kinds of nodes, so that one that is new and forgotten

@@ -3,9 +3,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <stop_token>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/unit/script_outcome.h"
@@ -131,6 +134,73 @@ TEST(Supervision, NestedRunsShareTheLimitsOfTheOutermost) {
                   [ended = std::move(ended)](LuaVM&, const Arguments&) { return LuaValue(); });
   EXPECT_EQ("", runWithin(vm, "function a() end held = nil", steps(4)));
   EXPECT_EQ(4U, vm.usage().steps);
+}
+
+// What a bound function passes on from a run inside of it ends the run around it in the same way.
+TEST(Supervision, TheEndOfANestedRunIsThatOfTheOutermost) {
+  LuaOptions options = supervised(steps(1'000'000));
+  options.limits.memory = std::size_t{4} << 20;
+  LuaVM vm(options);
+  vm.bind("nest", [](LuaVM& inner, const LuaFunction& f) { inner.call<void>(f).value(); });
+  vm.bind("ignore", [](LuaVM& inner, const LuaFunction& f) { return bool(inner.call<void>(f)); });
+  const std::pair<const char*, LuaError::Kind> cases[] = {
+      {"\nnest(function() while true do end end)", LuaError::Kind::Steps},
+      {"\nreturn pcall(nest, function() while true do end end)", LuaError::Kind::Steps},
+      {"\nreturn ignore(function() while true do end end)", LuaError::Kind::Steps},
+      {"\nnest(function() local s = 'x' while true do s = s .. s end end)", LuaError::Kind::Memory},
+      {"\nnest(function() local function f() return 1 + f() end f() end)", LuaError::Kind::Stack},
+      {"\nnest(function() error('x') end)", LuaError::Kind::Script},
+  };
+  for (const auto& [script, kind] : cases) {
+    const LuaResult result = vm.runScriptString(script, "c");
+    ASSERT_NE(nullptr, result.detail) << script;
+    EXPECT_EQ(kind, result.detail->kind) << script << result.error;
+    EXPECT_EQ(2U, result.detail->line) << script;
+  }
+}
+
+struct Tree {
+  std::map<std::string, Tree> named;
+};
+
+}  // namespace
+
+template <>
+inline constexpr auto luaRecord<Tree> = record(maybe("named", &Tree::named));
+
+namespace {
+
+// Copies for the host are as long as a script likes, and stand outside of its interpreter's heap.
+TEST(Supervision, ConversionsCountWhatTheyCopy) {
+  LuaOptions options = supervised(steps(200'000));
+  options.limits.memory = std::size_t{4} << 20;
+  LuaVM vm(options);
+  vm.bind("texts", [](const std::vector<std::string>& list) { return list.size(); });
+  vm.bind("map", [](const std::map<std::string, std::string>& map) { return map.size(); });
+  vm.bind("values", [](std::string, const std::vector<LuaValue>& rest) { return rest.size(); });
+  vm.bind("lists", [](const std::vector<std::vector<LuaValue>>& list) { return list.size(); });
+  vm.bind("text", [](const std::string& text) { return text.size(); });
+  vm.bind("tree", [](const Tree& tree) { return tree.named.size(); });
+  const std::string many = "local s, t = ('x'):rep(200000), {} for i = 1, 50 do t[i] = s end ";
+  const std::string shared = "local t = {'x'} for i = 1, 18 do t = {t, t} end ";
+  const std::pair<std::string, const char*> cases[] = {
+      {many + "return texts(t)", "c:1: not enough memory"},
+      {many + "local m = {} for i, v in ipairs(t) do m['k' .. i] = v end map(m)",
+       "c:1: not enough memory"},
+      {many + "lists({t})", "c:1: not enough memory"},
+      {many + "values(s, t[1], t, t)", "c:1: not enough memory"},
+      {shared + "lists(t)", "c:1: not enough memory"},
+      {many + "for i = 1, 500 do text(s) end", "c:1: used up its steps"},
+      {"local t = {named = {}} t.named[('n'):rep(1000)] = t tree(t)", "c:1: tree: argument 1: "},
+      {"local s = ('x'):rep(200000) return texts({s, s}), text(s), values(s, s)", ""},
+  };
+  for (const auto& [script, error] : cases) {
+    const LuaResult result = vm.runScriptString(script, "c");
+    EXPECT_EQ(error, result.error.substr(0, std::string_view(error).size())) << script;
+    EXPECT_GT(2000U, result.error.size()) << script;
+    EXPECT_EQ(result.ok, error[0] == '\0') << script << result.error;
+  }
+  EXPECT_GT(std::size_t{1} << 20, vm.usage().memory) << "what was copied is gone";
 }
 
 // ---- Traces -------------------------------------------------------------------------------------

@@ -174,6 +174,7 @@ requires(std::same_as<T, std::string> || std::same_as<T, std::string_view>) stru
   static bool take(const Source& source, T& out, Problem& problem) {
     std::string_view value;
     if (!source.read(value)) return problem.expected("a string", source.description());
+    if constexpr (std::same_as<T, std::string>) problem.copyText(source, value.size());
     out = value;
     return true;
   }
@@ -215,8 +216,8 @@ struct Conversion<LuaValue> {
     return true;
   }
   template <class Source>
-  static bool take(const Source& source, LuaValue& out, Problem&) {
-    out = source.toPublic();
+  static bool take(const Source& source, LuaValue& out, Problem& problem) {
+    out = source.toPublic(problem.charge());
     return true;
   }
 };
@@ -250,7 +251,10 @@ struct Conversion<std::shared_ptr<T>> {
   static constexpr const void* kKey = &ClassKey<std::remove_const_t<T>>::key;
   template <class Sink>
   static void give(Sink& sink, const std::shared_ptr<T>& value) {
-    sink.object(kKey, std::const_pointer_cast<std::remove_const_t<T>>(value));
+    static_assert(!std::is_const_v<T>,
+                  "scripts may change objects that they get: give a shared_ptr to one that is not "
+                  "const; parameters may be a shared_ptr to const");
+    sink.object(kKey, value);
   }
   template <class Source>
   static bool fits(const Source& source) {
@@ -281,6 +285,7 @@ struct Conversion<std::vector<T>> : TableKind {
     if (!source.isSequence()) return problem.expected("a sequence", "a table with other keys");
     if (!problem.enter(source)) return false;
     const std::size_t length = source.length();
+    problem.copyItems(source, length * sizeof(T));
     out.clear();
     out.reserve(length);
     for (std::size_t number = 1; number <= length; ++number) {
@@ -317,12 +322,31 @@ struct MapConversion : TableKind {
     for (std::size_t cursor = 0; source.next(cursor, key, value);) {
       std::string_view name;
       if (!key.read(name)) return problem.expected("a string as a key", key.description());
+      problem.copyItems(source, kMemberBytes);
+      problem.copyText(source, name.size());
       T member{};
       if (!Conversion<T>::take(value, member, problem)) return problem.inField(name);
-      out.insert_or_assign(std::string(name), std::move(member));
+      const auto place = out.insert_or_assign(std::string(name), std::move(member)).first;
+      if constexpr (requires { out.bucket_size(0); }) {
+        if (out.size() % kSampleDistance == 0)
+          countCollisions(source, out.bucket_size(out.bucket(place->first)));
+      }
     }
     problem.leave();
     return true;
+  }
+
+ private:
+  // With what the map and the system's allocator add.
+  static constexpr std::size_t kMemberBytes = sizeof(typename Map::value_type) + 64;
+  // How often a bucket is looked at, in members, and how long it usually is at most.
+  static constexpr std::size_t kSampleDistance = 64;
+  static constexpr std::size_t kUsualBucket = 8;
+
+  // The hash of an unordered map is no secret, so a script can choose keys that all collide.
+  template <class Source>
+  static void countCollisions(const Source& source, std::size_t bucket) {
+    if (bucket > kUsualBucket) source.countWork(kSampleDistance * bucket / kUsualBucket);
   }
 };
 
@@ -360,7 +384,7 @@ requires(isRecord<T>) struct Conversion<T> : TableKind {
     // First, because where a name is misspelt the field that it should have been is missing.
     if (luaRecord<T>.isExact) {
       std::string other;
-      if (source.findOther(names(), other)) return problem.say("unknown field '" + other + "'");
+      if (source.findOther(names(), other)) return problem.unknownField(other);
     }
     const typename Source::template Fields<kCount> fields(source, names());
     const bool isTaken = forEachField([&](std::size_t number, const auto& field) {
@@ -411,10 +435,14 @@ class TARVELLUA_API PublicValue {
   bool read(double& out) const noexcept;
   bool read(std::string_view& out) const noexcept;
   bool read(LuaFunction& out) const;
-  LuaValue toPublic() const { return *value_; }
+  LuaValue toPublic(CopyCharge&) const { return *value_; }
 
   bool isTable() const noexcept;
+  // What a host converts of its own is not counted.
   void countCopy() const noexcept {}
+  void countItems(CopyCharge&, std::size_t) const noexcept {}
+  void countText(CopyCharge&, std::size_t) const noexcept {}
+  void countWork(std::size_t) const noexcept {}
   bool isSequence() const noexcept;
   std::size_t length() const noexcept;
   PublicValue element(std::size_t number) const noexcept;
