@@ -124,6 +124,7 @@ TEST(HintsTest, ValuesOfAWrongType) {
       {"a, b = '1', 2\nx = a - b * 2", "'a' is no number here; a string needs tonumber(s)"},
       {"a, b = '1', 2\nx = #a .. a - b",
        "'a' or 'b' is no number here; a string needs tonumber(s)"},
+      {"a = 'x'\nx = a < 3", "'a' is no number here; a string needs tonumber(s)"},
       {"a = 3\nx = a .. 'y' < a", "'a' is no string here; a number needs tostring(n)"},
       {"a, b = 3, 'y'\nx = a <= b",
        "numbers and strings have no common order: write tonumber(s) or tostring(n)"},

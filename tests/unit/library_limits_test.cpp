@@ -51,9 +51,10 @@ TEST(LibraryOutput, GoesToTheHost) {
   EXPECT_EQ("nil", run(vm,
                        "print(1, nil, 'a\\0b', {1, {x = 2}}, 2.5, true) print() print('') "
                        "io.write('a', 1):write('b') io.stderr:write('c', 2) "
-                       "io.write(('z'):rep(100000)) print(print, type)"));
+                       "io.write(('z'):rep(100000)) print('h', ('z'):rep(100000), type)"));
   EXPECT_TRUE(to.output == std::string("1\tnil\ta\0b\t{1, {x: 2}}\t2.5\ttrue\n\n\na1b", 36) +
-                               std::string(100000, 'z') + "[function print]\t[function type]\n")
+                               std::string(100000, 'z') + "h\t" + std::string(100000, 'z') +
+                               "\t[function type]\n")
       << to.output.substr(0, 50);
   EXPECT_EQ("c2", to.errors);
   EXPECT_EQ("error value cannot be bridged out of TarvelLua", run(vm, "print('lost', io.stdout)"));

@@ -87,6 +87,7 @@ constexpr Counted kCounted[] = {
     {"local t = {f = function() end} t.f() t['f'](1) t:f() t:f(1, 2) t:f(1, 2, 3, 4, 5)", 6},
     {"(function() end)() if type(nil) then end if not type(1) then end return -#type('')", 5},
     {"return ('x'):rep(2), math.floor(1.5), tostring(nil)", 4},
+    {"type = function() end type(1) return type(nil)", 3},
     // Calls from native functions.
     {"pcall(error) pcall(pcall, error, 'x') pcall(type, 1)", 8},
     {"return pcall(nil)", 2},
