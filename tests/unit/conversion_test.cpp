@@ -226,6 +226,7 @@ TEST(Conversion, OfResultsAndNames) {
   const LuaOutcome<int> failedBefore = std::move(failed);
   const LuaOutcome<void> endedBefore = std::move(ended);
   EXPECT_FALSE(failed || ended || failedBefore || endedBefore);
+  EXPECT_EQ("was moved from", failed.error().message);
   EXPECT_THROW(failed.value(), LuaException);
   EXPECT_THROW(ended.value(), LuaException);
   EXPECT_EQ("c:1:1: a parameter cannot be named 'end'",

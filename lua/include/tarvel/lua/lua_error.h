@@ -75,20 +75,41 @@ struct TARVELLUA_API ErrorRelease {
 using HeldError = std::unique_ptr<LuaError, ErrorRelease>;
 TARVELLUA_API HeldError holdError(LuaError&& error) noexcept;
 
-[[noreturn]] inline void throwHeld(const HeldError& error) {
-  if (error != nullptr) throw LuaException(*error);
-  throw LuaException(
-      {.kind = LuaError::Kind::Value, .message = "the error was moved out of this outcome"});
-}
+// Leaves another error behind where it is moved from, so that an outcome that failed stays one.
+class MovableError {
+ public:
+  MovableError() = default;
+  explicit MovableError(LuaError&& error) noexcept : held_(holdError(std::move(error))) {}
+  MovableError(MovableError&& other) noexcept : held_(std::move(other.held_)) { refill(other); }
+  MovableError& operator=(MovableError&& other) noexcept {
+    held_ = std::move(other.held_);
+    refill(other);
+    return *this;
+  }
+  ~MovableError() = default;
+
+  bool isNone() const noexcept { return held_ == nullptr; }
+  const LuaError& get() const noexcept {
+    assert(held_ != nullptr);
+    return *held_;
+  }
+
+ private:
+  void refill(MovableError& other) const noexcept {
+    if (held_ != nullptr && other.held_ == nullptr)
+      other.held_ = holdError({.kind = LuaError::Kind::Value, .message = "was moved from"});
+  }
+
+  HeldError held_;
+};
 
 }  // namespace bridge
 
 // A value or an error; T may be void. Can be moved, not copied. One that was moved from is true or
-// false as before, but what it held is gone: the value is a T that was moved from; of an error only
-// that there was one is left, and value() throws a LuaException that says so.
+// false as before; its value is then a T that was moved from, its error says "was moved from".
 //
 // `*outcome` and `outcome->` are only for an outcome that is true, error() only for one that is
-// false and was not moved from. Anything else is undefined; assert() finds it in debug builds.
+// false. Anything else is undefined; assert() finds it in debug builds.
 template <class T>
 class [[nodiscard]] LuaOutcome {
  public:
@@ -96,7 +117,7 @@ class [[nodiscard]] LuaOutcome {
   // NOLINTNEXTLINE(google-explicit-constructor)
   LuaOutcome(T value) : value_(std::move(value)) {}
   // NOLINTNEXTLINE(google-explicit-constructor)
-  LuaOutcome(LuaError error) noexcept : error_(bridge::holdError(std::move(error))) {}
+  LuaOutcome(LuaError error) noexcept : error_(std::move(error)) {}
   // Whether there is a value. For a LuaOutcome<bool>, too: `if (vm.call<bool>(rule))` does not ask
   // what the rule said.
   explicit operator bool() const noexcept { return value_.has_value(); }
@@ -114,21 +135,18 @@ class [[nodiscard]] LuaOutcome {
   const T* operator->() const noexcept { return &**this; }
 
   // Only where there is no value.
-  const LuaError& error() const noexcept {
-    assert(error_ != nullptr);
-    return *error_;
-  }
+  const LuaError& error() const noexcept { return error_.get(); }
 
   // For hosts that prefer exceptions: the value, or throws LuaException. The value is moved out, so
   // this is for one use; `*outcome` is for several.
   T value() {
-    if (!value_) bridge::throwHeld(error_);
+    if (!value_) throw LuaException(error_.get());
     return std::move(*value_);
   }
 
  private:
   std::optional<T> value_;
-  bridge::HeldError error_;
+  bridge::MovableError error_;
 };
 
 template <>
@@ -136,20 +154,15 @@ class [[nodiscard]] LuaOutcome<void> {
  public:
   LuaOutcome() = default;
   // NOLINTNEXTLINE(google-explicit-constructor)
-  LuaOutcome(LuaError error) noexcept
-      : error_(bridge::holdError(std::move(error))), hasFailed_(true) {}
-  explicit operator bool() const noexcept { return !hasFailed_; }
-  const LuaError& error() const noexcept {
-    assert(error_ != nullptr);
-    return *error_;
-  }
+  LuaOutcome(LuaError error) noexcept : error_(std::move(error)) {}
+  explicit operator bool() const noexcept { return error_.isNone(); }
+  const LuaError& error() const noexcept { return error_.get(); }
   void value() {
-    if (hasFailed_) bridge::throwHeld(error_);
+    if (!error_.isNone()) throw LuaException(error_.get());
   }
 
  private:
-  bridge::HeldError error_;
-  bool hasFailed_ = false;
+  bridge::MovableError error_;
 };
 
 // What one run of a script came to. It owns what it holds and stays valid after the LuaVM is gone.
