@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 // Values by type between host and scripts: what crosses, and what is said of what does not.
@@ -20,6 +21,11 @@ namespace {
 struct Listener {
   std::string address = "any";
   std::uint16_t port = 0;
+};
+
+struct World;
+struct Orbit {
+  std::optional<std::shared_ptr<World>> world;
 };
 
 struct Config {
@@ -37,7 +43,10 @@ struct Tree {
 struct World {
   double gravity() const { return 9.5; }
   int spawn(double x, double y) { return static_cast<int>(x + y); }
+  int ask(LuaVM& vm, const LuaFunction& f, int x) { return vm.call<int>(f, x).value(); }
   double wind = 0;
+  std::vector<LuaValue> tags;
+  std::optional<std::shared_ptr<World>> moon;
 };
 
 }  // namespace
@@ -51,6 +60,8 @@ inline constexpr auto luaRecord<Config> = record(field("name", &Config::name),
                                                  maybe("listeners", &Config::listeners),
                                                  maybe("labels", &Config::labels),
                                                  field("timeout", &Config::timeout));
+template <>
+inline constexpr auto luaRecord<Orbit> = record(field("world", &Orbit::world));
 template <>
 inline constexpr auto luaRecord<Tree> = record(maybe("kids", &Tree::kids));
 
@@ -122,6 +133,10 @@ TEST(Conversion, OfArgumentsFailsAsThatOfTheLibrary) {
   vm.bind("all", [](int first, const std::vector<LuaValue>& rest) {
     return std::tuple(first, rest.size());
   });
+  vm.bind("early", [](const std::vector<LuaValue>& values, int last) {
+    return std::tuple(values.size(), last);
+  });
+  vm.bind("orbit", [](Orbit orbit) { return orbit; });
   vm.bind("count", [](const std::map<std::string, int>& members) { return members.size(); });
   vm.bind("fail", [](LuaVM&, bool) { throw std::runtime_error("no such thing"); });
   vm.bind("apply", [](LuaVM& inner, const LuaFunction& f) { return inner.call<int>(f).value(); });
@@ -130,8 +145,19 @@ TEST(Conversion, OfArgumentsFailsAsThatOfTheLibrary) {
       .method("spawn", &World::spawn)
       .method("name",
               [](World&, std::optional<int> n) { return "w" + std::to_string(n.value_or(0)); })
+      .method("ask", &World::ask)
+      .method("askAll",
+              [](World&, LuaVM& inner, const LuaFunction& f, const std::vector<LuaValue>& values) {
+                return inner.call(f, values).value();
+              })
       .property("gravity", &World::gravity)
-      .property("wind", &World::wind);
+      .property("wind", &World::wind)
+      .property("tags", &World::tags)
+      .property(
+          "labels",
+          [](World& world, LuaVM& inner) { return inner.call("list", world.tags).value(); },
+          [](World& world, LuaVM&, const std::vector<LuaValue>& value) { world.tags = value; })
+      .property("moon", &World::moon);
   vm.setGlobal("world", std::make_shared<World>());
   const struct {
     const char* script;
@@ -150,6 +176,8 @@ TEST(Conversion, OfArgumentsFailsAsThatOfTheLibrary) {
       {"return byte(3, 4)", "c:1: byte expects a table"},
       {"t = {a = 1, b = 2} unfinished = pairs(t) return count(t)", "2"},
       {"return all(1, 2, nil, 4)", "{1, 3}"},
+      {"return early({1, 2}, 3)", "{2, 3}"},
+      {"return early(1, 2, 3)", "c:1: early expects 2 arguments"},
       {"fail(1)", "c:1: fail expects a boolean argument"},
       {"return pcall(fail, true)", "{false, no such thing}"},
       {"return apply(5)", "c:1: apply expects a function"},
@@ -165,6 +193,17 @@ TEST(Conversion, OfArgumentsFailsAsThatOfTheLibrary) {
       {"world:spawn(1)", "c:1: World:spawn expects 3 arguments"},
       {"world.wind = 'x'", "c:1: World.wind expects a numeric argument"},
       {"world.gravity = 1", "c:1: World.gravity cannot be assigned"},
+      {"world.tags = {1, 'b'} return #world.tags, world.tags", "{2, {1, b}}"},
+      {"world.tags = 1", "c:1: World.tags expects a table"},
+      {"function list(t) return t end world.labels = {1, {2}} return world.labels", "{1, {2}}"},
+      {"return world:ask(function(x) return x + 1 end, 4)", "5"},
+      {"world:ask(4)", "c:1: World:ask expects 3 arguments"},
+      {"return world:askAll(function(t) return t end, 4, {5})", "{4, {5}}"},
+      {"world.moon = world local m = world.moon world.moon = nil return m == world, world.moon == "
+       "nil",
+       "{true, true}"},
+      {"world.moon = 1", "c:1: World.moon expects userdata"},
+      {"return orbit({world = world}).world == world, orbit({}).world == nil", "{true, true}"},
   };
   for (const auto& c : kCases) EXPECT_EQ(c.expected, evaluate(vm, c.script)) << c.script;
 }
@@ -182,6 +221,14 @@ TEST(Conversion, OfResultsAndNames) {
   EXPECT_EQ("ab", vm.call<std::string>("string.sub", "abc", 1, 2).value());
   EXPECT_THROW(vm.setGlobal("two.x", 1), std::runtime_error);
   EXPECT_THROW(vm.call<int>("two", "x").value(), LuaException);
+  LuaOutcome<int> failed = vm.call<int>("two", "x");
+  LuaOutcome<void> ended = vm.call<void>("three");
+  const LuaOutcome<int> failedBefore = std::move(failed);
+  const LuaOutcome<void> endedBefore = std::move(ended);
+  EXPECT_FALSE(failed || ended || failedBefore || endedBefore);
+  EXPECT_EQ("was moved from", failed.error().message);
+  EXPECT_THROW(failed.value(), LuaException);
+  EXPECT_THROW(ended.value(), LuaException);
   EXPECT_EQ("c:1:1: a parameter cannot be named 'end'",
             vm.load("", "c", {"end"}).error().toString());
   EXPECT_EQ(3, vm.call<int>(vm.load("return a + b", "c", {"a", "b"}).value(), 1, 2).value());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tarvel/lua/lua_export.h>
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>

@@ -50,10 +50,11 @@ class TARVELLUA_API LuaVM {
   // std::exception; any other exception passes through pcall and runScriptString to the host.
   //
   // It may use the LuaVM: set globals, bind functions, start runs, which have a result, an error
-  // and an os.exit of their own; it may even destroy it. What it holds is destroyed when the last
-  // script that can reach the function gives it up, perhaps in the middle of an expression, or when
-  // the interpreter ends. Those destructors may use the LuaVM, too; near the end of the interpreter
-  // their runs fail with "the interpreter has ended".
+  // and an os.exit of their own; it may even destroy it. It must not touch the LuaVM after it
+  // called what may destroy it, which includes a script that reaches such a function. What it holds
+  // is destroyed when the last script that can reach the function gives it up, perhaps in the
+  // middle of an expression, or when the interpreter ends. Those destructors may use the LuaVM,
+  // too; near the end of the interpreter their runs fail with "the interpreter has ended".
   using HostFunction = std::function<LuaValue(LuaVM&, const std::vector<LuaValue>&)>;
 
   // An interpreter that may do all that the process may (LuaOptions()), or what `options` say.
@@ -69,9 +70,10 @@ class TARVELLUA_API LuaVM {
   LuaVM& operator=(const LuaVM&) = delete;
 
   // Sets a global variable, replacing its value; a point in the name is part of it. The interpreter
-  // takes a copy. Throws std::runtime_error "unsupported TarvelLua value" for a function of another
-  // interpreter, for a value that is nested too deeply or contains itself, or where a `type` is not
-  // the index of its `data`.
+  // takes a copy. Throws std::bad_alloc where there is no memory for it, or where it would exceed
+  // LuaLimits::memory, and std::runtime_error "unsupported TarvelLua value" for a function of
+  // another interpreter, for a value that is nested too deeply or contains itself, or where a
+  // `type` is not the index of its `data`.
   void setGlobal(const std::string& name, const LuaValue& value);
 
   // Makes `function` the value of the global `name`; a point in the name is part of it. The
@@ -87,16 +89,18 @@ class TARVELLUA_API LuaVM {
   LuaResult runScriptString(const std::string& source, const std::string& chunkName);
 
   // In the names of all functions below a point leads through tables: "game.spawn" is the field
-  // `spawn` of the global table `game`, which bind and setGlobal make where it is missing. Types
-  // that cross are listed in lua_conversion.h.
+  // `spawn` of the global table `game`, which bind and setGlobal make where it is missing. Parts of
+  // a name are strings: "list.1" is the field "1", not the first element. Types that cross are
+  // listed in lua_conversion.h.
 
   // Gives scripts a function, with any parameters and result that cross:
   //
   //   vm.bind("distance", [](double x, double y) { return std::hypot(x, y); });
   //
   // Anything with one call operator, or a function pointer. Parameters are taken by value or by
-  // const reference. Those that are std::optional may be missing at the end; a first parameter
-  // LuaVM& is the interpreter; a last one const std::vector<LuaValue>& takes all further arguments.
+  // const reference. Those that are std::optional may be missing at the end, or nil; a first
+  // parameter LuaVM& is the interpreter; a last one const std::vector<LuaValue>& takes all further
+  // arguments, while anywhere else it is an ordinary sequence.
   // A std::tuple is returned as several values. Wrong arguments are errors as those of the library
   // ("distance expects a numeric argument"); what is thrown is treated as for a HostFunction; both
   // carry the line of the call. The function is kept as that of bindFunction, but not copied.
@@ -107,7 +111,8 @@ class TARVELLUA_API LuaVM {
   }
 
   // Sets a global or a field, from any type that crosses but LuaValue, for which the setGlobal
-  // above takes names without tables. Throws as that and as bind.
+  // above takes names without tables. Objects are std::shared_ptr<U> with a U that is not const; a
+  // null pointer becomes nil. Throws as that and as bind.
   template <class T>
   requires(!std::same_as<T, LuaValue>) void setGlobal(std::string_view name, const T& value) {
     bridge::Call global(*this);
@@ -150,7 +155,9 @@ class TARVELLUA_API LuaVM {
     return callTarget<R>(name, arguments...);
   }
 
-  // Steps, time and stop for the runs that begin from now on, memory and stack from now on. Throws
+  // Steps, time and stop for the runs that begin from now on, memory and stack from now on.
+  // Replaces all of them, those of the LuaOptions included: what `limits` does not set has no bound
+  // any more. To change one, keep the LuaLimits, change it there, and set it again. Throws
   // std::logic_error for steps, time or stop in an interpreter that is not supervised.
   void setLimits(const LuaLimits& limits);
   LuaUsage usage() const noexcept;
