@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <bit>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -74,9 +75,24 @@ bool Problem::expected(std::string_view what, const std::string& got) {
   return say(std::string(what).append(" expected, got ").append(got));
 }
 
+// Of a long path the parts in the middle are left out.
+struct Problem::State {
+  std::string text;  // empty where there is no problem
+  std::string path;
+  std::string outerPath;  // the last parts that `path` had no room for
+  bool isCut = false;     // there are others in between
+  std::optional<MemoryCharge> memory;
+};
+
+void Problem::StateRelease::operator()(State* state) const noexcept { delete state; }
+
+Problem::State& Problem::state() {
+  if (state_ == nullptr) state_.reset(new State);
+  return *state_;
+}
+
 bool Problem::say(std::string text) {
-  words_ = std::make_unique<Words>();
-  words_->text = std::move(text);
+  state().text = std::move(text);
   return false;
 }
 
@@ -85,14 +101,13 @@ bool Problem::unknownField(std::string_view name) {
 }
 
 bool Problem::inPart(std::string part) {
-  Words& words = *words_;
-  const bool isInner = words.outerPath.empty() && words.path.size() <= kMostOfPath;
-  std::string& path = isInner ? words.path : words.outerPath;
+  const bool isInner = state_->outerPath.empty() && state_->path.size() <= kMostOfPath;
+  std::string& path = isInner ? state_->path : state_->outerPath;
   if (path.size() > kMostOfPath) {
-    words.isCut = true;
+    state_->isCut = true;
     path.clear();
   }
-  const std::string& next = path.empty() && !words.isCut ? words.path : path;
+  const std::string& next = path.empty() && !state_->isCut ? state_->path : path;
   if (!next.empty() && next.front() != '[') part.append(".");
   path.insert(0, part);
   return false;
@@ -108,10 +123,9 @@ bool Problem::enterDeep() {
 }
 
 std::string Problem::message() const {
-  if (words_ == nullptr) return {};
-  const char* const between = words_->isCut ? " ... " : "";
-  const std::string path = words_->outerPath + between + words_->path;
-  return path.empty() ? words_->text : path + ": " + words_->text;
+  if (state_ == nullptr) return {};
+  const std::string path = state_->outerPath + (state_->isCut ? " ... " : "") + state_->path;
+  return path.empty() ? state_->text : path + ": " + state_->text;
 }
 
 LuaError Problem::toError() const {
@@ -123,29 +137,15 @@ LuaError Problem::toError() const {
 
 // ---- Out of the interpreter ---------------------------------------------------------------------
 
-// After a failure nothing is charged any more, because the whole conversion fails.
-template <class Work>
-void CopyCharge::within(Interpreter* interpreter, const Work& work) {
-  interpreter_ = interpreter;
-  MemoryCharge memory(internal::implOf(interpreter).heap, {credit_, std::exchange(charged_, 0)});
-  work(memory);
-  const MemoryCharge::Count count = memory.release();
-  credit_ = count.credit;
-  charged_ = count.charged;
+void Problem::charge(Interpreter* interpreter, std::size_t bytes) {
+  std::optional<MemoryCharge>& memory = state().memory;
+  if (!memory) memory.emplace(internal::implOf(interpreter).heap);
+  memory->add(bytes);
 }
 
-void CopyCharge::extend(Interpreter* interpreter, std::size_t bytes) {
-  within(interpreter, [bytes](MemoryCharge& memory) { memory.add(bytes); });
-}
-
-void CopyCharge::clear() noexcept { internal::implOf(interpreter_).heap.discharge(charged_); }
-
-LuaValue CopyCharge::toPublic(Interpreter* interpreter, RawValue value) {
-  LuaValue copy;
-  within(interpreter, [&](MemoryCharge& memory) {
-    copy = internal::implOf(interpreter).valueToPublic(toValue(value), memory);
-  });
-  return copy;
+LuaValue Problem::toPublic(Interpreter* interpreter, RawValue value) {
+  charge(interpreter, 0);
+  return internal::implOf(interpreter).valueToPublic(toValue(value), *state_->memory);
 }
 
 bool ScriptValue::readBoolean(RawValue raw, bool& out) noexcept {
@@ -175,11 +175,6 @@ bool ScriptValue::read(LuaFunction& out) const {
   if (!value.isFunction()) return false;
   out = internal::handleOf(value, internal::implOf(interpreter_).heap);
   return true;
-}
-
-void ScriptValue::countText(CopyCharge& charge, std::size_t bytes) const {
-  charge.add(interpreter_, bytes);
-  countWork(bytes / internal::kBytesPerStep);
 }
 
 void ScriptValue::countWork(std::size_t steps) const {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 #include "lua/value/heap.h"
 
@@ -12,30 +11,22 @@ namespace tarvel::lua::internal {
 // counts against the memory that the process may take; the heap must outlive it.
 class MemoryCharge {
  public:
-  // What was counted, in bytes, for a charge that goes on elsewhere.
-  struct Count {
-    std::size_t credit = kFree;
-    std::size_t charged = 0;
-  };
-
   explicit MemoryCharge(Heap& heap) noexcept : heap_(heap) {}
-  MemoryCharge(Heap& heap, Count count) noexcept : heap_(heap), count_(count) {}
   ~MemoryCharge() { clear(); }
   MemoryCharge(const MemoryCharge&) = delete;
   MemoryCharge& operator=(const MemoryCharge&) = delete;
 
   // The memory is gone.
   void clear() noexcept {
-    heap_.discharge(count_.charged);
-    count_ = Count();
+    heap_.discharge(charged_);
+    charged_ = 0;
+    credit_ = kFree;
   }
-  // The memory stays, and whoever gets the count goes on with it.
-  Count release() noexcept { return std::exchange(count_, Count()); }
 
   // To be called before the memory is taken. Throws std::bad_alloc when there is not so much left.
   void add(std::size_t bytes) {
-    if (bytes > count_.credit) extend(bytes - count_.credit);
-    count_.credit -= bytes;
+    if (bytes > credit_) extend(bytes - credit_);
+    credit_ -= bytes;
   }
 
  private:
@@ -45,12 +36,13 @@ class MemoryCharge {
   void extend(std::size_t missing) {
     const std::size_t bytes = std::max(missing, kStep);
     heap_.charge(bytes);
-    count_.charged += bytes;
-    count_.credit += bytes;
+    charged_ += bytes;
+    credit_ += bytes;
   }
 
   Heap& heap_;
-  Count count_;
+  std::size_t credit_ = kFree;
+  std::size_t charged_ = 0;
 };
 
 }  // namespace tarvel::lua::internal

@@ -65,38 +65,12 @@ class TARVELLUA_API RecordNames {
   const std::size_t number;  // tells the records of a process apart
 };
 
-// What a conversion copies out of an interpreter. A table that stands in many places is copied as
-// often, so the copies count as memory of the interpreter until this is gone.
-class TARVELLUA_API CopyCharge {
- public:
-  CopyCharge() = default;
-  ~CopyCharge() {
-    if (charged_ > 0) clear();
-  }
-  CopyCharge(const CopyCharge&) = delete;
-  CopyCharge& operator=(const CopyCharge&) = delete;
-
-  // To be called before the memory is taken. Throws std::bad_alloc when there is not so much left.
-  void add(Interpreter* interpreter, std::size_t bytes) {
-    if (bytes > credit_) return extend(interpreter, bytes);
-    credit_ -= bytes;
-  }
-  LuaValue toPublic(Interpreter* interpreter, RawValue value);
-
- private:
-  void extend(Interpreter* interpreter, std::size_t bytes);
-  void clear() noexcept;
-  template <class Work>
-  void within(Interpreter* interpreter, const Work& work);
-
-  std::size_t credit_ = 4096;  // bytes that are not worth counting, or are counted already
-  std::size_t charged_ = 0;
-  Interpreter* interpreter_ = nullptr;
-};
-
-// Why a value is not of the type that was asked for, and where: built from the inside out.
+// A conversion under way: why a value is not of the type that was asked for, and where, built from
+// the inside out; and what was copied. A table that stands in many places is copied as often, so
+// copies out of an interpreter count as its memory until this is gone.
 class TARVELLUA_API Problem {
  public:
+  Problem() = default;
   // Each returns false, which conversions return on failure.
   bool expected(std::string_view what, const std::string& got);
   bool say(std::string text);
@@ -111,39 +85,44 @@ class TARVELLUA_API Problem {
     return ++depth_ <= kShallow || enterDeep();
   }
   void leave() noexcept { --depth_; }
-  // A part of `source` is about to be copied into so many bytes. Throws what ends the run.
+  // Something of `source` is about to be copied into so many bytes. Throws what ends the run.
   template <class Source>
   void copyItems(const Source& source, std::size_t bytes) {
-    source.countItems(charge_, bytes);
+    if (bytes > credit_) return source.charge(*this, bytes);
+    credit_ -= static_cast<std::uint32_t>(bytes);
   }
   template <class Source>
   void copyText(const Source& source, std::size_t bytes) {
-    if (bytes > kShortText) source.countText(charge_, bytes);
+    if (bytes <= kShortText) return;
+    copyItems(source, bytes);
+    if (bytes >= kTextPerStep) source.countWork(bytes / kTextPerStep);
   }
-  CopyCharge& charge() noexcept { return charge_; }
 
   // "listeners[2].port: a whole number expected, got a string".
   std::string message() const;
   LuaError toError() const;
 
  private:
-  static constexpr int kShallow = 16;            // levels for which there is always room
-  static constexpr std::size_t kShortText = 15;  // bytes that std::string has room for in itself
+  friend class ScriptValue;
+  static constexpr int kShallow = 16;               // levels for which there is always room
+  static constexpr std::size_t kShortText = 15;     // bytes that std::string has room for in itself
+  static constexpr std::size_t kTextPerStep = 128;  // bytes
 
-  // Most values have none. Of a long path the parts in the middle are left out.
-  struct Words {
-    std::string text;
-    std::string path;
-    std::string outerPath;  // the last parts that `path` had no room for
-    bool isCut = false;     // there are others in between
+  // Most values have none.
+  struct State;
+  struct StateRelease {
+    void operator()(State* state) const noexcept;
   };
 
   bool enterDeep();
   bool inPart(std::string part);
+  State& state();
+  void charge(Interpreter* interpreter, std::size_t bytes);
+  LuaValue toPublic(Interpreter* interpreter, RawValue value);
 
-  std::unique_ptr<Words> words_;
+  std::unique_ptr<State, StateRelease> state_;
   int depth_ = 0;
-  CopyCharge charge_;
+  std::uint32_t credit_ = 4096;  // bytes that are not worth counting
 };
 
 // A value of a script, borrowed.
@@ -172,7 +151,7 @@ class TARVELLUA_API ScriptValue {
   bool read(std::string_view& out) const noexcept { return readText(raw_, out); }
   bool read(LuaFunction& out) const;
   // Throws std::runtime_error for what cannot cross.
-  LuaValue toPublic(CopyCharge& charge) const { return charge.toPublic(interpreter_, raw_); }
+  LuaValue toPublic(Problem& problem) const { return problem.toPublic(interpreter_, raw_); }
   // The object of a host's class; null where it is none.
   void* address(const void* classKey) const noexcept;
   std::shared_ptr<void> object(const void* classKey) const;
@@ -182,9 +161,8 @@ class TARVELLUA_API ScriptValue {
   // A table is about to be copied: work that counts, because the same table may stand in a value
   // any number of times. Throws what ends the run.
   void countCopy() const;
-  // The memory, and of a text the work, that its copy takes.
-  void countItems(CopyCharge& charge, std::size_t bytes) const { charge.add(interpreter_, bytes); }
-  void countText(CopyCharge& charge, std::size_t bytes) const;
+  // The memory and the work that a copy takes.
+  void charge(Problem& problem, std::size_t bytes) const { problem.charge(interpreter_, bytes); }
   void countWork(std::size_t steps) const;
   bool isSequence() const noexcept;  // the keys 1 to length and no others
   std::size_t length() const noexcept;

@@ -217,7 +217,7 @@ struct Conversion<LuaValue> {
   }
   template <class Source>
   static bool take(const Source& source, LuaValue& out, Problem& problem) {
-    out = source.toPublic(problem.charge());
+    out = source.toPublic(problem);
     return true;
   }
 };
@@ -435,13 +435,12 @@ class TARVELLUA_API PublicValue {
   bool read(double& out) const noexcept;
   bool read(std::string_view& out) const noexcept;
   bool read(LuaFunction& out) const;
-  LuaValue toPublic(CopyCharge&) const { return *value_; }
+  LuaValue toPublic(Problem&) const { return *value_; }
 
   bool isTable() const noexcept;
   // What a host converts of its own is not counted.
   void countCopy() const noexcept {}
-  void countItems(CopyCharge&, std::size_t) const noexcept {}
-  void countText(CopyCharge&, std::size_t) const noexcept {}
+  void charge(Problem&, std::size_t) const noexcept {}
   void countWork(std::size_t) const noexcept {}
   bool isSequence() const noexcept;
   std::size_t length() const noexcept;
