@@ -138,6 +138,7 @@ LuaError Problem::toError() const {
 // ---- Out of the interpreter ---------------------------------------------------------------------
 
 void Problem::charge(Interpreter* interpreter, std::size_t bytes) {
+  static_assert(kTextPerStep == internal::kBytesPerStep, "texts that cross count as others do");
   std::optional<MemoryCharge>& memory = state().memory;
   if (!memory) memory.emplace(internal::implOf(interpreter).heap);
   memory->add(bytes);
