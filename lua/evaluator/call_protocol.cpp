@@ -69,7 +69,10 @@ template <class Supervision>
   typename Supervision::NativeCall call(interpreter.self, frame, site);
   if (code->direct != nullptr) {
     const Value completion = code->direct(interpreter, frame, count, site);
-    if (isFailed(completion)) return completion;
+    if (isFailed(completion)) {
+      call.failed(interpreter);
+      return completion;
+    }
     call.returned();
     stack.setTop(outerTop);
     if (!ReturnSignal::isSeveral(completion)) {

@@ -89,7 +89,10 @@ template <class Supervision, class Results>
   typename Supervision::ScriptCall call(body, frame, site);
   Value completion = executeStatement(body->entry, frame + 1);
   if (!isSingleValue(completion)) [[unlikely]] {
-    if (isFailed(completion)) return Results::of(*body->interpreter, completion);
+    if (isFailed(completion)) {
+      call.failed(*body->interpreter);
+      return Results::of(*body->interpreter, completion);
+    }
     if (ReturnSignal::isSeveral(completion)) {
       call.returned();
       return Results::of(*body->interpreter,

@@ -49,31 +49,44 @@ MultiValue takeResults(LuaVM::Impl& interpreter, Value completion) {
   return results;
 }
 
-Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {
-  internal::WorkMeter& meter = interpreter.heap.meter();
-  internal::Supervised::step(meter, site);
-  const Value completion = internal::callAny<internal::Supervised>(interpreter, frame, count, site);
-  if (isFailed(completion)) return completion;
+// A function with exactly the arguments that it takes is called from here.
+template <class Supervision>
+[[gnu::always_inline]] inline Value callFunction(LuaVM::Impl& interpreter, Value* frame,
+                                                 std::uint32_t count, Site site) {
+  const internal::FunctionExpr* const body = frame->function->body;
+  if (body != nullptr && body->parameterCount == count &&
+      interpreter.stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes))
+      [[likely]] {
+    return internal::runBody<Supervision, internal::AllResults>(body, frame, site);
+  }
+  return internal::callAny<Supervision>(interpreter, frame, count, site);
+}
+
+// Counts what a call has passed on. Throws also for what has been counted since the last step, when
+// no other step follows.
+[[gnu::noinline]] Value countResults(internal::WorkMeter& meter, Value completion, Site site) {
+  const bool isSeveral = ReturnSignal::isSeveral(completion);
   internal::OwnedValue single(isSingleValue(completion) ? completion : Value());
-  const std::size_t moved =
-      ReturnSignal::isSeveral(completion) ? ReturnSignal::count(completion) : 1;
-  // Throws also for what has been counted since the last step, when no other step follows.
-  internal::Supervised::moved(moved, meter, site);
+  internal::Supervised::moved(isSeveral ? ReturnSignal::count(completion) : 1, meter, site);
   single.take();
   return completion;
+}
+
+[[gnu::always_inline]] inline Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
+                                       Site site) {
+  internal::WorkMeter& meter = interpreter.heap.meter();
+  internal::Supervised::step(meter, site);
+  const Value completion = callFunction<internal::Supervised>(interpreter, frame, count, site);
+  if (isFailed(completion)) return completion;
+  const bool hasNothingToCount = !ReturnSignal::isSeveral(completion) && meter.hasStepsLeft();
+  return hasNothingToCount ? completion : countResults(meter, completion, site);
 }
 
 // The completion of the call, which may be a failed one.
 [[gnu::always_inline]] inline Value callAnyFrame(LuaVM::Impl& interpreter, Value* frame,
                                                  std::uint32_t count, Site site) {
   if (interpreter.options.supervised) return callSupervised(interpreter, frame, count, site);
-  const internal::FunctionExpr* const body = frame->function->body;
-  if (body != nullptr && body->parameterCount == count &&
-      interpreter.stack.hasRoom(&internal::slotAt(frame, body->frameBytes), body->stackBytes))
-      [[likely]] {
-    return internal::runBody<internal::Unsupervised, internal::AllResults>(body, frame, site);
-  }
-  return internal::callAny<internal::Unsupervised>(interpreter, frame, count, site);
+  return callFunction<internal::Unsupervised>(interpreter, frame, count, site);
 }
 
 MultiValue callFromNative(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count, Site site) {

@@ -13,4 +13,8 @@ void noteNativeCall(LuaVM& vm, const Value* frame, Site site) noexcept {
   LuaVM::Impl::of(vm).trace.note(*frame[0].function, site);
 }
 
+bool isTakenByPcall(const LuaVM::Impl& interpreter) noexcept {
+  return interpreter.landing != nullptr;
+}
+
 }  // namespace tarvel::lua::internal

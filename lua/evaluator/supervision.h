@@ -20,6 +20,9 @@ struct FunctionExpr;
 [[gnu::cold]] void noteScriptCall(const FunctionExpr& body, const Value* frame, Site site) noexcept;
 [[gnu::cold]] void noteNativeCall(LuaVM& vm, const Value* frame, Site site) noexcept;
 
+// True where a failed completion goes to a pcall that takes it, which throws its trace away.
+bool isTakenByPcall(const LuaVM::Impl& interpreter) noexcept;
+
 struct Unsupervised {
   static void step(WorkMeter&, const Site&) noexcept {}
   static void moved(std::size_t, WorkMeter&, Site) noexcept {}
@@ -32,10 +35,12 @@ struct Unsupervised {
   struct ScriptCall {
     ScriptCall(const FunctionExpr*, const Value*, const Site&) noexcept {}
     void returned() noexcept {}
+    void failed(const LuaVM::Impl&) noexcept {}
   };
   struct NativeCall {
     NativeCall(LuaVM&, const Value*, const Site&) noexcept {}
     void returned() noexcept {}
+    void failed(const LuaVM::Impl&) noexcept {}
   };
 };
 
@@ -75,6 +80,10 @@ struct Supervised {
     ScriptCall(const ScriptCall&) = delete;
     ScriptCall& operator=(const ScriptCall&) = delete;
     void returned() noexcept { hasReturned_ = true; }
+    // With a failed completion.
+    void failed(const LuaVM::Impl& interpreter) noexcept {
+      hasReturned_ = isTakenByPcall(interpreter);
+    }
 
    private:
     const FunctionExpr* body_;
@@ -93,6 +102,9 @@ struct Supervised {
     NativeCall(const NativeCall&) = delete;
     NativeCall& operator=(const NativeCall&) = delete;
     void returned() noexcept { hasReturned_ = true; }
+    void failed(const LuaVM::Impl& interpreter) noexcept {
+      hasReturned_ = isTakenByPcall(interpreter);
+    }
 
    private:
     LuaVM& vm_;

@@ -45,6 +45,8 @@ class WorkMeter {
     if (left_ < 0) [[unlikely]]
       endSlice(site);
   }
+  // False when spending would throw, or would look at the clock.
+  bool hasStepsLeft() const noexcept { return left_ >= 0; }
   // As spend, for where nothing may throw: false when the run has to end. Then the next step or
   // spending throws.
   bool poll(std::uint64_t steps) noexcept {
