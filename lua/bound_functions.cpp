@@ -94,10 +94,10 @@ void* Arguments::receiver(const void* classKey) const {
       return object;
     }
   }
-  fail(0, nullptr, false, Problem());
+  fail(0, 0, nullptr, false, Problem());
 }
 
-void Arguments::fail(std::size_t index, const char* expected, bool isOfKind,
+void Arguments::fail(std::size_t index, std::size_t number, const char* expected, bool isOfKind,
                      const Problem& problem) const {
   if (expected == nullptr) {
     const bool isObject =
@@ -105,10 +105,8 @@ void Arguments::fail(std::size_t index, const char* expected, bool isOfKind,
     expected = isObject ? " received the wrong userdata type" : " expects userdata";
   }
   if (!isOfKind) internal::failArgument(name_->c_str(), expected, site_);
-  // The receiver of a method, whose name has a colon, is not among the arguments that one sees.
-  const bool isMethod = name_->find(':') != std::string::npos;
-  const std::size_t number = index + (isMethod ? 0 : 1);
-  const std::string text = ": argument " + std::to_string(number) + ": " + problem.message();
+  const std::string place = number == 0 ? "" : ": argument " + std::to_string(number);
+  const std::string text = place + ": " + problem.message();
   internal::failArgument(name_->c_str(), text.c_str(), site_);
 }
 

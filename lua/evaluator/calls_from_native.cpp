@@ -72,8 +72,8 @@ template <class Supervision>
   return completion;
 }
 
-[[gnu::always_inline]] inline Value callSupervised(LuaVM::Impl& interpreter, Value* frame, std::uint32_t count,
-                                       Site site) {
+[[gnu::always_inline]] inline Value callSupervised(LuaVM::Impl& interpreter, Value* frame,
+                                                   std::uint32_t count, Site site) {
   internal::WorkMeter& meter = interpreter.heap.meter();
   internal::Supervised::step(meter, site);
   const Value completion = callFunction<internal::Supervised>(interpreter, frame, count, site);

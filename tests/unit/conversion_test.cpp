@@ -44,7 +44,7 @@ struct World {
   double gravity() const { return 9.5; }
   int spawn(double x, double y) { return static_cast<int>(x + y); }
   int ask(LuaVM& vm, const LuaFunction& f, int x) { return vm.call<int>(f, x).value(); }
-  double wind = 0;
+  int wind = 0;
   std::vector<LuaValue> tags;
   std::optional<std::shared_ptr<World>> moon;
 };
@@ -190,14 +190,15 @@ TEST(Conversion, OfArgumentsFailsAsThatOfTheLibrary) {
        "world:name()",
        "{3, 2, 9.5, w0}"},
       {"world.spawn(io.stdout, 1, 2)", "c:1: World:spawn received the wrong userdata type"},
-      {"world:spawn(1)", "c:1: World:spawn expects 3 arguments"},
+      {"world:spawn(1)", "c:1: World:spawn expects 2 arguments"},
+      {"world.wind = 1.5", "c:1: World.wind: a whole number expected, got 1.5"},
       {"world.wind = 'x'", "c:1: World.wind expects a numeric argument"},
       {"world.gravity = 1", "c:1: World.gravity cannot be assigned"},
       {"world.tags = {1, 'b'} return #world.tags, world.tags", "{2, {1, b}}"},
       {"world.tags = 1", "c:1: World.tags expects a table"},
       {"function list(t) return t end world.labels = {1, {2}} return world.labels", "{1, {2}}"},
       {"return world:ask(function(x) return x + 1 end, 4)", "5"},
-      {"world:ask(4)", "c:1: World:ask expects 3 arguments"},
+      {"world:ask(4)", "c:1: World:ask expects 2 arguments"},
       {"return world:askAll(function(t) return t end, 4, {5})", "{4, {5}}"},
       {"world.moon = world local m = world.moon world.moon = nil return m == world, world.moon == "
        "nil",

@@ -173,7 +173,7 @@ TEST(HostFunction, GivesUpWhatItHoldsWithItsLastReference) {
     vm.bindFunction("passing", [held](LuaVM& caller, const Arguments&) {
       caller.bindFunction("passing", {});
       caller.runScriptString("passing = nil", "inner");
-      return LuaValue(std::int64_t{*held});
+      return LuaValue(*held);
     });
     EXPECT_EQ("[i1 'nil']", run(vm, "local r = passing() return r, tostring(passing)"));
     EXPECT_EQ(all - 1, held.use_count());

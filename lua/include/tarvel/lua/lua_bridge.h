@@ -305,16 +305,18 @@ class TARVELLUA_API Arguments {
   LuaVM& vm() const noexcept { return *vm_; }
   ScriptSink& results() noexcept { return *results_; }
 
-  void requireCount(std::size_t least, std::size_t most) const {
-    if (count_ < least || count_ > most) failCount(least, most);
+  // Of arguments behind the first `before` ones, which are there.
+  void requireCount(std::size_t before, std::size_t least, std::size_t most) const {
+    if (count_ - before < least || count_ - before > most) failCount(least, most);
   }
   // All arguments from `index` on.
   std::vector<LuaValue> rest(std::size_t index) const;
   // The receiver of a method.
   void* receiver(const void* classKey) const;
   // Raises the script error for an argument that is none of what `expected` says (" expects a
-  // table"; null for an object of a class), or for one of that kind with a problem.
-  [[noreturn]] void fail(std::size_t index, const char* expected, bool isOfKind,
+  // table"; null for an object of a class), or for one of that kind with a problem. Scripts see it
+  // as argument `number`, counted from 1; 0 for the value of an assignment.
+  [[noreturn]] void fail(std::size_t index, std::size_t number, const char* expected, bool isOfKind,
                          const Problem& problem) const;
 
  private:

@@ -86,14 +86,15 @@ struct Parameter {
   using Stored = std::remove_cvref_t<P>;
   static_assert(!std::is_same_v<Stored, const char*>, "take strings as std::string_view");
 
-  static Stored take(const Arguments& arguments, std::size_t index) {
+  // `number` as for Arguments::fail.
+  static Stored take(const Arguments& arguments, std::size_t index, std::size_t number) {
     Stored value{};
     using C = Conversion<Stored>;
     if (IsOptional<Stored>::value && index >= arguments.count()) return value;
     const ScriptValue argument = arguments.at(index);
     Problem problem;
     if (!C::take(argument, value, problem)) [[unlikely]]
-      arguments.fail(index, C::kArgument, C::fits(argument), problem);
+      arguments.fail(index, number, C::kArgument, C::fits(argument), problem);
     return value;
   }
 };
@@ -111,7 +112,8 @@ void giveResult(ScriptSink& sink, const R& result) {
   }
 }
 
-// Calls `invoke` with the parameters of types P, the first of which is argument number `First`.
+// Calls `invoke` with the parameters of types P, which stand behind `First` other arguments: none,
+// or the object.
 template <std::size_t First, LastValues lastValues, class... P>
 struct Caller {
   static constexpr bool kTakesRest = lastValues == LastValues::Further && endsInValues<P...>;
@@ -122,14 +124,13 @@ struct Caller {
     ((++number,
       least = IsOptional<std::remove_cvref_t<P>>::value || number > kConverted ? least : number),
      ...);
-    return least + First;
+    return least;
   }();
-  static constexpr std::size_t kMost =
-      kTakesRest ? static_cast<std::size_t>(-1) : kConverted + First;
+  static constexpr std::size_t kMost = kTakesRest ? static_cast<std::size_t>(-1) : kConverted;
 
   template <class Invoke>
   static void call(Arguments& arguments, const Invoke& invoke) {
-    arguments.requireCount(kLeast, kMost);
+    arguments.requireCount(First, kLeast, kMost);
     callWith(arguments, invoke, std::index_sequence_for<P...>());
   }
 
@@ -139,7 +140,9 @@ struct Caller {
     if constexpr (kTakesRest && Number == kConverted) {
       return arguments.rest(First + Number);
     } else {
-      return Parameter<One>::take(arguments, First + Number);
+      // Only the functions of properties take a last sequence.
+      constexpr bool isAssigned = lastValues == LastValues::Sequence;
+      return Parameter<One>::take(arguments, First + Number, isAssigned ? 0 : Number + 1);
     }
   }
 

@@ -71,6 +71,7 @@ struct TARVELLUA_API LuaValue {
 
   LuaValue() = default;  // nil
   explicit LuaValue(std::int64_t integer);
+  explicit LuaValue(int integer) : LuaValue(std::int64_t{integer}) {}
   explicit LuaValue(double number);
   explicit LuaValue(bool boolean);
   explicit LuaValue(std::string text);
