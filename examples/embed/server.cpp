@@ -59,8 +59,7 @@ int main() {
   const std::vector<std::string> paths = {"/", "/boats", "/loop", "/bug", "/"};
   std::vector<Response> responses(paths.size());
   std::atomic<std::size_t> next = 0;
-  std::vector<std::jthread>
-      threads;  // ask their scripts to stop should this function be left early
+  std::vector<std::jthread> threads;  // which stop their scripts where an exception ends this
   for (int number = 0; number < 3; ++number) {
     threads.emplace_back([&](std::stop_token stop) {
       Worker worker(std::move(stop));
