@@ -11,7 +11,7 @@
 
 // Gives a target its inputs and ends the process when it finds something: as a target of libFuzzer,
 // or without that as `driver COUNT [SEED [THREADS]]`, with COUNT inputs that follow from SEED, of
-// growing size, on so many threads at once.
+// growing size, on two threads at once, or so many.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string problem = tarvel::lua::fuzz::findProblem({data, size});
@@ -27,7 +27,7 @@ int main(int count, char** arguments) {
   };
   const unsigned long inputs = argument(1, 1000);
   const unsigned long seed = argument(2, 1);
-  const unsigned long threads = argument(3, 1);
+  const unsigned long threads = argument(3, 2);
   const auto runShare = [&](unsigned long first) {
     for (unsigned long number = first; number < inputs; number += threads) {
       // Each input has its own generator, so that one can be repeated alone.

@@ -2,13 +2,17 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "cli/script_container.h"
+#include "lua/lua_vm_impl.h"
+#include "lua/native_objects.h"
 #include "tests/fuzz/choices.h"
 #include "tests/fuzz/script_generator.h"
+#include "tests/unit/value_support.h"
 
 // Runs the script that the bytes stand for in every placement, supervised, and plain from a
 // container, and compares.
@@ -44,17 +48,28 @@ std::string exactText(const LuaValue& value) {
   }
 }
 
+// What Placement::Properties needs: each object that `renew` gives has the same properties.
+void defineProperties(LuaVM& vm) {
+  static constexpr char kTypeKey = 0;
+  LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+  internal::NativeClass& type = internal::defineClass(interpreter, &kTypeKey, "Variables");
+  for (const std::string number : {"1", "2", "3", "4", "5", "6", "7", "8", "9"})
+    internal::addProperty(interpreter, type, "v" + number, internal::callOfGlobal("get" + number),
+                          internal::callOfGlobal("set" + number));
+  internal::addProperty(interpreter, type, "spoil", internal::callOfGlobal("spoil"), {});
+  interpreter.bindNativeGlobal("renew", [&](LuaVM&, internal::ValueSpan, internal::Site) {
+    return internal::MultiValue(wrapObject(interpreter, type, std::make_shared<int>()));
+  });
+}
+
 Outcome runScript(const std::string& script, bool supervised, std::uint64_t steps) {
-  LuaOptions options;
-  options.supervised = supervised;
-  options.reach = LuaReach::None;
-  options.limits.steps = steps;
-  LuaVM vm(options);
+  LuaVM vm({.reach = LuaReach::None, .supervised = supervised, .limits = {.steps = steps}});
   Outcome outcome;
   vm.bind("report", [&outcome](const std::vector<LuaValue>& values) {
     for (const LuaValue& value : values) outcome.text.append(exactText(value)).append(" ");
     outcome.text.append("\n");
   });
+  defineProperties(vm);
   const LuaResult result = vm.runScriptString(script, "script");
   outcome.isOk = result.ok;
   outcome.steps = vm.usage().steps;

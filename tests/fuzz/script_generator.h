@@ -14,11 +14,12 @@ enum class Placement : std::uint8_t {
   Locals,    // of the main function
   Captured,  // locals of the main function, used by a function inside
   Globals,
-  Fields,    // of one table
-  Elements,  // of one list
-  Calls,     // locals, each read through a call, so that no operand has a form of its own
+  Fields,      // of one table
+  Elements,    // of one list
+  Calls,       // locals, each read through a call, so that no operand has a form of its own
+  Properties,  // of an object of the host's, which run get1 to get9, set1 to set9 and spoil
 };
-inline constexpr int kPlacements = 6;
+inline constexpr int kPlacements = 7;
 
 // The script calls `report` with any values, in the order in which it gets to know them. It ends by
 // itself, but may take long.

@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <functional>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
+#include "lua/lua_vm_impl.h"
 #include "lua/value/heap.h"
 #include "lua/value/host_stack.h"
 #include "lua/value/string_object.h"
@@ -54,6 +56,16 @@ class TestHeap {
 };
 
 inline std::uint64_t countOf(const OwnedValue& value) { return value.get().object->count; }
+
+// A function of the host's that calls the script's global function of this name.
+inline NativeFunction callOfGlobal(const std::string& name) {
+  return [name](LuaVM& vm, ValueSpan arguments, Site site) {
+    LuaVM::Impl& interpreter = LuaVM::Impl::of(vm);
+    const Value function = interpreter.globals.at(interpreter.globals.slotOf(name));
+    if (!function.isFunction()) failRuntime(site, "attempt to call a nil value");
+    return interpreter.callHandle(function.function, arguments, site);
+  };
+}
 
 // Runs `body` on a thread whose stack has `bytes` and waits for its end.
 inline void runOnStack(std::size_t bytes, std::function<void()> body) {

@@ -1,4 +1,4 @@
--- Numbers as programs write them, and what operators refuse; their results: tests/unit/operand_forms_test.cpp.
+-- Numbers as programs write them, and what operators refuse; their results: tests/unit/operators_test.cpp.
 print(7 % -3, -7 % 3, 5.5 % -2, 7 / 2, 6 / 2, 0XfF, 0xFFFFFFFFFFFFFFFF, 0x)  -- expect: 1	-1	1.5	3.5	3	255	-1	0
 print(9223372036854775808, 1.50, 1234567.0, 0.00001, 0x10000000000000002)  -- expect: 9.22337e+18	1.5	1.23457e+06	1e-05	2
 

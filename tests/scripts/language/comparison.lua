@@ -1,4 +1,4 @@
--- Strings and objects compared; numbers: tests/unit/operand_forms_test.cpp.
+-- Strings and objects compared; numbers: tests/unit/operators_test.cpp.
 -- Strings by unsigned bytes, then by length.
 print("a" < "ab", "ab" < "b", "" < "", "Z" < "a", "10" < "9")  -- expect: true	true	false	true	true
 print("z" < "é", "a\0b" < "a\0c", "abc" > "abd", "abc" >= "abc")  -- expect: true	true	false	true

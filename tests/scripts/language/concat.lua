@@ -16,8 +16,8 @@ text = text .. change()
 copy = text .. "!"
 print(text, n, copy)  -- expect: old-changed-changed	nilx	old-changed-changed!
 print(#("a" .. {} .. "b" .. {}) > 2)  -- expect: true
--- So do fields and elements that grow; what was read before they grew, or is read elsewhere, stays.
--- Whoever changes them while the right side runs is overwritten by what they were before.
+-- So do fields and elements that grow; what was read before they grew, or is read elsewhere, stays. What changes them
+-- while the right side runs: tests/fuzz/script_generator.cpp.
 long = string.rep("-", 300)
 for round, key in ipairs({"name", 1, 2.0, true, -7}) do
   record, kept = {text = long .. round, [key] = long .. round}, {}
@@ -34,19 +34,8 @@ for round, key in ipairs({"name", 1, 2.0, true, -7}) do
   -- expect: true	412	303	409	true
   -- expect: true	412	303	409	true
 end
-list, index = {long .. 1, long .. 2}, 1
-function stepped(x) index = index + 1 return x end
-list[index] = list[index] .. stepped("a")
-print(#list[1], list[2] == long .. "1a")  -- expect: 301	true
-function overwritten(x) record.text = record.text .. "lost" return x end
-record.text = long .. 3
-record.text = record.text .. "." .. overwritten(4)
-print(record.text == long .. "3.4")  -- expect: true
-function swapped(x) record, old = {text = "new"}, record return x end
-record.text = record.text .. swapped(5)
-print(record.text == long .. "3.45", old.text == long .. "3.4")  -- expect: true	true
 record.text = record.text .. record.text .. #record.text
-print(record.text == long .. "3.45" .. long .. "3.45304")  -- expect: true
+print(record.text == kept[40] .. kept[40] .. 412)  -- expect: true
 index = long .. "i"
 list = {[index] = index}
 list[index] = list[index] .. "j"

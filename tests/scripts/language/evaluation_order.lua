@@ -43,7 +43,7 @@ print(run(function() return pick("a") and pick("b") or pick("c", false) or pick(
 -- expect: a c d 	1
 
 -- Operands, arguments, returned values and fields keep the values they had when evaluated (more operands:
--- tests/unit/operand_forms_test.cpp).
+-- tests/fuzz/script_generator.cpp).
 n = 1
 function bump()
   n = n + 10
