@@ -1,18 +1,11 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <tarvel/lua/lua_vm.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <functional>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <utility>
 
 #include "tests/unit/script_outcome.h"
 #include "tests/unit/switched_stack.h"
@@ -21,10 +14,9 @@
 namespace tarvel::lua {
 namespace {
 
-// What a script cannot exceed: the thread's stack, and memory.
+// What a script cannot exceed: the stack of the thread, or of what the host switched to. Memory:
+// tests/cli_test.py.
 
-using internal::kCheckedHeap;
-using internal::kSanitized;
 using internal::kWideFrames;
 using internal::runOnStack;
 using internal::SwitchedStack;
@@ -239,124 +231,6 @@ TEST(Nesting, IsNoCrashHoweverDeep) {
     }
   }
   runOnStack(64 * kMegabyte, [] { EXPECT_EQ("i7", run(kNestings[0].source(1000))); });
-}
-
-// Sets what this process may use of the address space beyond what it uses now.
-void limitMemory(std::size_t bytes) {
-  std::ifstream file("/proc/self/statm");
-  std::size_t pages = 0;
-  file >> pages;
-  rlimit limit{};
-  getrlimit(RLIMIT_AS, &limit);
-  limit.rlim_cur = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + bytes;
-  setrlimit(RLIMIT_AS, &limit);
-}
-
-constexpr std::size_t kLittleMemory = 300 * kMegabyte;
-
-// An interpreter asks what there is when it first needs much.
-void needMuchMemory(LuaVM& vm) {
-  EXPECT_EQ("i100000000", run(vm, "return #string.rep('x', 100000000)"));
-}
-
-// Either the system enforces the limit, or the interpreter does, by its own count. Checked heaps
-// leave it to the system.
-void leaveLittleMemory(LuaVM& vm, bool systemEnforces) {
-  systemEnforces = systemEnforces || kCheckedHeap;
-  if (systemEnforces) needMuchMemory(vm);
-  limitMemory(kLittleMemory);
-  if (systemEnforces) return;
-  needMuchMemory(vm);
-  limitMemory(5 * kLittleMemory);
-}
-
-// In bytes.
-std::size_t peakMemory() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<std::size_t>(usage.ru_maxrss) * kKilobyte;
-}
-
-constexpr std::size_t kMostPeakMemory = kLittleMemory + 64 * kMegabyte;
-
-// Runs a script in this process with little memory and ends the process, with status 0 if the
-// script returned true and the interpreter still runs others.
-[[noreturn]] void runWithLittleMemory(const std::string& script, bool systemEnforces) {
-  LuaVM vm;
-  leaveLittleMemory(vm, systemEnforces);
-  const std::string text = run(vm, script);
-  const std::string afterwards = run(vm, kBusyScript);
-  const std::size_t peak = peakMemory();
-  std::cerr << text << ' ' << afterwards << ' ' << peak << '\n';
-  _exit(text == "true" && afterwards == kBusyOutcome && peak < kMostPeakMemory ? 0 : 1);
-}
-
-constexpr const char* kNotCounted = "checked heaps do not count their memory";
-
-// Each test in a process of its own, because how much there is is asked only once in a process.
-class Memory : public ::testing::Test {
- protected:
-  void SetUp() override {
-    if (kSanitized) GTEST_SKIP() << "a sanitizer's allocator ends the process instead";
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-  }
-
-  // The script returns true with little memory, and the interpreter is in order afterwards.
-  static void expectTrue(const std::string& script) {
-    for (const bool systemEnforces : {true, false}) {
-      EXPECT_EXIT(runWithLittleMemory(script, systemEnforces), ::testing::ExitedWithCode(0), "")
-          << script << (systemEnforces ? "" : ", by its own count");
-    }
-  }
-};
-
-TEST_F(Memory, RunningOutIsAnError) {
-  const char* const bodies[] = {
-      "local s = 'x' while true do s = s .. s end",
-      "local s = 'x' while true do local t = s .. s s = t end",
-      "local t = {} local i = 0 while true do i = i + 1 t[i] = i end",
-      "local t = {} local i = 0 while true do i = i + 1 t['key' .. i] = i end",
-      "local s = string.rep('x', 9000000000000)",
-      "local t = {} while true do t = {x = t} end",
-      "local f = 1 while true do f = around(f) end",
-      // Memory that is not the script's own: what print, error, loops and functions hand on.
-      "local a = {1} for i = 1, 40 do a = {a, a} end print(a)",
-      "local a = {x = 1} for i = 1, 40 do a = {x = a, y = a} end print(a)",
-      ("local t = {} for i = 1, 4000000 do t[i] = i end "
-       "local all = {} for i = 1, 9 do all[i] = pairs(t) end"),
-      "for a, b in string.gmatch(string.rep('x', 120000000), '((.+))') do end",
-  };
-  for (const std::string body : bodies) {
-    expectTrue(
-        "function around(g) return function() return g end end "
-        "local ok, message = pcall(function() " +
-        body + " end) return not ok and message == 'not enough memory'");
-  }
-}
-
-// Small blocks, then those of another size with a few of the first kept, then large ones.
-TEST_F(Memory, WhatIsFreeServesAgain) {
-  if (kCheckedHeap) GTEST_SKIP() << kNotCounted;
-  expectTrue(
-      "local all, few = {}, {} pcall(function() for i = 1, 1000000000 do all = {all, i} "
-      "if i % 100000 == 0 then few = {few} end end end) all = nil "
-      "local texts for i = 1, 400000 do texts = {texts, string.rep('x', 150)} end "
-      "few, texts = nil for i = 1, 10 do string.rep('x', 150000000) end return true");
-}
-
-// With little of the address space an interpreter has few slots for its frames.
-TEST_F(Memory, ComparatorsThatCallNativesLeaveNothingOnTheStack) {
-  const auto sort = [] {
-    limitMemory(24 * kMegabyte);
-    LuaVM vm;
-    _exit(run(vm,
-              "local t = {} for i = 1, 30000 do t[i] = i * 7919 % 30011 end "
-              "table.sort(t, function(a, b) return a ~= b and math.min(a, b) == a end) "
-              "return t[1], t[30000]") == "[i1 i30010]"
-              ? 0
-              : 1);
-  };
-  EXPECT_EXIT(sort(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
