@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <tarvel/lua/lua_vm.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <functional>
@@ -14,9 +15,11 @@
 #include "lua/value/heap.h"
 #include "lua/value/host_stack.h"
 #include "tests/unit/switched_stack.h"
+#include "tests/unit/value_support.h"
 
 // Scripts reach the host in many ways, and the host may do there whatever it may do outside. Every
-// way with every deed, and a second way inside of that.
+// way with every deed, and a second way inside of that. Then the end of interpreters, and what runs
+// while objects are destroyed.
 
 namespace tarvel::lua {
 
@@ -106,11 +109,11 @@ class HostNesting : public ::testing::Test {
   }
 
   void begin() {
-    LuaOptions options;
-    options.supervised = true;
-    options.limits.stack = std::size_t{32} << 10;
-    options.output = options.errorOutput = [](std::string_view) { Nest::reach(); };
-    vm_ = std::make_unique<LuaVM>(options);
+    const auto output = [](std::string_view) { Nest::reach(); };
+    vm_ = std::make_unique<LuaVM>(LuaOptions{.supervised = true,
+                                             .limits = {.stack = std::size_t{32} << 10},
+                                             .output = output,
+                                             .errorOutput = output});
     vm_->bindFunction("host", [](LuaVM&, const std::vector<LuaValue>&) {
       Nest::reach();
       return LuaValue();
@@ -288,6 +291,148 @@ TEST_F(HostNesting, OfTheEnd) {
     EXPECT_EQ(nullptr, vm_);
     EXPECT_EQ(blocksBefore_, Heap::liveBlocks()) << way.code;
   }
+}
+
+// ---- The end of an interpreter, and what runs while objects are destroyed -----------------------
+
+using Arguments = std::vector<LuaValue>;
+
+// The descriptor that the next file would get.
+int nextDescriptor() {
+  const int descriptor = dup(STDERR_FILENO);
+  close(descriptor);
+  return descriptor;
+}
+
+TEST(InterpreterEnd, ReturnsWhatCirclesHold) {
+  const char* const circles[] = {
+      "t = {host} t.t = t",
+      "local t = {} t.f = function() return t, host end",
+      "local f f = function() return f, host end",
+      "local even local function odd() return even, host end even = function() return odd end",
+      "io.io = io io.host = host string.string = {string, host}",
+      "local t = {pairs({host}), io.stdout, io.stdout.write} t.t = t",
+      "local own = on on(function() return own, host end)",
+      "on(function() return on, host end)",
+      "local t = {io.open('/dev/null', 'w')} t.t = t t.write = t[1].write t.h = host",
+  };
+  const int descriptor = nextDescriptor();
+  for (const char* const script : circles) {
+    const auto held = std::make_shared<int>(0);
+    LuaValue handle;
+    {
+      LuaVM vm;
+      vm.bind("host", [held] {});
+      vm.bindFunction("on", [held, callbacks = std::make_shared<Arguments>()](
+                                LuaVM&, const Arguments& arguments) {
+        callbacks->push_back(arguments.at(0));
+        return LuaValue();
+      });
+      EXPECT_TRUE(vm.runScriptString(script, "c").ok) << script;
+      handle = vm.runScriptString("return function() return t, host end", "c").value;
+    }
+    EXPECT_EQ(1, held.use_count()) << script;
+    EXPECT_EQ("[function <anonymous>]", handle.toString());
+  }
+  EXPECT_EQ(descriptor, nextDescriptor());
+}
+
+// Values that reach the host in such a run go when the host's function is done with them, also if
+// the function that is destroyed was part of a public value.
+TEST(Destructors, DoNotKeepThePublicValuesOfTheirRuns) {
+  LuaVM vm;
+  const auto counted = std::make_shared<int>(0);
+  vm.bindFunction("ignore", [](LuaVM&, const Arguments&) { return LuaValue(); });
+  vm.bind("counted", [counted] {});
+  long countInside = 0;
+  const auto end = [&](void*) {
+    vm.runScriptString("ignore({counted}) counted = nil", "inner");
+    countInside = counted.use_count();
+  };
+  vm.bind("held", [held = std::shared_ptr<void>(nullptr, end)] {});
+  vm.runScriptString("local h = held held = nil return {{h}}", "outer");
+  EXPECT_EQ(1, countInside);
+}
+
+// A destructor may run a script while the globals go, and is told when it is too late for that.
+TEST(Destructors, AndTheEndOfTheInterpreter) {
+  std::vector<std::string> outcomes;
+  {
+    LuaVM vm;
+    const auto bind = [&](const char* name) {
+      const std::shared_ptr<void> held(nullptr, [&](void*) {
+        const LuaResult result = vm.runScriptString("late = {{}} return 'ran'", "inner");
+        outcomes.push_back(result.ok ? result.value.toString() : result.error);
+        vm.setGlobal("late", LuaValue("x"));
+      });
+      vm.bind(name, [held] {});
+    };
+    bind("inGlobal");
+    bind("inCircle");
+    EXPECT_TRUE(vm.runScriptString("t = {inCircle} t.t = t inCircle = nil", "c").ok);
+  }
+  EXPECT_EQ((std::vector<std::string>{"ran", "the interpreter has ended"}), outcomes);
+}
+
+// The host destroys the last thing that refers to an interpreter: a function that holds it.
+TEST(InterpreterEnd, ComesWithTheFunctionThatHoldsTheLuaVm) {
+  const char* const scripts[] = {
+      "local f = hold hold = nil return f",
+      "local f = hold hold = nil return {{f}, x = f}",
+      "local f = hold hold = nil return function() return f end",
+  };
+  for (const char* const script : scripts) {
+    const auto held = std::make_shared<int>(0);
+    auto vm = std::make_shared<LuaVM>();
+    vm->bind("hold", [vm, held] {});
+    LuaValue handle = vm->runScriptString(script, "c").value;
+    vm.reset();
+    EXPECT_EQ(2, held.use_count());
+    handle = LuaValue();
+    EXPECT_EQ(1, held.use_count());
+  }
+}
+
+// What waits to be destroyed together with a host's function may belong to an interpreter that goes
+// with that function, in a run or at the end of another interpreter.
+TEST(InterpreterEnd, LeavesWhatWaitsToBeDestroyed) {
+  for (const bool inARun : {false, true}) {
+    LuaVM vm;
+    auto doomed = std::make_shared<LuaVM>();
+    struct {
+      std::shared_ptr<void> last;
+      LuaValue first;
+    } held;
+    held.first =
+        doomed->runScriptString("local t = {{}} return function() return t end", "c").value;
+    auto other = std::make_shared<LuaVM>();
+    if (inARun) {
+      other->bind("stop", [&doomed] { doomed.reset(); });
+      held.last.reset<void>(nullptr, [other](void*) { other->runScriptString("stop()", "other"); });
+    } else {
+      other->bind("hold", [doomed] {});
+      doomed.reset();
+      held.last = other;
+    }
+    other.reset();
+    vm.bind("held", [held] {});
+    held = {};
+    EXPECT_EQ("1", vm.runScriptString("held = nil return 1", "c").value.toString());
+    EXPECT_EQ(nullptr, doomed);
+  }
+}
+
+// However many interpreters end with one object, they take no more of the stack than one does.
+TEST(InterpreterEnd, OfManyInterpretersAtOnce) {
+  internal::runOnStack(std::size_t{192} << 10, [] {
+    LuaVM vm;
+    vm.runScriptString("t = {}", "c");
+    for (int i = 0; i < 1500; ++i) {
+      vm.bind("hold", [held = std::make_shared<LuaVM>()] {});
+      vm.runScriptString("t[#t + 1] = hold hold = nil", "c");
+    }
+    EXPECT_EQ("1500", vm.runScriptString("local n = #t t = nil return n", "c").value.toString());
+  });
 }
 
 }  // namespace

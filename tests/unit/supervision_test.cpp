@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -15,43 +16,25 @@
 #include "tests/unit/value_support.h"
 
 // Supervised interpreters: what counts as a step, and what is known of the calls that an error
-// passed through. How runs end that do too much: tests/refusal/bounds_test.cpp.
+// passed through. What the library gives scripts, where their output goes, and what its work
+// counts. How runs end that do too much: tests/refusal/bounds_test.cpp.
 
 namespace tarvel::lua {
 namespace {
-
-LuaOptions supervised(const LuaLimits& limits = {}) {
-  LuaOptions options;
-  options.supervised = true;
-  options.limits = limits;
-  return options;
-}
-
-LuaLimits steps(std::uint64_t count) {
-  LuaLimits limits;
-  limits.steps = count;
-  return limits;
-}
 
 LuaValue evaluate(LuaVM& vm, const std::vector<LuaValue>& arguments) {
   const LuaResult result = vm.runScriptString(arguments.at(0).toString(), "inner");
   return result.ok ? result.value : LuaValue(result.detail->toString());
 }
 
-// What ended a run: the name of the kind, or nothing.
-std::string runWithin(LuaVM& vm, const std::string& source, const LuaLimits& limits) {
+// What ended a run; Syntax, which no run ends with, where nothing did.
+LuaError::Kind endOf(LuaVM& vm, const std::string& source, const LuaLimits& limits) {
   vm.setLimits(limits);
   const LuaResult result = vm.runScriptString(source, "c");
-  if (result.ok) return "";
-  switch (result.detail->kind) {
-    case LuaError::Kind::Steps:
-      return "Steps";
-    case LuaError::Kind::Stopped:
-      return "Stopped";
-    default:
-      return result.error;
-  }
+  return result.ok ? LuaError::Kind::Syntax : result.detail->kind;
 }
+
+constexpr auto kNothing = LuaError::Kind::Syntax;
 
 std::string traceOf(const LuaResult& result) {
   if (result.detail == nullptr) return "no failure";
@@ -60,13 +43,8 @@ std::string traceOf(const LuaResult& result) {
   return error.toString();
 }
 
-struct Counted {
-  const char* source;
-  std::uint64_t steps;
-};
-
 // The chunk itself is a call.
-constexpr Counted kCounted[] = {
+constexpr std::pair<const char*, std::uint64_t> kCounted[] = {
     {"", 1},
     {"return (1 + 2) * 3, 'a' .. 1, {}, #'x'", 1},
     // Rounds of loops; the test that ends a loop is none.
@@ -97,15 +75,15 @@ constexpr Counted kCounted[] = {
 };
 
 TEST(Supervision, EveryCallAndEveryRoundIsAStep) {
-  for (const Counted& counted : kCounted) {
-    LuaVM vm(supervised());
-    ASSERT_EQ("", vm.runScriptString(counted.source, "c").error);
-    EXPECT_EQ(counted.steps, vm.usage().steps) << counted.source;
+  for (const auto& [source, steps] : kCounted) {
+    LuaVM vm({.supervised = true});
+    ASSERT_EQ("", vm.runScriptString(source, "c").error);
+    EXPECT_EQ(steps, vm.usage().steps) << source;
     // So many are enough, one less is not.
-    EXPECT_EQ("", runWithin(vm, counted.source, steps(counted.steps))) << counted.source;
-    if (counted.steps == 1) continue;
-    EXPECT_EQ("Steps", runWithin(vm, counted.source, steps(counted.steps - 1))) << counted.source;
-    EXPECT_EQ(counted.steps - 1, vm.usage().steps) << counted.source;
+    EXPECT_EQ(kNothing, endOf(vm, source, {.steps = steps})) << source;
+    if (steps == 1) continue;
+    EXPECT_EQ(LuaError::Kind::Steps, endOf(vm, source, {.steps = steps - 1}));
+    EXPECT_EQ(steps - 1, vm.usage().steps) << source;
   }
   LuaVM unsupervised;
   run(unsupervised, kBusyScript);
@@ -115,33 +93,29 @@ TEST(Supervision, EveryCallAndEveryRoundIsAStep) {
 TEST(Supervision, ARequestEndsTheRunsThatBeginLater) {
   std::stop_source request;
   request.request_stop();
-  LuaLimits limits;
-  limits.stop = request.get_token();
-  LuaVM vm(supervised());
-  EXPECT_EQ("Stopped", runWithin(vm, "error('it began')", limits));
+  LuaVM vm({.supervised = true});
+  EXPECT_EQ(LuaError::Kind::Stopped, endOf(vm, "error('it began')", {.stop = request.get_token()}));
 }
 
 // ---- Nested runs --------------------------------------------------------------------------------
 
 TEST(Supervision, NestedRunsShareTheLimitsOfTheOutermost) {
-  LuaVM vm(supervised());
+  LuaVM vm({.supervised = true});
   vm.bindFunction("evaluate", evaluate);
   // What a nested run uses is gone, also where it was begun by a destructor.
   const std::string nested = "for i = 1, 3 do evaluate('for i = 1, 10 do end') end";
-  EXPECT_EQ("", runWithin(vm, nested, steps(40)));
-  EXPECT_EQ("Steps", runWithin(vm, nested, steps(39)));
+  EXPECT_EQ(kNothing, endOf(vm, nested, {.steps = 40}));
+  EXPECT_EQ(LuaError::Kind::Steps, endOf(vm, nested, {.steps = 39}));
   auto ended = std::shared_ptr<void>(nullptr, [&](void*) { vm.runScriptString("a() a()", "end"); });
   vm.bindFunction("held",
                   [ended = std::move(ended)](LuaVM&, const Arguments&) { return LuaValue(); });
-  EXPECT_EQ("", runWithin(vm, "function a() end held = nil", steps(4)));
+  EXPECT_EQ(kNothing, endOf(vm, "function a() end held = nil", {.steps = 4}));
   EXPECT_EQ(4U, vm.usage().steps);
 }
 
 // What a bound function passes on from a run inside of it ends the run around it in the same way.
 TEST(Supervision, TheEndOfANestedRunIsThatOfTheOutermost) {
-  LuaOptions options = supervised(steps(1'000'000));
-  options.limits.memory = std::size_t{4} << 20;
-  LuaVM vm(options);
+  LuaVM vm({.supervised = true, .limits = {.steps = 1'000'000, .memory = std::size_t{4} << 20}});
   vm.bind("nest", [](LuaVM& inner, const LuaFunction& f) { inner.call<void>(f).value(); });
   vm.bind("ignore", [](LuaVM& inner, const LuaFunction& f) { return bool(inner.call<void>(f)); });
   const std::pair<const char*, LuaError::Kind> cases[] = {
@@ -173,9 +147,7 @@ namespace {
 
 // Copies for the host are as long as a script likes, and stand outside of its interpreter's heap.
 TEST(Supervision, ConversionsCountWhatTheyCopy) {
-  LuaOptions options = supervised(steps(200'000));
-  options.limits.memory = std::size_t{4} << 20;
-  LuaVM vm(options);
+  LuaVM vm({.supervised = true, .limits = {.steps = 200'000, .memory = std::size_t{4} << 20}});
   vm.bind("texts", [](const std::vector<std::string>& list) { return list.size(); });
   vm.bind("map", [](const std::map<std::string, std::string>& map) { return map.size(); });
   vm.bind("values", [](std::string, const std::vector<LuaValue>& rest) { return rest.size(); });
@@ -206,12 +178,7 @@ TEST(Supervision, ConversionsCountWhatTheyCopy) {
 
 // ---- Traces -------------------------------------------------------------------------------------
 
-struct Traced {
-  const char* source;
-  const char* trace;
-};
-
-constexpr Traced kTraced[] = {
+constexpr std::pair<const char*, const char*> kTraced[] = {
     {"error('x')", "\n  in error\n  in <chunk> (c:1)"},
     {"local t = {}\nt.x.y = 1", "\n  in <chunk> (c:2)"},
     {"Account = {}\nfunction Account:deposit(n)\n  self.sum = self.sum + n\nend\n"
@@ -234,14 +201,14 @@ constexpr Traced kTraced[] = {
 };
 
 TEST(Supervision, TracesSayWhichCallsAnErrorPassedThrough) {
-  for (const Traced& traced : kTraced) {
-    LuaVM vm(supervised());
+  for (const auto& [source, trace] : kTraced) {
+    LuaVM vm({.supervised = true});
     vm.bindFunction("evaluate", evaluate);
     vm.bindFunction("fail", [](LuaVM&, const Arguments&) -> LuaValue { throw std::bad_alloc(); });
-    EXPECT_EQ(traced.trace, traceOf(vm.runScriptString(traced.source, "c"))) << traced.source;
+    EXPECT_EQ(trace, traceOf(vm.runScriptString(source, "c"))) << source;
   }
   // At most 32 calls, the innermost; of a nested run its own.
-  LuaVM vm(supervised(steps(1000)));
+  LuaVM vm({.supervised = true, .limits = {.steps = 1000}});
   EXPECT_EQ(32U, vm.runScriptString("function f() f() end f()", "c").detail->trace.size());
   vm.setLimits({});
   vm.bindFunction("evaluate", evaluate);
@@ -249,6 +216,150 @@ TEST(Supervision, TracesSayWhichCallsAnErrorPassedThrough) {
             run(vm, "function f() return evaluate([[error('x')]]) end return f()"));
   LuaVM unsupervised;
   EXPECT_EQ("", traceOf(unsupervised.runScriptString("error('x')", "c")));
+}
+
+// ---- The library --------------------------------------------------------------------------------
+
+TEST(LibraryReach, WhatIsNotGrantedDoesNotExist) {
+  const char* const script =
+      "local s = '' for i, v in ipairs({print or 0, io.write or 0, io.stdout or 0, io.stderr or 0, "
+      "io.open or 0, os.execute or 0, os.exit or 0}) do s = s .. (v == 0 and '-' or i) end "
+      "return s, type(io), type(os), type(string.rep)";
+  const std::pair<LuaReach, const char*> cases[] = {
+      {LuaReach::None, "-------"},  {LuaReach::Output, "1234---"},
+      {LuaReach::Files, "----5--"}, {LuaReach::Commands, "-----6-"},
+      {LuaReach::Exit, "------7"},  {LuaReach::Output | LuaReach::Exit, "1234--7"},
+      {LuaReach::All, "1234567"},
+  };
+  for (const auto& [reach, names] : cases) {
+    LuaVM vm({.reach = reach});
+    EXPECT_EQ("['" + std::string(names) + "' 'table' 'table' 'function']", run(vm, script));
+  }
+}
+
+// ---- Output -------------------------------------------------------------------------------------
+
+struct Outputs {
+  std::string output;
+  std::string errors;
+
+  LuaOptions options(bool supervised = false) {
+    return {.supervised = supervised,
+            .output = [this](std::string_view text) { output += text; },
+            .errorOutput = [this](std::string_view text) { errors += text; }};
+  }
+};
+
+TEST(LibraryOutput, GoesToTheHost) {
+  Outputs to;
+  LuaVM vm(to.options());
+  EXPECT_EQ("nil", run(vm,
+                       "print(1, nil, 'a\\0b', {1, {x = 2}}, 2.5, true) print() print('') "
+                       "io.write('a', 1):write('b') io.stderr:write('c', 2) "
+                       "io.write(('z'):rep(100000)) print('h', ('z'):rep(100000), type)"));
+  EXPECT_TRUE(to.output == std::string("1\tnil\ta\0b\t{1, {x: 2}}\t2.5\ttrue\n\n\na1b", 36) +
+                               std::string(100000, 'z') + "h\t" + std::string(100000, 'z') +
+                               "\t[function type]\n")
+      << to.output.substr(0, 50);
+  EXPECT_EQ("c2", to.errors);
+  EXPECT_EQ("error value cannot be bridged out of TarvelLua", run(vm, "print('lost', io.stdout)"));
+  EXPECT_FALSE(to.output.ends_with("lost"));
+}
+
+struct ForeignException {};
+
+TEST(LibraryOutput, WhatTheHostThrowsIsAnErrorWhereTheScriptWrites) {
+  bool isForeign = false;
+  LuaVM vm({.output = [&](std::string_view text) {
+    if (isForeign) throw ForeignException();
+    if (text != "ok") throw std::runtime_error("full");
+  }});
+  for (const char* call : {"print('x')", "io.write('ok', 'x')", "io.stdout:write('x')"}) {
+    const LuaResult result = vm.runScriptString("io.write('ok')\n" + std::string(call), "c");
+    EXPECT_EQ("c:2: full", result.error) << call;
+    ASSERT_NE(nullptr, result.detail);
+    EXPECT_EQ(LuaError::Kind::Host, result.detail->kind);
+    EXPECT_EQ("[false 'full']", run(vm, "return pcall(function() " + std::string(call) + " end)"));
+  }
+  isForeign = true;
+  EXPECT_THROW(vm.runScriptString("pcall(print, 1)", "c"), ForeignException);
+}
+
+// ---- Work ---------------------------------------------------------------------------------------
+
+// Neither on what the interpreter did before, nor on hashes.
+TEST(LibraryWork, CountsTheSameEveryTime) {
+  const char* const script =
+      "local n = 0 for i = 1, 600 do n = n + (('a1b2'):find('[a-z]' .. i % 300) or 0) end "
+      "for k, v in pairs({a = 1, b = 2}) do n = n + v end print({c = n, d = {e = n}}) "
+      "return ('x-y z'):gsub('%W', ''), ('k=v'):match('(%w+)=(%w+)')";
+  Outputs to;
+  LuaVM vm(to.options(true));
+  LuaVM other(to.options(true));
+  run(other, "for i = 1, 100 do ('x'):find('[a-z]' .. i * 2) end ('k=v'):match('(%w+)=(%w+)')");
+  std::uint64_t steps = 0;
+  for (LuaVM* next : {&vm, &other, &vm, &other}) {
+    EXPECT_EQ("['xyz' 'k' 'v']", run(*next, script));
+    if (steps == 0) steps = next->usage().steps;
+    EXPECT_EQ(steps, next->usage().steps);
+  }
+}
+
+// Also where it is done in pieces. Wherever a limit ends a sort, all elements are there; those
+// whose comparison may fail are where they were.
+TEST(LibraryWork, LeavesLongTablesRight) {
+  const char* const mixed = "i % 2 == 0 and i or 'k' .. i";
+  for (const char* element : {"i * 7919 % 3001", "'k' .. i * 7919 % 3001", "-i", mixed}) {
+    LuaVM vm({.supervised = true});
+    run(vm, "function made() local t = {} for i = 1, 3000 do t[i] = " + std::string(element) +
+                " end return t end t = made() table.sort(t) sorted = table.concat(t, ' ')");
+    bool isDone = false;
+    for (std::uint64_t steps = 1000; !isDone; steps += 1000) {
+      run(vm, "t = made() before = table.concat(t, ' ')");
+      vm.setLimits({.steps = steps});
+      isDone = vm.runScriptString("table.sort(t)", "c").ok;
+      vm.setLimits({});
+      if (!isDone && element != mixed) run(vm, "table.sort(t)");
+      const char* const expected = isDone || element != mixed ? "sorted" : "before";
+      const std::string check = "return table.concat(t, ' ') == " + std::string(expected);
+      EXPECT_EQ("true", run(vm, check)) << element << ", " << steps;
+    }
+  }
+  const char* const script =
+      "local t, sum = {}, 0 "
+      "for i = 1, 5000 do t[i] = i % 997 == 0 and ('L'):rep(40000) or 'e' .. i end "
+      "for k, v in pairs(t) do t[5001] = v sum = sum * 31 % 1000003 + k + #v end "
+      "local o = {f = ''} for i = 1, 2000 do o.f = (o.f .. i) .. ' ' end "
+      "return table.concat(t, ', '), o.f, sum";
+  LuaVM supervised({.supervised = true});
+  LuaVM free;
+  EXPECT_TRUE(run(supervised, script) == run(free, script));
+}
+
+TEST(LibraryWork, WhatCannotBeInterruptedIsRefused) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"return ('x'):find(('(%a)?'):rep(200))", "pattern is too complex"},
+      {"return ('x'):find(('a'):rep(30000) .. '.')", "pattern is too complex"},
+      {"return ('x'):find('[%](a{100}){900}]')", "pattern is too complex"},
+      {"return tonumber(('1'):rep(300000))", "text is too long for a number"},
+      {"error(('e'):rep(2000000))", "error message is too long"},
+  };
+  for (const auto& [script, text] : cases) {
+    LuaVM vm({.supervised = true});
+    EXPECT_EQ("error c:1: " + std::string(text), run(vm, script)) << script;
+    LuaVM free;
+    EXPECT_EQ(std::string::npos, run(free, script).find(text)) << script;
+  }
+}
+
+TEST(LibraryWork, CountsMemoryThatStandsElsewhere) {
+  LuaVM vm({.limits = {.memory = std::size_t{4} << 20}});
+  // Compiled patterns make room for each other, and leave most of it for the script.
+  EXPECT_EQ("i300", run(vm,
+                        "local n = 0 for i = 1, 300 do n = n + "
+                        "('x'):find('x' .. ('[x]?'):rep(200) .. '([' .. i .. ']*)') end return n"));
+  EXPECT_LT(std::size_t{390} << 10, vm.usage().memory);
+  EXPECT_GT(std::size_t{2} << 20, vm.usage().peakMemory);
 }
 
 }  // namespace
