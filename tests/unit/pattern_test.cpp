@@ -83,11 +83,8 @@ TEST(PatternTest, DeepRecursionGivesTheRightAnswerOrAnError) {
   const std::pair<const char*, const char*> cases[] = {
       {"return string.find(big .. 'b', '^(?:.)*b')", "{1, 50001}"},
       {"return #string.match('-' .. big, '(?:[%w])+$')", "50000"},
-      {"return string.find(big, '^((a))*b')", "nil"},
-      {"local first, last = string.find(big, '^(a*)*$') return last", "50000"},
       {"local first, last = string.find(big .. 'b', '^(a?)-b') return last", "50001"},
       {"local first, last = string.find(big, '^(?=(a*)a)a*$') return last", "50000"},
-      {"local first = string.find('a]', '[a%](b?){1000}]') return first", "1"},
       {"return string.find('ba', string.rep('b-', 2000) .. 'a')", "{1, 2}"},
       {"return string.find('a', string.rep('(', 2000) .. 'b' .. string.rep(')', 2000))", "nil"},
   };
@@ -103,9 +100,6 @@ TEST(PatternTest, DeepRecursionGivesTheRightAnswerOrAnError) {
   const std::string repeated =
       outcomeOn(850 * kSmallStack, "return string.find(big, '^((((((a))))))*b')");
   EXPECT_TRUE(repeated == "nil" || repeated == exhausted()) << repeated;
-  EXPECT_EQ(
-      outcomeOn(4 * kSmallStack, "return string.match('key = value', '(%w+)(?:%s)*=%s*(%w+)')"),
-      "{key, value}");
   // Simple patterns take none.
   EXPECT_EQ(outcomeOn(kSmallStack, "return #string.match('-' .. big .. '!', '.(.*a).$')"), "50000");
   // Too deep to be compiled.
