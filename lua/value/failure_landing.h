@@ -8,7 +8,7 @@ namespace tarvel::lua::internal {
 // Where a failure can go to without an exception, which would cost thousands of instructions for
 // each function on its way: back into the innermost pcall, over frames of node functions. These
 // have nothing to release. What they own stands in slots of the value stack, which pcall sweeps. At
-// most they note a call for a trace, and pcall throws its trace away.
+// most they would note a call for a trace, and pcall throws its trace away.
 //
 // Whoever has something to release while a script runs below puts up a LandingBarrier. An
 // interpreter has a pointer to its innermost landing; null means that failures are exceptions.
