@@ -30,7 +30,8 @@ SECONDS = 60  # that anything here may take
 
 def address_space(mebibytes):
     """What a child process calls to live with so little, until it raises the limit."""
-    return lambda: resource.setrlimit(resource.RLIMIT_AS, (mebibytes << 20, resource.RLIM_INFINITY))
+    most = resource.getrlimit(resource.RLIMIT_AS)[1]
+    return lambda: resource.setrlimit(resource.RLIMIT_AS, (mebibytes << 20, most))
 
 
 class ProgramTest(unittest.TestCase):
