@@ -16,8 +16,8 @@ text = text .. change()
 copy = text .. "!"
 print(text, n, copy)  -- expect: old-changed-changed	nilx	old-changed-changed!
 print(#("a" .. {} .. "b" .. {}) > 2)  -- expect: true
--- So do fields and elements that grow; what was read before they grew, or is read elsewhere, stays. What changes them
--- while the right side runs: tests/fuzz/script_generator.cpp.
+-- So do fields and elements that grow; what was read before they grew, or is read elsewhere, stays.
+-- Whoever changes them while the right side runs is overwritten by what they were before.
 long = string.rep("-", 300)
 for round, key in ipairs({"name", 1, 2.0, true, -7}) do
   record, kept = {text = long .. round, [key] = long .. round}, {}
@@ -36,6 +36,14 @@ for round, key in ipairs({"name", 1, 2.0, true, -7}) do
 end
 record.text = record.text .. record.text .. #record.text
 print(record.text == kept[40] .. kept[40] .. 412)  -- expect: true
+list, index = {long .. 1, long .. 2}, 1
+function stepped(x) index = index + 1 return x end
+list[index] = list[index] .. stepped("a")
+print(#list[1], list[2] == long .. "1a")  -- expect: 301	true
+function swapped(x) record, old = {text = "new"}, record return x end
+record.text = long .. 3
+record.text = record.text .. swapped(5)
+print(record.text == long .. "35", old.text == long .. "3")  -- expect: true	true
 index = long .. "i"
 list = {[index] = index}
 list[index] = list[index] .. "j"

@@ -62,3 +62,11 @@ print(owner.x, p.x)  -- expect: 2	3
 p.x = p.x * (function() for q = 1, 40 do p[q .. "key"] = q end p.x = nil return 2 end)()
 print(p.x)  -- expect: 6
 print(pcall(function() p.x = p.x + (function() p.x = "kept" error("stop") end)() end), p.x)  -- expect: false	kept
+-- The same where the table is in a global or captured, which a function can change.
+record = {n = 1, s = string.rep("s", 20)}
+local before = record
+function renew() record = {n = 10} return 5 end
+record.n = record.n + renew()
+print(record.n, before.n)  -- expect: 6	1
+record = before
+print(pcall(function() record.s = record.s + renew() end), before.s)  -- expect: false	ssssssssssssssssssss
