@@ -68,5 +68,8 @@ local before = record
 function renew() record = {n = 10} return 5 end
 record.n = record.n + renew()
 print(record.n, before.n)  -- expect: 6	1
-record = before
-print(pcall(function() record.s = record.s + renew() end), before.s)  -- expect: false	ssssssssssssssssssss
+for i = 1, 2 do
+  record = before
+  print(pcall(function() record.s = record.s + renew() end), before.s)  -- expect: false	ssssssssssssssssssss
+  -- expect: false	ssssssssssssssssssss
+end
